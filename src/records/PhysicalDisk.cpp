@@ -120,6 +120,13 @@ bool PhysicalDisk::operator==(const PhysicalDisk &other) const
            usedSpaceBytes == other.usedSpaceBytes && smartStatus == other.smartStatus;
 }
 
+std::string encodeDisks(const std::vector<PhysicalDisk> &disks, JSONLayout layout)
+{
+    std::vector<SerializablePhysicalDisk> serialized;
+    std::ranges::transform(disks, std::back_inserter(serialized), &PhysicalDisk::toSerializable);
+    return encodeDisks(serialized, layout);
+}
+
 } // namespace brindle
 
 std::size_t std::hash<brindle::PhysicalDisk>::operator()(const brindle::PhysicalDisk &disk) const noexcept

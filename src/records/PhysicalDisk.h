@@ -60,6 +60,9 @@ struct PhysicalDisk {
     bool operator==(const PhysicalDisk &other) const;
 };
 
+/// The disks in their persisted form, as encodeDisks() writes it.
+[[nodiscard]] std::string encodeDisks(const std::vector<PhysicalDisk> &disks, JSONLayout layout = JSONLayout::Compact);
+
 } // namespace brindle
 
 /// Narrower still than equality: names, sizes and systems seldom tell disks apart whose identifiers are the same.

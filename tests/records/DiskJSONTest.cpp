@@ -53,7 +53,7 @@ std::string complaintAbout(const std::string &json, DiskDecodingError code)
 
 TEST(DiskJSON, WritesTheKeysInTheOrderOfTheFields)
 {
-    const auto json = ordered_json::parse(encodeDisks({completeDisk().toSerializable()}));
+    const auto json = ordered_json::parse(encodeDisks(std::vector{completeDisk()}));
 
     EXPECT_THAT(keysOf(json.at(0)),
                 ElementsAre("identifier", "mediaUUID", "name", "size", "fileSystem", "mountPoint", "volumeName",
@@ -85,8 +85,17 @@ TEST(DiskJSON, WritesPlainIntegersAndBooleans)
 
 TEST(DiskJSON, WritesAnEmptyListOnOneLineInBothLayouts)
 {
-    EXPECT_EQ(encodeDisks({}), "[]");
-    EXPECT_EQ(encodeDisks({}, JSONLayout::Indented), "[]");
+    const std::vector<PhysicalDisk> none;
+
+    EXPECT_EQ(encodeDisks(none), "[]");
+    EXPECT_EQ(encodeDisks(none, JSONLayout::Indented), "[]");
+}
+
+TEST(DiskJSON, WritesDisksAsTheirPersistedForm)
+{
+    const PhysicalDisk disk = completeDisk();
+
+    EXPECT_EQ(encodeDisks(std::vector{disk}), encodeDisks(std::vector{disk.toSerializable()}));
 }
 
 TEST(DiskJSON, IndentsByTwoBlanksWhenAsked)
@@ -121,7 +130,7 @@ TEST(DiskJSON, KeepsQuotesNewlinesAndDirectionMarksOfANameAsTheyAre)
 
 TEST(DiskJSON, WithoutTheLastFourKeysLoadsAsUnknownFalseFalseAndEmpty)
 {
-    ordered_json json = ordered_json::parse(encodeDisks({completeDisk().toSerializable()})).at(0);
+    ordered_json json = ordered_json::parse(encodeDisks(std::vector{completeDisk()})).at(0);
     for (const char *key : {"smartStatus", "isSolidState", "trimSupported", "busProtocol"})
         json.erase(key);
 
@@ -255,7 +264,7 @@ TEST(DiskJSON, TellsWhatIsNoListFromWhatIsNoJSON)
     EXPECT_EQ(complaintAbout("{}", DiskDecodingError::wrongType), "the disks are not a list");
     EXPECT_EQ(complaintAbout("null", DiskDecodingError::wrongType), "the disks are not a list");
 
-    const std::string whole = encodeDisks({completeDisk().toSerializable()});
+    const std::string whole = encodeDisks(std::vector{completeDisk()});
     for (const std::string &json :
          {std::string(), std::string("[{]"), whole.substr(0, whole.size() / 2), std::string("\0\xFF", 2),
           std::string("[\"Gen\xE9rico\"]"), std::string("[1e999]"), whole + "x"})
