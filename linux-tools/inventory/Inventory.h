@@ -35,7 +35,7 @@ struct Disk {
     std::string node;       ///< "/dev/sda"; empty in a machine file.
     std::string mediaName;  ///< "Samsung SSD 980 PRO (nvme0n1)"
     std::string scheme;     ///< "GUID_partition_scheme", "FDisk_partition_scheme", …; empty without a table.
-    std::string protocol;   ///< "SATA", "USB", "Disk Image", …
+    std::string protocol;   ///< "SATA", "PCI-Express", "USB", "Disk Image", …
     bool isImage = false;
     bool isExternal = false;
     bool isRemovable = false;

@@ -14,6 +14,7 @@ struct Bus {
     std::string_view mark; ///< In the disk's path of sysfs, before a number.
     std::string_view protocol;
     bool isExternal = false;
+    DriveCommands commands = DriveCommands::none;
 };
 
 // The first mark that the path holds decides: a disk behind USB or SATA is a SCSI disk too.
@@ -22,9 +23,9 @@ constexpr std::array kBuses{
     Bus{"/usb", "USB", true},
     Bus{"/fw", "FireWire", true},
     Bus{"/session", "iSCSI", true},
-    Bus{"/ata", "SATA"},
+    Bus{"/ata", "SATA", false, DriveCommands::ata},
     Bus{"/end_device-", "SAS"},
-    Bus{"/nvme", "NVMe"},
+    Bus{"/nvme", "PCI-Express", false, DriveCommands::nvme},
     Bus{"/virtio", "Virtio"},
     Bus{"/mmc", "Secure Digital"},
     Bus{"/vbd-", "Xen"},
@@ -88,7 +89,8 @@ Attachment attachmentOf(const BlockDevices &devices, const BlockDevice &disk)
         std::ranges::find_if(kBuses, [&](const Bus &candidate) { return holdsMark(disk.path, candidate.mark); });
     if (bus == kBuses.end())
         return {};
-    Attachment attachment{.protocol = std::string(bus->protocol), .isExternal = bus->isExternal};
+    Attachment attachment{
+        .protocol = std::string(bus->protocol), .isExternal = bus->isExternal, .commands = bus->commands};
     if (bus->mark == "/mmc" && isSoldered(devices, disk))
         attachment.protocol = "eMMC";
     attachment.isExternal = attachment.isExternal || isBehindAnExternalPort(devices, disk);

@@ -8,10 +8,14 @@
 
 namespace brindle::tools {
 
+/// The commands by which a drive is asked about itself.
+enum class DriveCommands { none, ata, nvme };
+
 /// How a disk is attached.
 struct Attachment {
-    std::string protocol; ///< "SATA", "NVMe", "USB", …; empty where the path doesn't tell.
+    std::string protocol; ///< "SATA", "PCI-Express", "USB", …; empty where the path doesn't tell.
     bool isExternal = false;
+    DriveCommands commands = DriveCommands::none;
 };
 
 [[nodiscard]] Attachment attachmentOf(const BlockDevices &devices, const BlockDevice &disk);

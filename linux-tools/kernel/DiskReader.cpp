@@ -188,12 +188,11 @@ void DiskReader::readDetails(Disk &disk)
 
 Smart DiskReader::health()
 {
-    if (m_attachment.protocol == "NVMe" && isAwake() && opened().isValid())
+    if (isOptical(m_device) || m_attachment.commands == DriveCommands::none || !isAwake() || !opened().isValid())
+        return Smart::notSupported;
+    if (m_attachment.commands == DriveCommands::nvme)
         return nvmeHealth(opened().get());
-    if (m_attachment.protocol == "SATA" && !isOptical(m_device) && isAwake() && opened().isValid() &&
-        isAtaDriveAsleep(opened().get()) == false)
-        return ataHealth(opened().get());
-    return Smart::notSupported;
+    return isAtaDriveAsleep(opened().get()) == false ? ataHealth(opened().get()) : Smart::notSupported;
 }
 
 /// Whether reading succeeds and doesn't start the motor of a disk that has stopped it.
@@ -201,8 +200,8 @@ bool DiskReader::mayBeRead()
 {
     if (!isAwake() || !opened().isValid())
         return false;
-    const bool hasMotor =
-        m_attachment.protocol == "SATA" && !isOptical(m_device) && m_devices.number(m_device, "queue/rotational") != 0;
+    const bool hasMotor = m_attachment.commands == DriveCommands::ata && !isOptical(m_device) &&
+                          m_devices.number(m_device, "queue/rotational") != 0;
     return !hasMotor || isAtaDriveAsleep(opened().get()) == false;
 }
 

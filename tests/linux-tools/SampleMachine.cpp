@@ -15,7 +15,7 @@ Disk internalDrive()
         .node = "/dev/nvme0n1",
         .mediaName = "Samsung SSD 980 PRO (nvme0n1)",
         .scheme = "GUID_partition_scheme",
-        .protocol = "NVMe",
+        .protocol = "PCI-Express",
         .isSolidState = true,
         .supportsTrim = true,
         .smart = Smart::verified,

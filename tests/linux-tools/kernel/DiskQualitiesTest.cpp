@@ -32,8 +32,8 @@ INSTANTIATE_TEST_SUITE_P(
     Paths, TellsHowADiskIsAttached,
     testing::Values(
         PathCase{"Sata", "pci0000:00/0000:00:17.0/ata1/host0/target0:0:0/0:0:0:0/block/sda", "SATA"},
-        PathCase{"Nvme", "pci0000:00/0000:00:1d.0/0000:3d:00.0/nvme/nvme0/nvme0n1", "NVMe"},
-        PathCase{"NvmeOfManyPaths", "virtual/nvme-subsystem/nvme-subsys0/nvme0n1", "NVMe"},
+        PathCase{"Nvme", "pci0000:00/0000:00:1d.0/0000:3d:00.0/nvme/nvme0/nvme0n1", "PCI-Express"},
+        PathCase{"NvmeOfManyPaths", "virtual/nvme-subsystem/nvme-subsys0/nvme0n1", "PCI-Express"},
         PathCase{"Usb", "pci0000:00/0000:00:14.0/usb2/2-1/2-1:1.0/host3/target3:0:0/3:0:0:0/block/sdb", "USB", true},
         PathCase{"UsbOfASmallBoard", "platform/soc/fe980000.usb/usb1/1-1/1-1:1.0/host0/block/sda", "USB", true},
         PathCase{"FireWire", "pci0000:00/0000:05:00.0/fw1/fw1.0/host6/target6:0:0/6:0:0:0/block/sdc", "FireWire", true},

@@ -73,8 +73,9 @@ constexpr std::array kTellingWords{
     "container"sv,
 };
 
-constexpr std::array kProtocols{"SATA"sv,   "NVMe"sv, "USB"sv,  "FireWire"sv, "iSCSI"sv,          "SAS"sv,
-                                "Virtio"sv, "Xen"sv,  "SCSI"sv, "eMMC"sv,     "Secure Digital"sv, "Disk Image"sv};
+constexpr std::array kProtocols{
+    "SATA"sv,   "PCI-Express"sv, "USB"sv,  "FireWire"sv, "iSCSI"sv,          "SAS"sv,
+    "Virtio"sv, "Xen"sv,         "SCSI"sv, "eMMC"sv,     "Secure Digital"sv, "Disk Image"sv};
 
 std::string lowerCased(std::string text)
 {

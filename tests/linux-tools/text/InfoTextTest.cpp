@@ -28,7 +28,7 @@ TEST(InfoText, TellsAWholeDisk)
 
    Content (IOContent):       GUID_partition_scheme
 
-   Protocol:                  NVMe
+   Protocol:                  PCI-Express
    SMART Status:              Verified
 
    Disk Size:                 500.3 GB (500277790720 Bytes) (exactly 977105060 512-Byte-Units)
@@ -58,7 +58,7 @@ TEST(InfoText, TellsAMountedPartition)
    File System Personality:   MS-DOS FAT32
    Type (Bundle):             msdos
 
-   Protocol:                  NVMe
+   Protocol:                  PCI-Express
    Volume UUID:               67E3-17ED
    Disk / Partition UUID:     8D1F4A70-7AE9-4B3C-9D2A-00A1B2C3D4E5
 
