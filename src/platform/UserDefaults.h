@@ -3,10 +3,12 @@
 #include <QObject>
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -38,6 +40,13 @@ public:
         return std::get_if<T>(&m_value);
     }
 
+    /// Calls \a visitor with the value in its own type.
+    template <typename Visitor>
+    decltype(auto) visit(Visitor &&visitor) const
+    {
+        return std::visit(std::forward<Visitor>(visitor), m_value);
+    }
+
     bool operator==(const PropertyValue &) const = default;
 
 private:
@@ -47,7 +56,8 @@ private:
 /// The settings and the small persistent state of the application, as flat keys.
 ///
 /// A key that was never written and a value of an unwanted type are told apart from false by object(); boolForKey() is
-/// the plain read, which gives false for both. Main thread only.
+/// the plain read, which gives false for both. Safe to use from any thread; what another process has written is seen by
+/// the next read. Keys and texts are UTF-8.
 class UserDefaults : public QObject {
     Q_OBJECT
 
@@ -55,7 +65,8 @@ public:
     /// The object read: the value as it is stored, nullopt where the key has none.
     [[nodiscard]] virtual std::optional<PropertyValue> object(const std::string &key) const = 0;
 
-    /// Stores \a value at once for this process and soon for all others.
+    /// Stores \a value at once for this process and, with all else that is set in the same turn of the event loop, soon
+    /// for all others. A value that can't be written out stays in this process and is tried again at the next write.
     virtual void set(const std::string &key, PropertyValue value) = 0;
 
     /// Nothing where the key has no value.
@@ -78,7 +89,7 @@ public:
     [[nodiscard]] bool boolForKey(const std::string &key) const;
 
 Q_SIGNALS:
-    /// The value of \a key differs from before, by this process or by another.
+    /// The value of \a key differs from before, by this process or by another. Sent in the store's own thread.
     void valueChanged(const std::string &key);
 };
 

@@ -1,0 +1,13 @@
+#include "assembly/Platform.h"
+
+#include <cstdlib>
+
+namespace brindle {
+
+std::optional<std::string> environmentValue(const char *name)
+{
+    const char *value = std::getenv(name);
+    return value && *value ? std::optional<std::string>(value) : std::nullopt;
+}
+
+} // namespace brindle

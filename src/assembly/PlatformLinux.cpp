@@ -1,0 +1,33 @@
+#include "assembly/Platform.h"
+
+#include "platform/linux/LinuxChildProcess.h"
+#include "platform/linux/PlistUserDefaults.h"
+#include "platform/qt/QtScheduler.h"
+
+#include <QCoreApplication>
+
+namespace brindle {
+
+namespace {
+
+/// The tools that come with the program lie beside its folder: bin/brindlectl, libexec/brindle/usr/sbin/diskutil.
+ToolPaths toolPaths()
+{
+    if (const auto root = environmentValue("BRINDLE_TOOL_ROOT"))
+        return ToolPaths::underRoot(*root);
+    return ToolPaths::withSuppliedTools(QCoreApplication::applicationDirPath().toStdString() + "/../libexec/brindle");
+}
+
+} // namespace
+
+Platform makePlatform()
+{
+    return {
+        .scheduler = std::make_unique<QtScheduler>(),
+        .childProcesses = std::make_unique<LinuxChildProcessLauncher>(),
+        .userDefaults = std::make_unique<PlistUserDefaults>(PlistUserDefaults::defaultPath()),
+        .toolPaths = toolPaths(),
+    };
+}
+
+} // namespace brindle

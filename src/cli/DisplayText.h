@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace brindle {
+
+/// \a text with all that a terminal would obey or hide made visible: control characters, the characters that change the
+/// direction of writing and other invisible ones as <U+001B>, bytes that are no UTF-8 as U+FFFD. A name read from a
+/// disk is a stranger's text.
+[[nodiscard]] std::string visibleText(std::string_view text);
+
+/// How many cells a terminal gives to \a text: two for wide East Asian characters and emoji, none for marks that stand
+/// on the character before. \a text is visibleText().
+[[nodiscard]] std::size_t displayWidth(std::string_view text);
+
+/// \a text cut to at most \a width cells, with "…" in the last one where anything was cut.
+[[nodiscard]] std::string elided(std::string_view text, std::size_t width);
+
+/// \a text with blanks behind it up to \a width cells.
+[[nodiscard]] std::string padded(std::string_view text, std::size_t width);
+
+} // namespace brindle

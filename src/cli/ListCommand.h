@@ -1,0 +1,15 @@
+#pragma once
+
+#include "cli/ExitStatus.h"
+
+namespace brindle {
+
+struct ListOptions {
+    bool asJson = false;
+};
+
+/// Scans once and prints the visible disks in display order: as a table, or as a JSON array of disk objects in the
+/// persisted form. A scan never fails: whatever the tools do, what is left is printed.
+ExitStatus listCommand(const ListOptions &options);
+
+} // namespace brindle

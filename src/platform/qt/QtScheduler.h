@@ -1,0 +1,15 @@
+#pragma once
+
+#include "platform/Scheduler.h"
+
+namespace brindle {
+
+/// The system's clock and Qt's timers.
+class QtScheduler : public Scheduler {
+public:
+    [[nodiscard]] Date date() const override;
+    [[nodiscard]] std::unique_ptr<Timer> after(Duration delay, std::function<void()> callback) override;
+    [[nodiscard]] std::unique_ptr<Timer> repeat(Duration interval, std::function<void()> callback) override;
+};
+
+} // namespace brindle

@@ -1,0 +1,48 @@
+#include "state/DiskutilListSections.h"
+
+#include "base/Text.h"
+#include "detectors/ToolText.h"
+
+#include <optional>
+#include <utility>
+
+namespace brindle {
+
+namespace {
+
+constexpr std::string_view kHeader = "/dev/disk";
+constexpr std::string_view kFolder = "/dev/";
+
+std::optional<std::string_view> diskOfHeader(std::string_view header)
+{
+    const std::string_view device = header.substr(0, header.find(' '));
+    return ToolText::numbered(device.substr(kFolder.size()), "disk");
+}
+
+} // namespace
+
+DiskutilListSections parseDiskutilListSections(std::string_view list)
+{
+    DiskutilListSections sections;
+    std::optional<std::string> disk;
+    std::string section;
+    const auto endSection = [&] {
+        if (disk)
+            sections.insert_or_assign(*disk, std::exchange(section, {}));
+    };
+    for (const std::string_view line : Lines(list)) {
+        if (line.starts_with(kHeader)) {
+            endSection();
+            section = line;
+            if (const auto found = diskOfHeader(line))
+                disk = *found;
+        } else {
+            section += '\n';
+            section += line;
+        }
+    }
+    endSection();
+    return sections;
+}
+
+} // namespace brindle

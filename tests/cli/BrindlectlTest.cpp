@@ -1,0 +1,221 @@
+// The real program, as a process, on simulated machines.
+
+#include "support/SimulatedMachine.h"
+
+#include <QProcess>
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <fstream>
+#include <string>
+#include <vector>
+
+namespace brindle {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+struct Outcome {
+    int status = -1;
+    std::string output;
+    std::string error;
+
+    [[nodiscard]] std::vector<std::string> identifiers() const
+    {
+        std::vector<std::string> result;
+        for (const auto &disk : nlohmann::json::parse(output))
+            result.push_back(disk.at("identifier"));
+        return result;
+    }
+};
+
+class Brindlectl : public testing::Test {
+protected:
+    Outcome run(const std::vector<std::string> &arguments, const QString &standardOutput = {})
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("BRINDLE_TOOL_ROOT"), QString::fromStdString(machine.root().string()));
+        environment.insert(QStringLiteral("XDG_CONFIG_HOME"),
+                           QString::fromStdString((machine.root() / "config").string()));
+        QStringList list;
+        for (const std::string &argument : arguments)
+            list << QString::fromStdString(argument);
+        QProcess process;
+        process.setProcessEnvironment(environment);
+        if (!standardOutput.isEmpty())
+            process.setStandardOutputFile(standardOutput);
+        process.start(QStringLiteral(BRINDLECTL), list);
+        EXPECT_TRUE(process.waitForFinished(60'000));
+        EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+        return {process.exitCode(), process.readAllStandardOutput().toStdString(),
+                process.readAllStandardError().toStdString()};
+    }
+
+    SimulatedMachine machine;
+};
+
+TEST_F(Brindlectl, ListsAMachineAsJsonAndPrintsNothingElse)
+{
+    machine.addDisk("disk0").named("APPLE SSD").sized("500.3 GB").withEFI("EFI", "/Volumes/EFI");
+    machine.addDisk("disk2").named("Stick").removable().onBus("USB");
+
+    const Outcome list = run({"list", "--json"});
+
+    EXPECT_EQ(list.status, 0);
+    EXPECT_THAT(list.error, IsEmpty());
+    const auto disks = nlohmann::json::parse(list.output);
+    ASSERT_EQ(disks.size(), 2U);
+    EXPECT_EQ(disks[0].at("identifier"), "disk0");
+    EXPECT_EQ(disks[0].at("name"), "APPLE SSD");
+    EXPECT_EQ(disks[0].at("size"), "500.3 GB");
+    EXPECT_EQ(disks[0].at("diskType"), "physicalInternal");
+    EXPECT_EQ(disks[0].at("efiPartitions").at(0).at("mountPoint"), "/Volumes/EFI");
+    EXPECT_EQ(disks[1].at("diskType"), "removable");
+    EXPECT_FALSE(disks[1].contains("volumeName"));
+}
+
+TEST_F(Brindlectl, PrintsAPlainTableWhenNotOnATerminal)
+{
+    machine.addDisk("disk0").named("APPLE SSD").sized("500.3 GB").withEFI("EFI");
+
+    const Outcome list = run({"list"});
+
+    EXPECT_EQ(list.status, 0);
+    EXPECT_EQ(list.output, "DISK       NAME       TYPE          SIZE  SMART     VOLUMES\n"
+                           "disk0      APPLE SSD  internal  500.3 GB  verified\n"
+                           "  disk0s1  EFI        EFI       not mounted\n");
+}
+
+TEST_F(Brindlectl, WritesTheLogToStandardErrorWhenVerbose)
+{
+    machine.addDisk("disk0");
+
+    const Outcome list = run({"list", "--json", "--verbose"});
+
+    EXPECT_THAT(list.error, HasSubstr("   ➡️ Fetching disk list\n"));
+    EXPECT_EQ(list.identifiers(), std::vector<std::string>{"disk0"});
+}
+
+TEST_F(Brindlectl, ShowsDiskImagesOnlyWhenTheSettingsFileSaysTheBooleanTrue)
+{
+    machine.addDisk("disk0");
+    machine.addDisk("disk4").diskImage();
+    machine.answer("diskutil", "info disk4", {.standardOutput = "   Whole: Yes\n   Device / Media Name: Disk Image\n"});
+    const auto store = machine.root() / "config/brindle/com.orlane.Brindle.plist";
+    std::filesystem::create_directories(store.parent_path());
+    const auto write = [&](const std::string &value) {
+        std::ofstream(store) << "<?xml version=\"1.0\"?>\n<plist version=\"1.0\"><dict><key>ShowDiskImages</key>"
+                             << value << "</dict></plist>\n";
+    };
+
+    write("<true/>");
+    EXPECT_EQ(run({"list", "--json"}).identifiers(), (std::vector<std::string>{"disk0", "disk4"}));
+    write("<integer>1</integer>");
+    EXPECT_EQ(run({"list", "--json"}).identifiers(), std::vector<std::string>{"disk0"});
+}
+
+// --- tools in every kind of trouble
+
+struct TroubleCase {
+    const char *name;
+    std::optional<std::string> program;
+    bool executable;
+};
+
+class BrindlectlInTrouble : public Brindlectl, public testing::WithParamInterface<TroubleCase> {};
+
+TEST_P(BrindlectlInTrouble, ListsNothingAndEndsWell)
+{
+    machine.replaceTool("diskutil", GetParam().program, GetParam().executable);
+
+    const Outcome list = run({"list", "--json"});
+
+    EXPECT_EQ(list.status, 0);
+    EXPECT_EQ(list.output, "[]\n");
+    EXPECT_THAT(list.error, IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Brindlectl, BrindlectlInTrouble,
+                         testing::Values(TroubleCase{"Missing", std::nullopt, true},
+                                         TroubleCase{"NotExecutable", "#!/bin/sh\n", false},
+                                         TroubleCase{"Empty", "", true},
+                                         TroubleCase{"Failing", "#!/bin/sh\nexit 3\n", true},
+                                         TroubleCase{"Killed", "#!/bin/sh\nkill -9 $$\n", true},
+                                         TroubleCase{"Garbage", "#!/bin/sh\nhead -c 100000 /dev/urandom\n", true}),
+                         [](const auto &row) { return row.param.name; });
+
+TEST_F(Brindlectl, EndsWellWhenAToolIsAFolder)
+{
+    machine.replaceTool("diskutil", std::nullopt);
+    std::filesystem::create_directory(machine.root() / "usr/sbin/diskutil");
+
+    EXPECT_EQ(run({"list", "--json"}).output, "[]\n");
+}
+
+TEST_F(Brindlectl, KeepsTheDisksThatAnotherDisksKilledToolLeaves)
+{
+    machine.replaceTool("diskutil", "#!/bin/sh\n"
+                                    "[ \"$2\" = disk1 ] && kill -9 $$\n"
+                                    "[ \"$1\" = info ] && echo 'Whole: Yes' && exit\n"
+                                    "echo '/dev/disk0 (internal, physical):'\n"
+                                    "echo '/dev/disk1 (internal, physical):'\n");
+
+    EXPECT_EQ(run({"list", "--json"}).identifiers(), std::vector<std::string>{"disk0"});
+}
+
+// --- the command line
+
+TEST_F(Brindlectl, TellsItsVersionAndItsHelp)
+{
+    EXPECT_THAT(run({"--version"}).output, StartsWith("brindlectl "));
+    const Outcome help = run({"--help"});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_THAT(help.output, HasSubstr("list"));
+    EXPECT_THAT(run({"list", "--help"}).output, HasSubstr("--json"));
+}
+
+TEST_F(Brindlectl, EndsWithTwoOnWrongUsage)
+{
+    for (const std::vector<std::string> &arguments :
+         {std::vector<std::string>{}, {"lst"}, {"list", "--yaml"}, {"list", "disk0"}, {"completion", "tcsh"}}) {
+        const Outcome wrong = run(arguments);
+        EXPECT_EQ(wrong.status, 2);
+        EXPECT_THAT(wrong.output, IsEmpty());
+        EXPECT_THAT(wrong.error, Not(IsEmpty()));
+    }
+}
+
+TEST_F(Brindlectl, FailsWhenItsOutputCannotBeWritten)
+{
+    machine.addDisk("disk0");
+
+    const Outcome list = run({"list"}, QStringLiteral("/dev/full"));
+
+    EXPECT_EQ(list.status, 1);
+    EXPECT_THAT(list.error, HasSubstr("No space left on device"));
+}
+
+// --- completions, asked of the shells themselves
+
+TEST_F(Brindlectl, CompletesInBash)
+{
+    const std::string script = run({"completion", "bash"}).output;
+    QProcess bash;
+    bash.start(QStringLiteral("bash"), {QStringLiteral("-c"), QString::fromStdString(script + R"(
+complete_line() { COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _brindlectl; echo "${COMPREPLY[*]}"; }
+complete_line brindlectl li
+complete_line brindlectl list --j
+complete_line brindlectl completion z
+)")});
+    ASSERT_TRUE(bash.waitForFinished(10'000));
+
+    EXPECT_EQ(bash.readAllStandardOutput().toStdString(), "list\n--json\nzsh\n");
+    EXPECT_THAT(bash.readAllStandardError().toStdString(), IsEmpty());
+}
+
+} // namespace
+} // namespace brindle

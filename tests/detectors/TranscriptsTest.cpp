@@ -1,0 +1,193 @@
+// Texts that the tools printed on real machines, read by all readers and compared with what was reviewed by hand.
+//
+// BRINDLE_TRANSCRIPTS names the folder of the texts, whose INDEX.tsv tells the kind of each; without it there is
+// nothing to read. BRINDLE_UPDATE_GOLDEN=1 writes tests/golden anew: review the difference before you keep it.
+
+#include "base/Text.h"
+#include "detectors/DiskDetectorFixture.h"
+#include "detectors/EFIPartitionReader.h"
+#include "detectors/ToolText.h"
+#include "state/DiskutilListSections.h"
+#include "support/Fixtures.h"
+
+#include <gtest/gtest.h>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace brindle {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// In quotes, with everything that can't be seen written as an escape.
+std::string inQuotes(std::string_view text)
+{
+    const std::string list = fmt::format("{}", std::array{text});
+    return list.substr(1, list.size() - 2);
+}
+
+std::string field(std::string_view name, const std::optional<std::string> &value)
+{
+    return value ? fmt::format("  {}: {}\n", name, inQuotes(*value)) : std::string();
+}
+
+std::string field(std::string_view name, const std::vector<std::string> &values)
+{
+    return values.empty() ? std::string() : fmt::format("  {}: {}\n", name, values);
+}
+
+std::string flag(std::string_view name, bool value)
+{
+    return value ? fmt::format("  {}\n", name) : std::string();
+}
+
+std::string_view nameOf(DiskDetector::VolumeRank rank)
+{
+    switch (rank) {
+    case DiskDetector::VolumeRank::APFS:
+        return "APFS";
+    case DiskDetector::VolumeRank::HFS:
+        return "HFS";
+    case DiskDetector::VolumeRank::Windows:
+        return "Windows";
+    }
+    return {};
+}
+
+std::string readingOfSection(const std::string &disk, const std::string &section)
+{
+    const DiskDetector::SectionVolumes volumes = DiskDetector::readSectionVolumes(section, disk);
+    std::vector<std::string> entries;
+    for (const auto &[name, rank] : volumes.entries)
+        entries.push_back(fmt::format("{}: {}", nameOf(rank), name));
+    return flag("disk image", DiskDetector::isExposedDiskImage(section)) + field("volumes", entries) +
+           field("containers", volumes.containers) + field("unnamed", volumes.unnamedPartitions) +
+           field("APFS names", DiskDetector::readAPFSVolumeNames(section, disk)) +
+           field("EFI", EFIPartitionReader::efiCandidates(disk, section));
+}
+
+std::string readingOfList(std::string_view list)
+{
+    const DiskutilListSections sections = parseDiskutilListSections(list);
+    FakeToolRunner tools;
+    for (const auto &[disk, section] : sections)
+        tools.answer("/usr/sbin/diskutil list " + disk, section);
+    const FixedDefaults defaults;
+    DiskDetector detector(tools, ToolPaths::system(), defaults);
+
+    std::string reading = fmt::format("{}\n", DiskDetector::parseDiskIdentifiers(list));
+    for (const auto &[disk, section] : sections) {
+        const auto label = blockOn(detector.volumeLabel(disk, section));
+        reading += "\n" + disk + "\n" + field("label", label) + readingOfSection(disk, section);
+    }
+    return reading;
+}
+
+std::string identifierIn(std::string_view info)
+{
+    for (const std::string_view line : Lines(info)) {
+        if (auto identifier = ToolText::valueOf(trimmed(line), "Device Identifier:"))
+            return *std::move(identifier);
+    }
+    return "disk0";
+}
+
+std::string readingOfWholeDisk(std::string_view info, const std::string &identifier)
+{
+    const auto facts = DiskDetector::readDiskInfo(info, identifier);
+    if (!facts)
+        return "no whole disk\n";
+    const bool isDiskImage = DiskDetector::isExposedDiskImage(info);
+    const PhysicalDisk typed{.diskType = DiskDetector::diskType(*facts, isDiskImage)};
+    return "whole disk\n" + field("name", facts->name) + field("size", facts->size) +
+           field("fileSystem", facts->fileSystem) + field("mountPoint", facts->mountPoint) +
+           field("mediaUUID", facts->mediaUUID) + field("protocol", facts->protocol) +
+           field("location", facts->location) + field("diskType", typed.toSerializable().diskType) +
+           field("SMART", std::string(rawValue(facts->smartStatus))) + flag("removable", facts->isRemovable) +
+           flag("read-only", !facts->isWritable) + flag("solid state", facts->isSolidState) +
+           flag("TRIM", facts->trimSupported);
+}
+
+std::string readingOfPartition(std::string_view info, const std::string &identifier)
+{
+    const auto partition = EFIPartitionReader::readPartitionInfo(info, identifier);
+    if (!partition)
+        return "no partition\n";
+    return "partition " + partition->identifier + "\n" + field("volumeName", partition->volumeName) +
+           field("mountPoint", partition->mountPoint) + field("mediaUUID", partition->mediaUUID) +
+           flag("mounted", partition->isMounted) + field("given name", DiskDetector::readVolumeName(info));
+}
+
+std::string readingOfInfo(std::string_view info)
+{
+    const std::string identifier = identifierIn(info);
+    return readingOfWholeDisk(info, identifier) + readingOfPartition(info, identifier);
+}
+
+using Reader = std::string (*)(std::string_view text);
+
+/// Null for kinds of texts that other readers are for.
+Reader readerOf(std::string_view kind)
+{
+    if (kind == "list" || kind == "list-one" || kind == "list-physical")
+        return readingOfList;
+    if (kind == "info-whole" || kind == "info-partition" || kind == "info-root")
+        return readingOfInfo;
+    return nullptr;
+}
+
+/// The path and the kind of each text.
+std::vector<std::pair<std::string, std::string>> indexOf(const fs::path &folder)
+{
+    std::vector<std::pair<std::string, std::string>> index;
+    const std::string text = contentsOf(folder / "INDEX.tsv");
+    for (const std::string_view line : Lines(text)) {
+        const std::size_t first = std::min(line.find('\t'), line.size());
+        const std::string_view rest = line.substr(std::min(first + 1, line.size()));
+        index.emplace_back(line.substr(0, first), rest.substr(0, rest.find('\t')));
+    }
+    return index;
+}
+
+void write(const fs::path &file, const std::string &text)
+{
+    fs::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary) << text;
+}
+
+TEST(Transcripts, ReadAsReviewed)
+{
+    const char *folder = std::getenv("BRINDLE_TRANSCRIPTS");
+    if (!folder)
+        GTEST_SKIP() << "BRINDLE_TRANSCRIPTS names no folder";
+    const bool isUpdate = std::getenv("BRINDLE_UPDATE_GOLDEN") != nullptr;
+
+    int compared = 0;
+    for (const auto &[path, kind] : indexOf(folder)) {
+        SCOPED_TRACE(path);
+        const Reader reader = readerOf(kind);
+        if (!reader)
+            continue;
+        const std::string reading = reader(contentsOf(fs::path(folder) / path));
+        const fs::path golden = fs::path(BRINDLE_TESTS) / "golden" / path;
+        if (isUpdate)
+            write(golden, reading);
+        EXPECT_EQ(reading, contentsOf(golden));
+        ++compared;
+    }
+    EXPECT_GT(compared, 0);
+}
+
+} // namespace
+} // namespace brindle
