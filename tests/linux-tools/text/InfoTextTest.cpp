@@ -111,7 +111,7 @@ TEST(InfoText, TellsThePhysicalStoreOfAnApfsVolume)
     EXPECT_THAT(text, HasSubstr("   Whole:                     No\n"));
     EXPECT_THAT(text, HasSubstr("   Part of Whole:             disk3\n"));
     EXPECT_THAT(text, HasSubstr("   Volume Name:               Macintosh HD\n"));
-    EXPECT_THAT(text, HasSubstr("   Protocol:                  NVMe\n"));
+    EXPECT_THAT(text, HasSubstr("   Protocol:                  PCI-Express\n"));
     EXPECT_THAT(text, HasSubstr("   APFS Physical Store:       disk0s2\n"));
 }
 
