@@ -1,7 +1,5 @@
 #include "base/Error.h"
 
-#include <fmt/format.h>
-
 #include <system_error>
 #include <utility>
 
@@ -16,7 +14,8 @@ Error::Error(std::string domain, int code, std::string localizedDescription)
 
 Error Error::fromErrno(int errorNumber, std::string_view subject)
 {
-    return {"POSIXError", errorNumber, fmt::format("{}: {}", subject, std::generic_category().message(errorNumber))};
+    return {"POSIXError", errorNumber,
+            std::system_error(errorNumber, std::generic_category(), std::string(subject)).what()};
 }
 
 } // namespace brindle

@@ -95,9 +95,10 @@ private:
     bool addName(std::string_view line, std::string_view keyword, VolumeRank rank)
     {
         auto name = DiskDetector::partitionNameInLine(line, keyword, m_disk);
-        if (name)
-            m_entries.push_back({*std::move(name), rank});
-        return name.has_value();
+        if (!name)
+            return false;
+        m_entries.push_back({*std::move(name), rank});
+        return true;
     }
 
     std::string_view m_disk;
