@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <ctime>
 #include <functional>
 #include <string>
 #include <vector>
@@ -23,6 +24,14 @@ inline double millisecondsOf(const std::function<void()> &work)
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
 
+/// The processor's time, for work that waits for nothing: what else the machine does leaves it alone.
+inline double cpuMillisecondsOf(const std::function<void()> &work)
+{
+    const std::clock_t start = std::clock();
+    work();
+    return 1000.0 * static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+}
+
 inline double median(std::vector<double> values)
 {
     const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
@@ -33,13 +42,14 @@ inline double median(std::vector<double> values)
 /// Runs \a ours and \a peer in turn, so that what else the machine does meets both alike, and prints the line of the
 /// table. The first round warms up and does not count.
 inline Comparison compare(const std::string &name, int rounds, double allowedRatio, const std::function<void()> &ours,
-                          const std::function<void()> &peer)
+                          const std::function<void()> &peer,
+                          double (*timeOf)(const std::function<void()> &work) = millisecondsOf)
 {
     std::vector<double> oursMs;
     std::vector<double> peerMs;
     for (int round = 0; round <= rounds; ++round) {
-        const double oneOfOurs = millisecondsOf(ours);
-        const double oneOfPeer = millisecondsOf(peer);
+        const double oneOfOurs = timeOf(ours);
+        const double oneOfPeer = timeOf(peer);
         if (round > 0) {
             oursMs.push_back(oneOfOurs);
             peerMs.push_back(oneOfPeer);

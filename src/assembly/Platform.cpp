@@ -4,6 +4,11 @@
 
 namespace brindle {
 
+PlatformChanges changesOfEnvironment()
+{
+    return {.toolRoot = environmentValue("BRINDLE_TOOL_ROOT")};
+}
+
 std::optional<std::string> environmentValue(const char *name)
 {
     const char *value = std::getenv(name);

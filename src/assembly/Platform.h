@@ -5,6 +5,7 @@
 #include "platform/UserDefaults.h"
 #include "records/ToolPaths.h"
 
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -19,9 +20,18 @@ struct Platform {
     ToolPaths toolPaths;
 };
 
-/// The running system's own. BRINDLE_TOOL_ROOT, where it is set and not empty, names a folder that is put in front of
-/// every tool's path, so that a folder of programs stands for a whole machine.
-[[nodiscard]] Platform makePlatform();
+/// What stands in place of the system's own; absent for what does not.
+struct PlatformChanges {
+    /// A folder that is put in front of every tool's path, so that a folder of programs stands for a whole machine.
+    std::optional<std::string> toolRoot;
+    std::optional<std::filesystem::path> userDefaultsFile;
+};
+
+/// The running system's platform, but for \a changes.
+[[nodiscard]] Platform makePlatform(const PlatformChanges &changes);
+
+/// The changes that the environment asks for: BRINDLE_TOOL_ROOT names the tool root.
+[[nodiscard]] PlatformChanges changesOfEnvironment();
 
 /// The value of an environment variable; nullopt where it is unset or empty.
 [[nodiscard]] std::optional<std::string> environmentValue(const char *name);

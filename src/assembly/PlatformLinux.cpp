@@ -11,22 +11,21 @@ namespace brindle {
 namespace {
 
 /// The tools that come with the program lie beside its folder: bin/brindlectl, libexec/brindle/usr/sbin/diskutil.
-ToolPaths toolPaths()
+ToolPaths suppliedTools()
 {
-    if (const auto root = environmentValue("BRINDLE_TOOL_ROOT"))
-        return ToolPaths::underRoot(*root);
     return ToolPaths::withSuppliedTools(QCoreApplication::applicationDirPath().toStdString() + "/../libexec/brindle");
 }
 
 } // namespace
 
-Platform makePlatform()
+Platform makePlatform(const PlatformChanges &changes)
 {
     return {
         .scheduler = std::make_unique<QtScheduler>(),
         .childProcesses = std::make_unique<LinuxChildProcessLauncher>(),
-        .userDefaults = std::make_unique<PlistUserDefaults>(PlistUserDefaults::defaultPath()),
-        .toolPaths = toolPaths(),
+        .userDefaults =
+            std::make_unique<PlistUserDefaults>(changes.userDefaultsFile.value_or(PlistUserDefaults::defaultPath())),
+        .toolPaths = changes.toolRoot ? ToolPaths::underRoot(*changes.toolRoot) : suppliedTools(),
     };
 }
 

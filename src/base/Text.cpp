@@ -28,6 +28,11 @@ std::string_view trimmed(std::string_view text)
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
+bool contains(std::string_view text, std::string_view word)
+{
+    return text.find(word) != std::string_view::npos;
+}
+
 std::size_t findIgnoringCase(std::string_view text, std::string_view lowerCasedWord)
 {
     const auto found = std::search(text.begin(), text.end(), lowerCasedWord.begin(), lowerCasedWord.end(),

@@ -30,6 +30,8 @@ namespace brindle {
 /// Without the blanks, tabs and carriage returns at both ends.
 [[nodiscard]] std::string_view trimmed(std::string_view text);
 
+[[nodiscard]] bool contains(std::string_view text, std::string_view word);
+
 /// Position of \a word, which is given in lower case, in \a text without regard to case; npos if it isn't there.
 [[nodiscard]] std::size_t findIgnoringCase(std::string_view text, std::string_view lowerCasedWord);
 

@@ -6,12 +6,13 @@
 #include "cli/Terminal.h"
 
 #include <cstdio>
+#include <utility>
 
 namespace brindle {
 
-ExitStatus listCommand(const ListOptions &options)
+ExitStatus listCommand(Platform platform, const ListOptions &options)
 {
-    Assembly assembly(makePlatform());
+    Assembly assembly(std::move(platform));
     DiskManager &manager = assembly.diskManager();
     blockOn(manager.startScan(false));
 

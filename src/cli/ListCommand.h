@@ -1,5 +1,6 @@
 #pragma once
 
+#include "assembly/Platform.h"
 #include "cli/ExitStatus.h"
 
 namespace brindle {
@@ -10,6 +11,6 @@ struct ListOptions {
 
 /// Scans once and prints the visible disks in display order: as a table, or as a JSON array of disk objects in the
 /// persisted form. A scan never fails: whatever the tools do, what is left is printed.
-ExitStatus listCommand(const ListOptions &options);
+ExitStatus listCommand(Platform platform, const ListOptions &options);
 
 } // namespace brindle

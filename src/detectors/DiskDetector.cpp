@@ -87,11 +87,10 @@ std::vector<std::string> DiskDetector::parseDiskIdentifiers(std::string_view lis
 bool DiskDetector::isExposedDiskImage(std::string_view text)
 {
     const std::string lowered = lowerCased(text);
-    const auto contains = [&](std::string_view word) { return lowered.find(word) != std::string::npos; };
-    if (!contains("(disk image)") || contains("(synthesized)") || contains("apfs container scheme"))
+    const auto has = [&](std::string_view word) { return contains(lowered, word); };
+    if (!has("(disk image)") || has("(synthesized)") || has("apfs container scheme"))
         return false;
-    return contains("apple_partition_scheme") || contains("guid_partition_scheme") ||
-           (contains("gpt") && !contains("synthesized"));
+    return has("apple_partition_scheme") || has("guid_partition_scheme") || (has("gpt") && !has("synthesized"));
 }
 
 QCoro::Task<DiskDetector::DiskRecord> DiskDetector::diskRecord(std::string identifier, std::string section,

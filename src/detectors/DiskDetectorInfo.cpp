@@ -25,7 +25,7 @@ struct LabelledLine {
     std::string value;
 
     /// Any other word counts as no, also one that means yes, such as "Removable".
-    [[nodiscard]] bool saysYes() const { return text.find("Yes") != std::string_view::npos; }
+    [[nodiscard]] bool saysYes() const { return contains(text, "Yes"); }
 };
 
 struct LabelRule {

@@ -22,11 +22,6 @@ using VolumeRank = DiskDetector::VolumeRank;
 constexpr std::string_view kDataSuffix = " - Data";
 constexpr std::size_t kLongestLabel = 3; // in names
 
-bool contains(std::string_view text, std::string_view word)
-{
-    return text.find(word) != std::string_view::npos;
-}
-
 bool containsAny(std::string_view text, const auto &words)
 {
     return std::ranges::any_of(words, [&](std::string_view word) { return contains(text, word); });
@@ -57,7 +52,9 @@ public:
     {
         constexpr std::array<std::string_view, 3> kUnits{"GB", "MB", "TB"}; // a partition of kilobytes is never named
         const std::string lowered = lowerCased(line);
-        if (contains(lowered, " efi ") && !contains(lowered, "microsoft basic data"))
+        // By its letters first: in these tables a blank is almost everywhere, and a search for one slow.
+        const bool isEFI = contains(lowered, "efi") && contains(lowered, " efi ");
+        if (isEFI && !contains(lowered, "microsoft basic data"))
             return;
         if (contains(lowered, "container"))
             readContainer(line);
@@ -98,9 +95,10 @@ private:
     bool addName(std::string_view line, std::string_view keyword, VolumeRank rank)
     {
         auto name = DiskDetector::partitionNameInLine(line, keyword, m_disk);
-        if (name)
-            m_entries.push_back({*std::move(name), rank});
-        return name.has_value();
+        if (!name)
+            return false;
+        m_entries.push_back({*std::move(name), rank});
+        return true;
     }
 
     std::string_view m_disk;

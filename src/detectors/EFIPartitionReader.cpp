@@ -17,7 +17,7 @@ bool isEFILine(std::string_view line)
     constexpr std::array<std::string_view, 2> kWanted{"EFI", "ESP"};
     constexpr std::array<std::string_view, 4> kUnwanted{"WINDOWS_NTFS", "APPLE_HFS", "APPLE_APFS", "EXFAT"};
     const std::string raised = upperCased(line);
-    const auto isThere = [&](std::string_view word) { return raised.find(word) != std::string::npos; };
+    const auto isThere = [&](std::string_view word) { return contains(raised, word); };
     return std::ranges::any_of(kWanted, isThere) && std::ranges::none_of(kUnwanted, isThere);
 }
 
@@ -57,7 +57,7 @@ std::vector<std::string> EFIPartitionReader::efiCandidates(std::string_view disk
 
 std::optional<EFIPartition> EFIPartitionReader::readPartitionInfo(std::string_view info, std::string_view identifier)
 {
-    if (info.find("could not be found") != std::string_view::npos)
+    if (contains(info, "could not be found"))
         return std::nullopt;
     EFIPartition partition{.identifier = std::string(identifier)};
     for (const std::string_view line : Lines(info))

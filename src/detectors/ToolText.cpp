@@ -16,9 +16,17 @@ std::size_t skipDigits(std::string_view text, std::size_t at)
     return at;
 }
 
+/// A blank, or one of ASCII's from the tab to the carriage return.
+bool isBlank(char character)
+{
+    return character == ' ' || (character >= '\t' && character <= '\r');
+}
+
 std::size_t skipBlanks(std::string_view text, std::size_t at)
 {
-    return std::min(text.find_first_not_of(" \t\r\f\v", at), text.size());
+    while (at < text.size() && isBlank(text[at]))
+        ++at;
+    return at;
 }
 
 /// Whether what stands at \a at, behind the first digits of a number, makes it a size.

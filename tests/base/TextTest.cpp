@@ -37,6 +37,15 @@ TEST(Text, LowersAndRaisesAsciiAlone)
     EXPECT_EQ(upperCased("efi äö 42"), "EFI äö 42");
 }
 
+TEST(Text, TellsWhetherAWordStandsInIt)
+{
+    EXPECT_TRUE(contains("a  efi b", " efi "));
+    EXPECT_TRUE(contains("a", ""));
+    EXPECT_FALSE(contains("a  EFI b", " efi "));
+    EXPECT_FALSE(contains("", "a"));
+    EXPECT_TRUE(contains(std::string_view("a\0b", 3), "b"));
+}
+
 TEST(Text, FindsAWordInAnyCase)
 {
     EXPECT_EQ(findIgnoringCase("1: APPLE_hfs Data", "apple_hfs"), 3U);

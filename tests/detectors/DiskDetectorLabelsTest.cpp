@@ -13,10 +13,8 @@
 namespace brindle {
 namespace {
 
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::Not;
 using VolumeEntry = DiskDetector::VolumeEntry;
 using VolumeRank = DiskDetector::VolumeRank;
 

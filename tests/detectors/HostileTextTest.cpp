@@ -20,7 +20,6 @@ namespace brindle {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::SizeIs;
 
 constexpr std::size_t kMillion = 1'000'000;

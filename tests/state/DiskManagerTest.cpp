@@ -23,7 +23,6 @@ namespace {
 using namespace std::chrono_literals;
 using testing::Contains;
 using testing::ElementsAre;
-using testing::Not;
 using testing::StartsWith;
 
 PhysicalDisk diskOf(PhysicalDisk::DiskType diskType)

@@ -5,6 +5,8 @@
 #include <QCoreApplication>
 #include <QSocketNotifier>
 
+#include <fmt/format.h>
+
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -111,7 +113,7 @@ pid_t spawnChild(ChildProcessCommand &command, const SpawnSettings &settings)
     std::vector<char *> environment;
     if (command.environment) {
         for (const auto &[name, value] : *command.environment)
-            entries.push_back(name + '=' + value);
+            entries.push_back(fmt::format("{}={}", name, value));
         for (std::string &entry : entries)
             environment.push_back(entry.data());
         environment.push_back(nullptr);

@@ -36,7 +36,7 @@ void MergedDefaults::refresh()
     try {
         adopt(m_file.read().values);
     } catch (const DamagedFile &damage) {
-        // Later it may be an editor that is about to save: what was read before stands until there is something to
+        // Later it may be an editor in the middle of saving: what was read before stands until there is a change to
         // write.
         if (!m_hasRead)
             rescue(damage);
@@ -114,8 +114,7 @@ void MergedDefaults::adopt(PropertyValue::Dictionary fileValues)
         return false;
     });
     applyChanges(fileValues);
-    if (m_hasRead)
-        noteForeignChanges(fileValues);
+    noteForeignChanges(fileValues);
     m_values = std::move(fileValues);
     m_hasRead = true;
 }

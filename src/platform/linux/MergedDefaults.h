@@ -34,7 +34,7 @@ public:
     /// Brings the own changes into the file, and into nothing where there are none.
     void write();
 
-    /// The keys whose values other processes have changed since the last call.
+    /// The keys whose values were changed by others than this process since the last call; at first all keys.
     [[nodiscard]] Keys takeForeignChanges() { return std::exchange(m_foreignChanges, {}); }
 
     /// The folder in which the file is replaced.

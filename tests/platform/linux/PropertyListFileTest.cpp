@@ -236,6 +236,8 @@ INSTANTIATE_TEST_SUITE_P(
                     DamageCase{"AValueAlone", "value-without-a-key", "a value without a key"},
                     DamageCase{"StrayText", "text-between-values", "text outside of a value"},
                     DamageCase{"AnUndeclaredEntity", "undeclared-entity", "not a text"},
+                    DamageCase{"AnUndeclaredEntityBetweenValues", "undeclared-entity-between-values",
+                               "text outside of a value"},
                     DamageCase{"AControlCharacter", "control-character", ""}, DamageCase{"NotUtf8", "not-utf-8", ""}),
     [](const auto &row) { return row.param.name; });
 
