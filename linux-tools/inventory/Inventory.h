@@ -73,13 +73,13 @@ struct Space {
     std::uint64_t freeNodes = 0;
 };
 
-/// A file system that is mounted and lies on a listed disk.
+/// A mount of a file system that lies on a listed disk.
 struct Mount {
     std::string carrier;          ///< The partition, disk or APFS volume that carries it: "disk2s1".
     std::string mountPoint;       ///< Absolute, raw bytes.
     bool isReadOnly = false;      ///< The mount, not the medium.
     std::optional<Volume> volume; ///< Where it isn't the carrier's own: behind LUKS, in a volume group.
-    std::optional<Space> space;   ///< Where it was asked for and could be read.
+    std::optional<Space> space;   ///< Where it was asked for and could be read; at one mount of each file system.
 };
 
 /// A variable of the firmware.
@@ -93,7 +93,7 @@ struct NvramVariable {
 struct Inventory {
     std::vector<Disk> disks; ///< By their numbers, ascending.
     std::vector<ApfsContainer> containers;
-    std::vector<Mount> mounts; ///< In the order in which they were mounted.
+    std::vector<Mount> mounts; ///< Of one carrier, the mount of its whole file system first.
 };
 
 } // namespace brindle::tools

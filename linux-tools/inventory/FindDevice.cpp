@@ -1,0 +1,114 @@
+#include "inventory/FindDevice.h"
+
+#include <algorithm>
+
+namespace brindle::tools {
+namespace {
+
+constexpr std::string_view kDevices = "/dev/";
+
+/// What a device can be named by, besides its mount points.
+struct Names {
+    std::string_view identifier;
+    std::string_view node;
+    std::string_view volume;
+};
+
+std::string_view nameOf(const std::optional<Volume> &volume)
+{
+    return volume ? std::string_view(volume->name) : std::string_view();
+}
+
+const Mount *firstMountOf(const Inventory &inventory, std::string_view identifier)
+{
+    const auto found = std::ranges::find(inventory.mounts, identifier, &Mount::carrier);
+    return found == inventory.mounts.end() ? nullptr : &*found;
+}
+
+template <typename Matcher>
+std::optional<Device> findOnDisks(const Inventory &inventory, Matcher matches)
+{
+    for (const Disk &disk : inventory.disks) {
+        if (matches(Names{disk.identifier, disk.node, nameOf(disk.volume)}))
+            return Device{.disk = &disk, .mount = firstMountOf(inventory, disk.identifier)};
+        for (const Partition &partition : disk.partitions) {
+            if (matches(Names{partition.identifier, partition.node, nameOf(partition.volume)}))
+                return Device{
+                    .disk = &disk, .partition = &partition, .mount = firstMountOf(inventory, partition.identifier)};
+        }
+    }
+    return std::nullopt;
+}
+
+Device inContainer(const Inventory &inventory, const ApfsContainer &container, const ApfsVolume *volume)
+{
+    const auto isStore = [&](const Names &names) { return names.identifier == container.store; };
+    Device device = findOnDisks(inventory, isStore).value_or(Device{});
+    device.container = &container;
+    device.apfsVolume = volume;
+    device.mount = volume ? firstMountOf(inventory, volume->identifier) : nullptr;
+    return device;
+}
+
+template <typename Matcher>
+std::optional<Device> findInContainers(const Inventory &inventory, Matcher matches)
+{
+    for (const ApfsContainer &container : inventory.containers) {
+        if (matches(Names{.identifier = container.identifier, .node = {}, .volume = {}}))
+            return inContainer(inventory, container, nullptr);
+        for (const ApfsVolume &volume : container.volumes) {
+            if (matches(Names{.identifier = volume.identifier, .node = {}, .volume = volume.name}))
+                return inContainer(inventory, container, &volume);
+        }
+    }
+    return std::nullopt;
+}
+
+template <typename Matcher>
+std::optional<Device> find(const Inventory &inventory, Matcher matches)
+{
+    auto device = findOnDisks(inventory, matches);
+    return device ? device : findInContainers(inventory, matches);
+}
+
+std::optional<Device> findByMountPoint(const Inventory &inventory, std::string_view path)
+{
+    // Of several mounts at one place the last hides the others.
+    const auto mount = std::find_if(inventory.mounts.rbegin(), inventory.mounts.rend(),
+                                    [&](const Mount &candidate) { return candidate.mountPoint == path; });
+    if (mount == inventory.mounts.rend())
+        return std::nullopt;
+    auto device = find(inventory, [&](const Names &names) { return names.identifier == mount->carrier; });
+    if (device)
+        device->mount = &*mount;
+    return device;
+}
+
+} // namespace
+
+std::optional<Device> findDevice(const Inventory &inventory, std::string_view name)
+{
+    if (name.empty())
+        return std::nullopt;
+    const std::string_view identifier = name.starts_with(kDevices) ? name.substr(kDevices.size()) : name;
+    if (auto device = find(inventory, [&](const Names &names) { return names.identifier == identifier; }))
+        return device;
+    if (auto device = find(inventory, [&](const Names &names) { return names.node == name; }))
+        return device;
+    if (auto device = findByMountPoint(inventory, name))
+        return device;
+    return find(inventory, [&](const Names &names) { return names.volume == name; });
+}
+
+int volumesNamed(const Inventory &inventory, std::string_view name)
+{
+    int count = 0;
+    const auto countName = [&](const Names &names) {
+        count += names.volume == name;
+        return false;
+    };
+    (void)find(inventory, countName);
+    return count;
+}
+
+} // namespace brindle::tools
