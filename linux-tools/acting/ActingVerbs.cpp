@@ -86,7 +86,7 @@ void mount(Call &call, Arguments arguments)
         throw UsageError("mount DISK");
     const Inventory inventory = readAll(call.source);
     const std::string name = call.actor.mount(findTarget(inventory, arguments[0]));
-    call.print("Volume {} on {} mounted", name, arguments[0]);
+    call.print("Volume {} on {} mounted", printable(name), arguments[0]);
 }
 
 void unmount(Call &call, Arguments arguments)
@@ -96,7 +96,7 @@ void unmount(Call &call, Arguments arguments)
         throw UsageError("unmount [force] DISK");
     const Inventory inventory = readAll(call.source);
     const std::string name = call.actor.unmount(findTarget(inventory, arguments.back()), isForced);
-    call.print("Volume {} on {} {}unmounted", name, arguments.back(), isForced ? "force-" : "");
+    call.print("Volume {} on {} {}unmounted", printable(name), arguments.back(), isForced ? "force-" : "");
 }
 
 void rename(Call &call, Arguments arguments)

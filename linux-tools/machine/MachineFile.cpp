@@ -63,9 +63,12 @@ void MachineFile::change(const std::function<void(Json &, const Machine &)> &edi
     orMachineFileError([&] {
         const FolderLock lock(m_root);
         const std::string text = readText();
-        Json json = parse(text);
-        const Machine before = describe(json, text);
+        const Json original = parse(text);
+        const Machine before = describe(original, text);
+        Json json = original;
         edit(json, before);
+        if (json == original)
+            return;
         const std::string changed = written(json);
         const Machine after = describe(json, changed);
         m_folders.settle(before);
