@@ -33,7 +33,7 @@ const Disk &findDisk(const std::vector<Disk> &disks, const std::string &name, st
 void copyEntry(const fs::directory_entry &entry, const fs::path &to)
 {
     if (entry.is_symlink())
-        fs::create_symlink(fs::canonical(entry.path()), to);
+        fs::create_symlink(fs::weakly_canonical(entry.path().parent_path() / fs::read_symlink(entry.path())), to);
     else if (entry.is_directory())
         fs::create_directory(to);
     else
