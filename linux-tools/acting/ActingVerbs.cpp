@@ -1,5 +1,6 @@
 #include "acting/ActingVerbs.h"
 
+#include "inventory/Identifier.h"
 #include "text/Words.h"
 
 #include <fmt/format.h>
@@ -11,157 +12,139 @@
 namespace brindle::tools {
 namespace {
 
-using Arguments = std::span<const std::string>;
-
-constexpr int kRefused = 1;
-constexpr std::string_view kDevices = "/dev/";
-
-/// The arguments are not those of the verb. The text tells which they are.
-class UsageError : public ActionError {
-public:
-    explicit UsageError(std::string_view usage) : ActionError(fmt::format("Usage: diskutil {}", usage)) {}
-};
-
 /// Whether the argument names the device by itself or its place, and not by the name of its volume.
-bool namesThePlace(const Inventory &inventory, const Target &target)
+bool namesThePlace(const Inventory &inventory, const Target &target, std::string_view argument)
 {
-    std::string_view argument = target.argument;
     const Device &device = target.device;
     const bool isNode = (device.partition && device.partition->node == argument) ||
                         (!device.partition && device.disk && device.disk->node == argument);
     const auto isItsPlace = [&](const Mount &mount) { return mount.mountPoint == argument; };
-    if (isNode || std::ranges::any_of(inventory.mounts, isItsPlace))
-        return true;
-    argument.remove_prefix(argument.starts_with(kDevices) ? kDevices.size() : 0);
-    return argument == target.identifier();
+    return isNode || parseIdentifier(argument) || std::ranges::any_of(inventory.mounts, isItsPlace);
 }
 
 /// What the actions need: the whole machine, for a name may stand for any of its volumes.
 Inventory readAll(InventorySource &source)
 {
     Scope scope;
-    scope.withVolumes = true;
+    scope.withContents = true;
     scope.withMounts = true;
     return source.read(scope);
 }
 
-Target findTarget(const Inventory &inventory, const std::string &argument)
+Target findTarget(const Inventory &inventory, std::string_view argument)
 {
     const auto device = findDevice(inventory, argument);
     if (!device)
-        throw ActionError(fmt::format("Unable to find disk for {}", argument));
-    Target target{argument, *device};
+        throw ActionError(fmt::format("Unable to find disk for {}", printable(argument)));
+    Target target{printable(argument), *device};
     const int bearers = volumesNamed(inventory, argument);
-    if (bearers > 1 && !namesThePlace(inventory, target))
-        throw ActionError(fmt::format("{} is the name of {} volumes: use an identifier", argument, bearers));
+    if (bearers > 1 && !namesThePlace(inventory, target, argument))
+        throw ActionError(fmt::format("{} is the name of {} volumes: use an identifier", printable(argument), bearers));
     return target;
 }
 
-const Format &findFormatOrThrow(const std::string &name)
+const Format &findFormatOrThrow(std::string_view name)
 {
     const Format *const format = findFormat(name);
     if (!format)
         throw ActionError(fmt::format("{} does not appear to be a valid file system format or partition type\n"
                                       "Formats: ExFAT, FAT32, JHFS+, HFS+, APFS",
-                                      name));
+                                      printable(name)));
     return *format;
 }
 
-/// One call of the tool: what it acts with and what it has printed so far.
-struct Call {
-    InventorySource &source;
-    Actor &actor;
-    std::string output;
-
-    template <typename... Values>
-    void print(fmt::format_string<Values...> text, Values &&...values)
-    {
-        output += fmt::format(text, std::forward<Values>(values)...) + '\n';
-    }
-};
-
-void mount(Call &call, Arguments arguments)
+template <typename... Values>
+void print(Context &context, fmt::format_string<Values...> text, Values &&...values)
 {
-    if (arguments.size() != 1)
-        throw UsageError("mount DISK");
-    const Inventory inventory = readAll(call.source);
-    const std::string name = call.actor.mount(findTarget(inventory, arguments[0]));
-    call.print("Volume {} on {} mounted", printable(name), arguments[0]);
+    context.out += fmt::format(text, std::forward<Values>(values)...) + '\n';
 }
 
-void unmount(Call &call, Arguments arguments)
+void mount(Context &context, Arguments arguments)
 {
-    const bool isForced = arguments.size() == 2 && arguments[0] == "force";
-    if (arguments.size() != 1 && !isForced)
-        throw UsageError("unmount [force] DISK");
-    const Inventory inventory = readAll(call.source);
-    const std::string name = call.actor.unmount(findTarget(inventory, arguments.back()), isForced);
-    call.print("Volume {} on {} {}unmounted", printable(name), arguments.back(), isForced ? "force-" : "");
+    const Inventory inventory = readAll(context.source);
+    const std::string name = context.actor->mount(findTarget(inventory, arguments[0]));
+    print(context, "Volume {} on {} mounted", printable(name), printable(arguments[0]));
 }
 
-void rename(Call &call, Arguments arguments)
+void unmount(Context &context, Arguments arguments)
 {
-    if (arguments.size() != 2)
-        throw UsageError("rename DISK NAME");
-    const Inventory inventory = readAll(call.source);
-    const std::string label = call.actor.rename(findTarget(inventory, arguments[0]), arguments[1]);
-    call.print("Volume on {} renamed to {}", arguments[0], label);
+    const bool isForced = arguments.size() == 2;
+    const Inventory inventory = readAll(context.source);
+    const std::string name = context.actor->unmount(findTarget(inventory, arguments.back()), isForced);
+    print(context, "Volume {} on {} {}unmounted", printable(name), printable(arguments.back()),
+          isForced ? "force-" : "");
 }
 
-void eject(Call &call, Arguments arguments)
+void rename(Context &context, Arguments arguments)
 {
-    if (arguments.size() != 1)
-        throw UsageError("eject DISK");
-    const Inventory inventory = readAll(call.source);
-    call.actor.eject(findTarget(inventory, arguments[0]));
-    call.print("Disk {} ejected", arguments[0]);
+    const Inventory inventory = readAll(context.source);
+    const std::string label = context.actor->rename(findTarget(inventory, arguments[0]), arguments[1]);
+    print(context, "Volume on {} renamed to {}", printable(arguments[0]), label);
 }
 
-void eraseVolume(Call &call, Arguments arguments)
+void eject(Context &context, Arguments arguments)
 {
-    if (arguments.size() != 3)
-        throw UsageError("eraseVolume FORMAT NAME DISK");
+    const Inventory inventory = readAll(context.source);
+    context.actor->eject(findTarget(inventory, arguments[0]));
+    print(context, "Disk {} ejected", printable(arguments[0]));
+}
+
+void eraseVolume(Context &context, Arguments arguments)
+{
     const Format &format = findFormatOrThrow(arguments[0]);
-    const Inventory inventory = readAll(call.source);
+    const Inventory inventory = readAll(context.source);
     const Target target = findTarget(inventory, arguments[2]);
-    call.print("Started erase on {}\nUnmounting disk", target.identifier());
-    const Erased erased = call.actor.eraseVolume(target, format, arguments[1]);
-    call.print("Erasing\nFormatted {} as {} with name {}", erased.identifier, format.title, erased.label);
-    call.print("Finished erase on {} {}", erased.identifier, erased.label);
+    print(context, "Started erase on {}\nUnmounting disk", target.identifier());
+    const Erased erased = context.actor->eraseVolume(target, format, arguments[1]);
+    print(context, "Erasing\nFormatted {} as {} with name {}", erased.identifier, format.title, erased.label);
+    print(context, "Finished erase on {} {}", erased.identifier, erased.label);
 }
 
-void eraseDisk(Call &call, Arguments arguments)
+void eraseDisk(Context &context, Arguments arguments)
 {
-    const bool hasScheme = arguments.size() == 4;
-    if (arguments.size() != 3 && !hasScheme)
-        throw UsageError("eraseDisk FORMAT NAME [GPT] DISK");
-    if (hasScheme && upperCased(arguments[2]) != "GPT")
-        throw ActionError(fmt::format("{} does not appear to be a valid partition scheme: only GPT is", arguments[2]));
+    if (arguments.size() == 4 && upperCased(arguments[2]) != "GPT")
+        throw ActionError(
+            fmt::format("{} does not appear to be a valid partition scheme: only GPT is", printable(arguments[2])));
     const Format &format = findFormatOrThrow(arguments[0]);
-    const Inventory inventory = readAll(call.source);
+    const Inventory inventory = readAll(context.source);
     const Target target = findTarget(inventory, arguments.back());
-    call.print("Started erase on {}\nUnmounting disk", target.identifier());
-    const Erased erased = call.actor.eraseDisk(target, format, arguments[1]);
-    call.print("Creating the partition map\nWaiting for partitions to activate");
-    call.print("Formatting {} as {} with name {}", erased.identifier, format.title, erased.label);
-    call.print("Finished erase on {}", target.identifier());
+    print(context, "Started erase on {}\nUnmounting disk", target.identifier());
+    const Erased erased = context.actor->eraseDisk(target, format, arguments[1]);
+    print(context, "Creating the partition map\nWaiting for partitions to activate");
+    print(context, "Formatting {} as {} with name {}", erased.identifier, format.title, erased.label);
+    print(context, "Finished erase on {}", target.identifier());
+}
+
+bool isUnmount(Arguments arguments)
+{
+    return arguments.size() == 1 || (arguments.size() == 2 && arguments[0] == "force");
+}
+
+template <std::size_t Count>
+bool hasCount(Arguments arguments)
+{
+    return arguments.size() == Count;
+}
+
+bool isEraseDisk(Arguments arguments)
+{
+    return arguments.size() == 3 || arguments.size() == 4;
 }
 
 struct Verb {
-    std::string_view name; ///< In upper case, for the tool takes any.
-    void (*run)(Call &call, Arguments arguments);
+    std::string_view name;
+    bool (*takes)(Arguments arguments);
+    void (*run)(Context &context, Arguments arguments);
 };
 
 constexpr std::array kVerbs{
-    Verb{"MOUNT", mount}, Verb{"UNMOUNT", unmount},         Verb{"RENAME", rename},
-    Verb{"EJECT", eject}, Verb{"ERASEVOLUME", eraseVolume}, Verb{"ERASEDISK", eraseDisk},
+    Verb{"mount", hasCount<1>, mount},
+    Verb{"unmount", isUnmount, unmount},
+    Verb{"rename", hasCount<2>, rename},
+    Verb{"eject", hasCount<1>, eject},
+    Verb{"eraseVolume", hasCount<3>, eraseVolume},
+    Verb{"eraseDisk", isEraseDisk, eraseDisk},
 };
-
-const Verb *findVerb(std::string_view name)
-{
-    const auto *const found = std::ranges::find(kVerbs, upperCased(name), &Verb::name);
-    return found == kVerbs.end() ? nullptr : found;
-}
 
 } // namespace
 
@@ -174,20 +157,18 @@ const std::string &Target::identifier() const
     return device.partition ? device.partition->identifier : device.disk->identifier;
 }
 
-bool isActingVerb(std::string_view verb)
+int runActingVerb(Context &context, std::string_view name, Arguments arguments)
 {
-    return findVerb(verb) != nullptr;
-}
-
-Outcome runActingVerb(std::string_view verb, Arguments arguments, InventorySource &source, Actor &actor)
-{
-    Call call{source, actor, {}};
+    const auto *const verb = std::ranges::find(kVerbs, name, &Verb::name);
+    if (verb == kVerbs.end() || !verb->takes(arguments))
+        return kWrongUsage;
     try {
-        findVerb(verb)->run(call, arguments);
+        verb->run(context, arguments);
     } catch (const ActionError &error) {
-        return {kRefused, call.output, std::string(error.what()) + '\n'};
+        context.err += std::string(error.what()) + '\n';
+        return kFailed;
     }
-    return {0, call.output, {}};
+    return kDone;
 }
 
 void ignoreHangUps()

@@ -17,7 +17,7 @@ public:
 
 /// What an action is done to.
 struct Target {
-    std::string argument; ///< As it was typed: messages repeat it.
+    std::string argument; ///< As it was typed, made printable: messages repeat it.
     Device device;
 
     /// "disk2", "disk2s1": of the APFS volume, container, partition or disk that the device is.

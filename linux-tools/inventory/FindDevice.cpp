@@ -1,11 +1,11 @@
 #include "inventory/FindDevice.h"
 
+#include "inventory/Identifier.h"
+
 #include <algorithm>
 
 namespace brindle::tools {
 namespace {
-
-constexpr std::string_view kDevices = "/dev/";
 
 /// What a device can be named by, besides its mount points.
 struct Names {
@@ -19,10 +19,17 @@ std::string_view nameOf(const std::optional<Volume> &volume)
     return volume ? std::string_view(volume->name) : std::string_view();
 }
 
-const Mount *firstMountOf(const Inventory &inventory, std::string_view identifier)
+const Mount *mountOf(const Inventory &inventory, std::string_view identifier)
 {
-    const auto found = std::ranges::find(inventory.mounts, identifier, &Mount::carrier);
-    return found == inventory.mounts.end() ? nullptr : &*found;
+    const Mount *partial = nullptr;
+    for (const Mount &mount : inventory.mounts) {
+        if (mount.carrier != identifier)
+            continue;
+        if (mount.isWhole)
+            return &mount;
+        partial = partial ? partial : &mount;
+    }
+    return partial;
 }
 
 template <typename Matcher>
@@ -30,11 +37,11 @@ std::optional<Device> findOnDisks(const Inventory &inventory, Matcher matches)
 {
     for (const Disk &disk : inventory.disks) {
         if (matches(Names{disk.identifier, disk.node, nameOf(disk.volume)}))
-            return Device{.disk = &disk, .mount = firstMountOf(inventory, disk.identifier)};
+            return Device{.disk = &disk, .mount = mountOf(inventory, disk.identifier)};
         for (const Partition &partition : disk.partitions) {
             if (matches(Names{partition.identifier, partition.node, nameOf(partition.volume)}))
                 return Device{
-                    .disk = &disk, .partition = &partition, .mount = firstMountOf(inventory, partition.identifier)};
+                    .disk = &disk, .partition = &partition, .mount = mountOf(inventory, partition.identifier)};
         }
     }
     return std::nullopt;
@@ -46,7 +53,7 @@ Device inContainer(const Inventory &inventory, const ApfsContainer &container, c
     Device device = findOnDisks(inventory, isStore).value_or(Device{});
     device.container = &container;
     device.apfsVolume = volume;
-    device.mount = volume ? firstMountOf(inventory, volume->identifier) : nullptr;
+    device.mount = volume ? mountOf(inventory, volume->identifier) : nullptr;
     return device;
 }
 
@@ -90,9 +97,10 @@ std::optional<Device> findDevice(const Inventory &inventory, std::string_view na
 {
     if (name.empty())
         return std::nullopt;
-    const std::string_view identifier = name.starts_with(kDevices) ? name.substr(kDevices.size()) : name;
-    if (auto device = find(inventory, [&](const Names &names) { return names.identifier == identifier; }))
-        return device;
+    if (parseIdentifier(name)) {
+        const std::string_view identifier = name.substr(name.rfind('/') + 1);
+        return find(inventory, [&](const Names &names) { return names.identifier == identifier; });
+    }
     if (auto device = find(inventory, [&](const Names &names) { return names.node == name; }))
         return device;
     if (auto device = findByMountPoint(inventory, name))

@@ -18,11 +18,11 @@ struct Device {
     const Partition *partition = nullptr;
     const ApfsContainer *container = nullptr;
     const ApfsVolume *apfsVolume = nullptr;
-    const Mount *mount = nullptr; ///< The mount that was named, else its first; null when nothing is mounted.
+    const Mount *mount = nullptr; ///< The one that was named, else that of the whole volume; null for none.
 };
 
 /// The device of an identifier ("disk2s1", "/dev/disk2s1"), a device node ("/dev/sda1"), a mount point or a volume
-/// name, tried in this order. `nullopt` when there is none.
+/// name, tried in this order. `nullopt` when there is none. A name in the form of an identifier is nothing else.
 [[nodiscard]] std::optional<Device> findDevice(const Inventory &inventory, std::string_view name);
 
 /// How many volumes bear the name: whoever writes refuses a name of more than one.

@@ -77,6 +77,7 @@ struct Space {
 struct Mount {
     std::string carrier;          ///< The partition, disk or APFS volume that carries it: "disk2s1".
     std::string mountPoint;       ///< Absolute, raw bytes.
+    bool isWhole = true;          ///< All of the file system, not only a folder of it.
     bool isReadOnly = false;      ///< The mount, not the medium.
     std::optional<Volume> volume; ///< Where it isn't the carrier's own: behind LUKS, in a volume group.
     std::optional<Space> space;   ///< Where it was asked for and could be read; at one mount of each file system.
@@ -93,7 +94,7 @@ struct NvramVariable {
 struct Inventory {
     std::vector<Disk> disks; ///< By their numbers, ascending.
     std::vector<ApfsContainer> containers;
-    std::vector<Mount> mounts; ///< Of one carrier, the mount of its whole file system first.
+    std::vector<Mount> mounts; ///< In the order in which they were mounted.
 };
 
 } // namespace brindle::tools

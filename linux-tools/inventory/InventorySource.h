@@ -10,11 +10,11 @@ namespace brindle::tools {
 
 /// What a command is going to tell, so that a source reads no more than that. More may be read, never less.
 struct Scope {
-    std::string name;         ///< Only what this name may stand for (see findDevice()); empty: everything.
-    bool withVolumes = false; ///< File systems and their names.
-    bool withMounts = false;  ///< What is mounted.
-    bool withSpace = false;   ///< How full it is.
-    bool withHealth = false;  ///< SMART.
+    std::string name;          ///< Only what this name may stand for (see findDevice()); empty: everything.
+    bool withContents = false; ///< What the tables and file systems say: types, UUIDs, volumes.
+    bool withDetails = false;  ///< The medium's name and qualities, and its health.
+    bool withMounts = false;
+    bool withSpace = false; ///< Of what is mounted.
 };
 
 /// Where the facts of a machine come from: its running kernel, or a file that describes a machine.

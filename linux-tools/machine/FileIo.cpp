@@ -99,7 +99,7 @@ FolderLock::~FolderLock()
     ::close(m_descriptor);
 }
 
-std::string readFile(const fs::path &path)
+std::string readWholeFile(const fs::path &path)
 {
     return Descriptor(path, O_RDONLY).read();
 }

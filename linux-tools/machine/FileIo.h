@@ -19,7 +19,7 @@ private:
 };
 
 /// The whole file; std::system_error.
-[[nodiscard]] std::string readFile(const std::filesystem::path &path);
+[[nodiscard]] std::string readWholeFile(const std::filesystem::path &path);
 
 /// Puts \a text in the place of the file in one step, with the file's permissions: a reader sees the old text or the
 /// new one, also after a power cut. One writer at a time. std::system_error, and the file is as it was.

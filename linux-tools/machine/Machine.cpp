@@ -1,5 +1,6 @@
 #include "machine/Machine.h"
 
+#include "inventory/Identifier.h"
 #include "machine/JsonObject.h"
 
 #include <fmt/format.h>
@@ -7,7 +8,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <set>
 #include <utility>
 
@@ -24,18 +24,6 @@ constexpr std::array kSmartNames{
     std::pair{"verified"sv, Smart::verified},
     std::pair{"failing"sv, Smart::failing},
 };
-
-/// N of "<prefix>N", a decimal number without leading zeros.
-std::optional<std::uint64_t> numberBehind(std::string_view prefix, std::string_view identifier)
-{
-    if (!identifier.starts_with(prefix))
-        return std::nullopt;
-    const std::string_view digits = identifier.substr(prefix.size());
-    std::uint64_t number = 0;
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-    const bool isWhole = error == std::errc() && end == digits.data() + digits.size();
-    return isWhole && (digits.size() == 1 || digits.front() != '0') ? std::optional(number) : std::nullopt;
-}
 
 /// Whether \a name can be a folder's: one step of a path that leads nowhere else.
 bool isFolderName(std::string_view name)
@@ -71,7 +59,7 @@ public:
         for (const JsonObject &variable : root.objectsIfPresent("nvram"))
             m_machine.nvram.push_back({variable.text("guid"), variable.text("name"), variable.bytes("value")});
         std::ranges::sort(m_machine.inventory.disks, {},
-                          [](const Disk &disk) { return numberBehind("disk", disk.identifier); });
+                          [](const Disk &disk) { return parseIdentifier(disk.identifier)->disk; });
         return std::move(m_machine);
     }
 
@@ -79,7 +67,7 @@ private:
     Disk readDisk(const JsonObject &object, std::vector<ApfsContainer> *containers)
     {
         Disk disk;
-        disk.identifier = readIdentifier(object, "disk");
+        disk.identifier = readDiskIdentifier(object);
         m_machine.carriers[disk.identifier].holder = object.textOr("holder", "");
         disk.mediaName = object.text("mediaName");
         disk.scheme = object.textOr("scheme", "");
@@ -102,7 +90,7 @@ private:
     Partition readPartition(const JsonObject &object, const std::string &disk, std::vector<ApfsContainer> *containers)
     {
         Partition partition;
-        partition.identifier = readIdentifier(object, disk + "s");
+        partition.identifier = readPartitionIdentifier(object, disk);
         m_machine.carriers[partition.identifier].holder = object.textOr("holder", "");
         partition.type = object.text("type");
         partition.uuid = object.textOr("uuid", "");
@@ -121,11 +109,11 @@ private:
     ApfsContainer readContainer(const JsonObject &object, const Partition &store)
     {
         ApfsContainer container;
-        container.identifier = readIdentifier(object, "disk");
+        container.identifier = readDiskIdentifier(object);
         container.store = store.identifier;
         container.sizeBytes = store.sizeBytes;
         for (const JsonObject &each : object.objects("volumes")) {
-            container.volumes.push_back({.identifier = readIdentifier(each, container.identifier + "s"),
+            container.volumes.push_back({.identifier = readPartitionIdentifier(each, container.identifier),
                                          .name = each.bytes("name"),
                                          .uuid = each.text("uuid"),
                                          .sizeBytes = each.number("sizeBytes")});
@@ -208,14 +196,28 @@ private:
         return mount;
     }
 
-    std::string readIdentifier(const JsonObject &object, const std::string &prefix)
+    std::string readDiskIdentifier(const JsonObject &object)
     {
         std::string identifier = object.text("identifier");
-        const auto number = numberBehind(prefix, identifier);
-        if (!number)
-            object.refuse("identifier", fmt::format("must be \"{}\" and a number", prefix));
-        if (prefix == "disk" && *number >= m_machine.nextDisk)
+        const auto parsed = parseIdentifier(identifier);
+        if (!parsed || identifier != diskIdentifier(parsed->disk))
+            object.refuse("identifier", R"(must be "disk" and a number)");
+        if (parsed->disk >= m_machine.nextDisk)
             object.refuse("identifier", "must have a number below \"nextDisk\"");
+        return once(object, std::move(identifier));
+    }
+
+    std::string readPartitionIdentifier(const JsonObject &object, const std::string &disk)
+    {
+        std::string identifier = object.text("identifier");
+        const auto parsed = parseIdentifier(identifier);
+        if (!parsed || !parsed->partition || identifier != partitionIdentifier(disk, *parsed->partition))
+            object.refuse("identifier", fmt::format("must be \"{}s\" and a number", disk));
+        return once(object, std::move(identifier));
+    }
+
+    std::string once(const JsonObject &object, std::string identifier)
+    {
         if (!m_identifiers.insert(identifier).second)
             object.refuse("identifier", "is another disk's");
         return identifier;

@@ -1,8 +1,8 @@
 #include "machine/MachineEdit.h"
 
+#include "inventory/Identifier.h"
 #include "machine/Uuid.h"
 
-#include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -36,11 +36,12 @@ Json *findIn(Json &owner, const char *key, Find find)
     return nullptr;
 }
 
-std::uint64_t takeNumber(Json &machine)
+/// The next identifier of a disk, which no disk had before.
+std::string takeIdentifier(Json &machine)
 {
     const auto number = machine.at("nextDisk").get<std::uint64_t>();
     machine["nextDisk"] = number + 1;
-    return number;
+    return diskIdentifier(number);
 }
 
 /// Renames \a object and, by the same prefix, what lies on it: disk3 to disk9 makes disk3s1 disk9s1.
@@ -65,8 +66,9 @@ Json takeOut(Json &list, std::string_view identifier)
 
 Json apfsContainer(Json &machine, const std::string &label)
 {
-    const std::string container = fmt::format("disk{}", takeNumber(machine));
-    const Json volume{{"identifier", container + "s1"}, {"name", label}, {"uuid", makeUuid()}, {"sizeBytes", kMiB}};
+    const std::string container = takeIdentifier(machine);
+    const Json volume{
+        {"identifier", partitionIdentifier(container, 1)}, {"name", label}, {"uuid", makeUuid()}, {"sizeBytes", kMiB}};
     return Json{{"identifier", container}, {"volumes", Json::array({volume})}};
 }
 
@@ -151,9 +153,9 @@ Json &makeTable(Json &disk, const Format &format)
     const auto sizeBytes = disk.at("sizeBytes").get<std::uint64_t>();
     const std::uint64_t start = (kEfiOffsetBytes + kEfiBytes + kMiB - 1) / kMiB * kMiB;
     const std::uint64_t end = sizeBytes / kMiB * kMiB - kMiB; // the second copy of the table lies behind it
-    Json efi = freshPartition(identifier + "s1", "EFI", kEfiOffsetBytes, kEfiBytes);
+    Json efi = freshPartition(partitionIdentifier(identifier, 1), "EFI", kEfiOffsetBytes, kEfiBytes);
     efi["volume"] = freshVolume(*findFormat("FAT32"), "EFI");
-    Json data = freshPartition(identifier + "s2", format.gptType, start, end - start);
+    Json data = freshPartition(partitionIdentifier(identifier, 2), format.gptType, start, end - start);
     disk.erase("volume");
     disk["scheme"] = "GUID_partition_scheme";
     disk["partitions"] = Json::array({std::move(efi), std::move(data)});
@@ -168,13 +170,13 @@ void unplug(Json &machine, std::string_view identifier)
 std::string plug(Json &machine, std::string_view identifier)
 {
     Json disk = takeOut(machine.at("shelf"), identifier);
-    renumber(disk, "partitions", fmt::format("disk{}", takeNumber(machine)));
+    renumber(disk, "partitions", takeIdentifier(machine));
     const auto partitions = disk.find("partitions");
     if (partitions != disk.end()) {
         for (Json &partition : *partitions) {
             const auto apfs = partition.find("apfs");
             if (apfs != partition.end())
-                renumber(*apfs, "volumes", fmt::format("disk{}", takeNumber(machine)));
+                renumber(*apfs, "volumes", takeIdentifier(machine));
         }
     }
     auto newIdentifier = disk.at("identifier").get<std::string>();

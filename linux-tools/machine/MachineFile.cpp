@@ -99,7 +99,7 @@ std::optional<fs::path> MachineFile::findRoot(const fs::path &programPath)
 
 std::string MachineFile::readText() const
 {
-    return orMachineFileError([&] { return readFile(path()); });
+    return orMachineFileError([&] { return readWholeFile(path()); });
 }
 
 Json MachineFile::parse(std::string_view text) const

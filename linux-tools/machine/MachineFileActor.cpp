@@ -2,6 +2,7 @@
 
 #include "acting/VolumeLabel.h"
 #include "machine/MachineEdit.h"
+#include "text/Words.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -210,8 +211,8 @@ std::string MachineFileActor::unmount(const Target &target, bool isForced)
         if (!device.mount)
             return;
         if (const auto dissenter = dissenterOf(machine, *device.mount, isForced))
-            throw ActionError(
-                fmt::format("Volume {} on {} failed to unmount: {}", name, target.argument, dissent(*dissenter)));
+            throw ActionError(fmt::format("Volume {} on {} failed to unmount: {}", printable(name), target.argument,
+                                          dissent(*dissenter)));
         removeMount(json, target.identifier());
     });
     return name;

@@ -1,22 +1,17 @@
 #include "machine/MachineFileInventory.h"
 
+#include "inventory/NvramName.h"
 #include "text/Words.h"
 
 #include <algorithm>
-#include <array>
 
 namespace brindle::tools {
 namespace {
 
-using namespace std::string_view_literals;
-
-// A plain name is the system's own variable, else the boot loader's.
-constexpr std::array kUsualGuids{"7C436110-AB2A-4BBB-A880-FE41995C9F82"sv, "4D1FDA02-38C7-4A6A-9CC6-4BCCA8B30102"sv};
-
-std::optional<NvramVariable> findVariable(const Machine &machine, std::string_view guid, std::string_view name)
+std::optional<NvramVariable> findVariable(const Machine &machine, const NvramName &name)
 {
     const auto found = std::ranges::find_if(machine.nvram, [&](const NvramVariable &variable) {
-        return upperCased(variable.guid) == upperCased(guid) && variable.name == name;
+        return upperCased(variable.guid) == upperCased(name.guid) && variable.name == name.name;
     });
     return found == machine.nvram.end() ? std::nullopt : std::optional(*found);
 }
@@ -42,11 +37,8 @@ Inventory MachineFileInventory::read(const Scope &scope)
 std::optional<NvramVariable> MachineFileInventory::nvramVariable(std::string_view name)
 {
     const Machine machine = m_file.read();
-    const std::size_t colon = name.find(':');
-    if (colon != std::string_view::npos)
-        return findVariable(machine, name.substr(0, colon), name.substr(colon + 1));
-    for (const std::string_view guid : kUsualGuids) {
-        if (auto variable = findVariable(machine, guid, name))
+    for (const NvramName &candidate : nvramNames(name)) {
+        if (auto variable = findVariable(machine, candidate))
             return variable;
     }
     return std::nullopt;

@@ -1,10 +1,12 @@
 #include "text/DiskutilText.h"
+
+#include "inventory/Identifier.h"
 #include "text/Words.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <charconv>
+#include <cstdint>
 #include <iterator>
 #include <string_view>
 #include <utility>
@@ -85,27 +87,25 @@ void appendContainer(std::string &text, const ApfsContainer &container)
     text += '\n';
 }
 
-/// The N of "diskN".
-int numberOf(std::string_view identifier)
+using Section = std::pair<std::uint64_t, std::string>; // The number of its disk, and the text.
+
+std::string &addSection(std::vector<Section> &sections, std::string_view identifier)
 {
-    constexpr std::string_view kPrefix = "disk";
-    int number = 0;
-    if (identifier.starts_with(kPrefix))
-        std::from_chars(identifier.data() + kPrefix.size(), identifier.data() + identifier.size(), number);
-    return number;
+    const auto parsed = parseIdentifier(identifier);
+    return sections.emplace_back(parsed ? parsed->disk : 0, std::string()).second;
 }
 
 } // namespace
 
 std::string listText(const Inventory &inventory)
 {
-    std::vector<std::pair<int, std::string>> sections;
+    std::vector<Section> sections;
     sections.reserve(inventory.disks.size() + inventory.containers.size());
     for (const Disk &disk : inventory.disks)
-        appendDisk(sections.emplace_back(numberOf(disk.identifier), std::string()).second, disk);
+        appendDisk(addSection(sections, disk.identifier), disk);
     for (const ApfsContainer &container : inventory.containers)
-        appendContainer(sections.emplace_back(numberOf(container.identifier), std::string()).second, container);
-    std::ranges::stable_sort(sections, {}, &std::pair<int, std::string>::first);
+        appendContainer(addSection(sections, container.identifier), container);
+    std::ranges::stable_sort(sections, {}, &Section::first);
     std::string text;
     for (const auto &[number, section] : sections)
         text += section;

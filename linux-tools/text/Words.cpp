@@ -90,6 +90,14 @@ std::string sizeText(std::uint64_t bytes)
     return fmt::format("{:.1f} {}", size, kUnits[unit]);
 }
 
+std::string_view trimmed(std::string_view text)
+{
+    constexpr std::string_view kBlanks = " \t\r\n";
+    const std::size_t first = text.find_first_not_of(kBlanks);
+    return first == std::string_view::npos ? std::string_view()
+                                           : text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
 std::string upperCased(std::string_view text)
 {
     std::string result(text);

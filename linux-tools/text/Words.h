@@ -20,6 +20,9 @@ namespace brindle::tools {
 /// A decimal size with one digit behind the point: "500.3 GB", "20.5 KB", "512 B".
 [[nodiscard]] std::string sizeText(std::uint64_t bytes);
 
+/// Without the blanks, tabs and line ends at both ends.
+[[nodiscard]] std::string_view trimmed(std::string_view text);
+
 [[nodiscard]] std::string upperCased(std::string_view text); ///< ASCII letters alone.
 
 } // namespace brindle::tools

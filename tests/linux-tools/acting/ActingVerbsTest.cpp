@@ -6,9 +6,7 @@
 namespace brindle::tools {
 namespace {
 
-using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::StartsWith;
 
 /// A machine with one disk2, its disk2s1 and two volumes EFI.
 class SampleSource : public InventorySource {
@@ -22,9 +20,14 @@ public:
             {.identifier = "disk2s2", .node = "/dev/sda2", .volume = Volume{.fileSystem = "vfat", .name = "EFI"}});
         disk.partitions.push_back(
             {.identifier = "disk2s3", .node = "/dev/sda3", .volume = Volume{.fileSystem = "vfat", .name = "force"}});
-        return {.disks = {disk}, .mounts = {{.carrier = "disk2s1", .mountPoint = "EFI"}}};
+        Inventory inventory{.disks = {disk}};
+        if (hasMounts)
+            inventory.mounts.push_back({.carrier = "disk2s1", .mountPoint = "EFI"});
+        return inventory;
     }
     std::optional<NvramVariable> nvramVariable(std::string_view) override { return std::nullopt; }
+
+    bool hasMounts = true;
 };
 
 /// Remembers what it was asked, and says no where it shall.
@@ -64,37 +67,31 @@ private:
     }
 };
 
-Outcome run(RecordingActor &actor, std::vector<std::string> words)
-{
-    SampleSource source;
-    const std::string verb = words.front();
-    words.erase(words.begin());
-    return runActingVerb(verb, words, source, actor);
-}
+/// Runs the command line over the sample, whose actor is \a actor.
+class ActingVerbs : public testing::Test {
+protected:
+    int run(std::vector<std::string_view> words)
+    {
+        return runActingVerb(context, words.front(), Arguments(words).subspan(1));
+    }
 
-TEST(ActingVerbs, AreKnownInAnyCase)
-{
-    EXPECT_TRUE(isActingVerb("eraseDisk"));
-    EXPECT_TRUE(isActingVerb("erasedisk"));
-    EXPECT_FALSE(isActingVerb("list"));
-    EXPECT_FALSE(isActingVerb(""));
-}
+    SampleSource source;
+    RecordingActor actor;
+    Context context{.source = source, .out = {}, .err = {}, .actor = &actor};
+};
 
 struct CallCase {
     const char *name;
-    std::vector<std::string> words;
+    std::vector<std::string_view> words;
     std::vector<std::string> asked;
 };
 
-class HandsOn : public testing::TestWithParam<CallCase> {};
+class HandsOn : public ActingVerbs, public testing::WithParamInterface<CallCase> {};
 
 TEST_P(HandsOn, WhatWasAsked)
 {
-    RecordingActor actor;
+    EXPECT_EQ(run(GetParam().words), kDone) << context.err;
 
-    const Outcome outcome = run(actor, GetParam().words);
-
-    EXPECT_EQ(outcome.status, 0) << outcome.errors;
     EXPECT_EQ(actor.asked, GetParam().asked);
 }
 
@@ -120,19 +117,15 @@ INSTANTIATE_TEST_SUITE_P(
 
 struct UsageCase {
     const char *name;
-    std::vector<std::string> words;
+    std::vector<std::string_view> words;
 };
 
-class RefusesTheUsage : public testing::TestWithParam<UsageCase> {};
+class RefusesTheUsage : public ActingVerbs, public testing::WithParamInterface<UsageCase> {};
 
 TEST_P(RefusesTheUsage, OfAnotherNumberOfArguments)
 {
-    RecordingActor actor;
+    EXPECT_EQ(run(GetParam().words), kWrongUsage);
 
-    const Outcome outcome = run(actor, GetParam().words);
-
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_THAT(outcome.errors, StartsWith("Usage: diskutil " + GetParam().words.front()));
     EXPECT_THAT(actor.asked, IsEmpty());
 }
 
@@ -145,36 +138,31 @@ INSTANTIATE_TEST_SUITE_P(ActingVerbs, RefusesTheUsage,
                                          UsageCase{"EraseDisk", {"eraseDisk", "FAT32", "disk2"}}),
                          [](const auto &info) { return std::string(info.param.name); });
 
-TEST(ActingVerbs, KeepWhatWasPrintedBeforeAnEraseFailed)
+TEST_F(ActingVerbs, KeepWhatWasPrintedBeforeAnEraseFailed)
 {
-    RecordingActor actor;
     actor.refusal = "Error: -69888: Couldn't unmount disk";
 
-    const Outcome outcome = run(actor, {"eraseDisk", "FAT32", "X", "disk2"});
+    EXPECT_EQ(run({"eraseDisk", "FAT32", "X", "disk2"}), kFailed);
 
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.output, "Started erase on disk2\nUnmounting disk\n");
-    EXPECT_EQ(outcome.errors, "Error: -69888: Couldn't unmount disk\n");
+    EXPECT_EQ(context.out, "Started erase on disk2\nUnmounting disk\n");
+    EXPECT_EQ(context.err, "Error: -69888: Couldn't unmount disk\n");
 }
 
-TEST(ActingVerbs, RefuseANameOfTwoVolumes)
+TEST_F(ActingVerbs, RefuseANameOfTwoVolumes)
 {
-    RecordingActor actor;
-    class Unmounted : public SampleSource {
-    public:
-        Inventory read(const Scope &scope) override
-        {
-            Inventory inventory = SampleSource::read(scope);
-            inventory.mounts.clear();
-            return inventory;
-        }
-    } source;
-    const std::vector<std::string> arguments{"EFI"};
+    source.hasMounts = false;
 
-    const Outcome outcome = runActingVerb("mount", arguments, source, actor);
+    EXPECT_EQ(run({"mount", "EFI"}), kFailed);
 
-    EXPECT_EQ(outcome.errors, "EFI is the name of 2 volumes: use an identifier\n");
+    EXPECT_EQ(context.err, "EFI is the name of 2 volumes: use an identifier\n");
     EXPECT_THAT(actor.asked, IsEmpty());
+}
+
+TEST_F(ActingVerbs, PrintNoControlCharactersOfAName)
+{
+    EXPECT_EQ(run({"mount", "\x1B[2J"}), kFailed);
+
+    EXPECT_EQ(context.err, "Unable to find disk for \uFFFD[2J\n");
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "TestMachine.h"
 
+#include "inventory/FindDevice.h"
 #include "machine/MachineFileInventory.h"
 #include "machine/Plug.h"
 
@@ -105,7 +106,7 @@ TEST_F(Demo, FillsNoVolumeBeyondItsSize)
 TEST_F(Demo, ShowsCloverOnceTheInternalPartitionIsMounted)
 {
     fs::remove(root / "usr/sbin/diskutil");
-    fs::create_symlink(ACTING_TOOL, root / "usr/sbin/diskutil");
+    fs::create_symlink(DISKUTIL_TOOL, root / "usr/sbin/diskutil");
 
     const Outcome mounted = runProgram(
         {(root / "usr/bin/sudo").string(), "-S", "-k", "/usr/sbin/diskutil", "mount", "disk0s1"}, "brindle\n");

@@ -11,7 +11,7 @@ namespace {
 
 Scope everything()
 {
-    return {.name = {}, .withVolumes = true, .withMounts = true, .withSpace = true, .withHealth = true};
+    return {.name = {}, .withContents = true, .withDetails = true, .withMounts = true, .withSpace = true};
 }
 
 Inventory inventoryOf(const TestMachine &machine)
@@ -197,6 +197,7 @@ INSTANTIATE_TEST_SUITE_P(
                                  "A",
                                  3)},
         VariableCase{"UnderAnotherGuid", "7C436110-AB2A-4BBB-A880-FE41995C9F82:opencore-version", std::nullopt},
+        VariableCase{"WithAColonInIt", "prev-lang:kbd", "en-US:0"},
         VariableCase{"ThatIsMissing", "boot-args", std::nullopt}),
     [](const auto &info) { return std::string(info.param.name); });
 

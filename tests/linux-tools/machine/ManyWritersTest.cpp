@@ -40,7 +40,7 @@ TEST(ManyWriters, LoseNothingOfEachOther)
 {
     const TestMachine machine;
     writeManyVolumes(machine);
-    machine.install("usr/sbin/diskutil", ACTING_TOOL);
+    machine.install("usr/sbin/diskutil", DISKUTIL_TOOL);
     const std::string diskutil = (machine.root() / "usr/sbin/diskutil").string();
 
     auto other = std::async(std::launch::async, renameFrom, diskutil, 1);
@@ -55,7 +55,7 @@ TEST(ManyWriters, LetAReaderSeeWholeFilesOnly)
 {
     const TestMachine machine;
     writeManyVolumes(machine);
-    machine.install("usr/sbin/diskutil", ACTING_TOOL);
+    machine.install("usr/sbin/diskutil", DISKUTIL_TOOL);
     const std::string diskutil = (machine.root() / "usr/sbin/diskutil").string();
 
     auto writer = std::async(std::launch::async, renameFrom, diskutil, 1);

@@ -17,7 +17,7 @@ protected:
     Sudo()
     {
         machine.install("usr/bin/sudo", SUDO_TOOL);
-        machine.install("usr/sbin/diskutil", ACTING_TOOL);
+        machine.install("usr/sbin/diskutil", DISKUTIL_TOOL);
     }
 
     Outcome sudo(std::vector<std::string> arguments, std::string_view input)

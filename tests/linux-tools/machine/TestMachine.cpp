@@ -1,5 +1,7 @@
 #include "TestMachine.h"
 
+#include "command/Command.h"
+#include "inventory/FindDevice.h"
 #include "machine/MachineFileActor.h"
 #include "machine/MachineFileInventory.h"
 
@@ -136,7 +138,8 @@ constexpr std::string_view kMachine = R"({
   ],
   "nvram": [
     {"guid": "4D1FDA02-38C7-4A6A-9CC6-4BCCA8B30102", "name": "opencore-version", "value": "REL-097-2023-12-04"},
-    {"guid": "7C436110-AB2A-4BBB-A880-FE41995C9F82", "name": "odd", "valueHex": "00ff41"}
+    {"guid": "7C436110-AB2A-4BBB-A880-FE41995C9F82", "name": "odd", "valueHex": "00ff41"},
+    {"guid": "7C436110-AB2A-4BBB-A880-FE41995C9F82", "name": "prev-lang:kbd", "value": "en-US:0"}
   ],
   "hardware": {"model": "iMac19,1"}
 }
@@ -220,14 +223,15 @@ bool TestMachine::hasFile(std::string_view path) const
     return fs::exists(m_root / path);
 }
 
-Outcome TestMachine::diskutil(std::vector<std::string> arguments, bool isPrivileged) const
+Outcome TestMachine::diskutil(const std::vector<std::string> &arguments, bool isPrivileged) const
 {
     const MachineFile machine = file();
     MachineFileInventory inventory(machine);
     MachineFileActor actor(machine, isPrivileged);
-    const std::string verb = arguments.front();
-    arguments.erase(arguments.begin());
-    return runActingVerb(verb, arguments, inventory, actor);
+    Context context{.source = inventory, .out = {}, .err = {}, .actor = &actor};
+    const std::vector<std::string_view> words(arguments.begin(), arguments.end());
+    const int status = runDiskutil(context, words);
+    return {status, context.out, context.err};
 }
 
 std::string TestMachine::mountPointOf(const std::string &carrier) const

@@ -1,17 +1,22 @@
 #pragma once
 
-#include "acting/ActingVerbs.h"
 #include "machine/MachineFile.h"
 
 #include <nlohmann/json.hpp>
 
 #include <filesystem>
-#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace brindle::tools {
+
+/// What a program printed and ended with.
+struct Outcome {
+    int status = 0;
+    std::string output; ///< On standard output.
+    std::string errors; ///< On standard error.
+};
 
 /// A simulated machine in a folder of its own, which is removed at the end. Its disks: disk0 internal, with a mounted
 /// macOS in the container disk1; disk2 a stick with an EFI partition and DATA; disk3 a Linux disk with swap in use;
@@ -33,7 +38,7 @@ public:
     [[nodiscard]] bool hasFile(std::string_view path) const;
 
     /// Runs `diskutil ARGUMENTS...` in this process, as root within the machine unless \a isPrivileged says otherwise.
-    [[nodiscard]] Outcome diskutil(std::vector<std::string> arguments, bool isPrivileged = true) const;
+    [[nodiscard]] Outcome diskutil(const std::vector<std::string> &arguments, bool isPrivileged = true) const;
 
     [[nodiscard]] std::string mountPointOf(
         const std::string &carrier) const; ///< As written in the file; empty for none.

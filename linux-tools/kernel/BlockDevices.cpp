@@ -1,0 +1,149 @@
+#include "kernel/BlockDevices.h"
+
+#include "kernel/Files.h"
+#include "text/Words.h"
+
+#include <algorithm>
+#include <charconv>
+#include <utility>
+
+namespace brindle::tools {
+namespace {
+
+constexpr std::string_view kVirtual = "/devices/virtual/block/";
+
+std::string_view lastPart(std::string_view path)
+{
+    return path.substr(path.rfind('/') + 1);
+}
+
+std::string_view directoryOf(std::string_view path)
+{
+    return path.substr(0, path.rfind('/'));
+}
+
+std::uint64_t toNumber(std::string_view text)
+{
+    std::uint64_t value = 0;
+    std::from_chars(text.data(), text.data() + text.size(), value);
+    return value;
+}
+
+/// sysfs can't have the slash of "cciss/c0d0" in a name.
+std::string nodeName(const BlockDevice &device)
+{
+    std::string name = device.name;
+    std::ranges::replace(name, '!', '/');
+    return name;
+}
+
+} // namespace
+
+std::optional<DeviceNumber> parseDeviceNumber(std::string_view text)
+{
+    DeviceNumber number;
+    const char *const end = text.data() + text.size();
+    const auto [colon, majorError] = std::from_chars(text.data(), end, number.major);
+    if (majorError != std::errc() || colon == end || *colon != ':')
+        return std::nullopt;
+    const auto [rest, minorError] = std::from_chars(colon + 1, end, number.minor);
+    return minorError == std::errc() && rest == end ? std::optional(number) : std::nullopt;
+}
+
+bool BlockDevice::isVirtual() const
+{
+    return path.starts_with(kVirtual);
+}
+
+bool BlockDevice::isLoop() const
+{
+    return isVirtual() && std::string_view(path).substr(kVirtual.size()).starts_with("loop");
+}
+
+std::uint64_t BlockDevice::partitionNumber() const
+{
+    // The kernel puts a "p" between a disk's name that ends with a digit and the number.
+    std::string_view digits = name;
+    digits.remove_prefix(std::min(parent.size(), digits.size()));
+    if (digits.starts_with('p'))
+        digits.remove_prefix(1);
+    return parent.empty() ? 0 : toNumber(digits);
+}
+
+BlockDevices::BlockDevices(KernelRoots roots) : m_roots(std::move(roots))
+{
+    const std::string directory = m_roots.sys + "/dev/block/";
+    for (const std::string &entry : namesIn(directory)) {
+        const auto number = parseDeviceNumber(entry);
+        const std::string target = linkTarget(directory + entry); // "../../devices/…/sda/sda1"
+        const std::size_t start = target.find("/devices/");
+        if (number && start != std::string::npos)
+            m_devices.push_back(
+                {.number = *number, .name = std::string(lastPart(target)), .path = target.substr(start), .parent = {}});
+    }
+    std::ranges::sort(m_devices, {}, &BlockDevice::number);
+    std::vector<std::string_view> paths;
+    for (const BlockDevice &device : m_devices)
+        paths.push_back(device.path);
+    std::ranges::sort(paths);
+    for (BlockDevice &device : m_devices) {
+        const std::string_view directoryPath = directoryOf(device.path);
+        if (std::ranges::binary_search(paths, directoryPath))
+            device.parent = lastPart(directoryPath);
+    }
+}
+
+const BlockDevice *BlockDevices::byNumber(DeviceNumber number) const
+{
+    const auto found = std::ranges::lower_bound(m_devices, number, {}, &BlockDevice::number);
+    return found != m_devices.end() && found->number == number ? &*found : nullptr;
+}
+
+const BlockDevice *BlockDevices::byName(std::string_view name) const
+{
+    const auto found = std::ranges::find(m_devices, name, &BlockDevice::name);
+    return found == m_devices.end() ? nullptr : &*found;
+}
+
+std::vector<const BlockDevice *> BlockDevices::partitionsOf(const BlockDevice &disk) const
+{
+    std::vector<const BlockDevice *> partitions;
+    for (const BlockDevice &device : m_devices) {
+        if (device.parent == disk.name)
+            partitions.push_back(&device);
+    }
+    return partitions;
+}
+
+std::string BlockDevices::node(const BlockDevice &device)
+{
+    return "/dev/" + nodeName(device);
+}
+
+std::string BlockDevices::file(const BlockDevice &device) const
+{
+    return m_roots.dev + '/' + nodeName(device);
+}
+
+std::string BlockDevices::attribute(const BlockDevice &device, std::string_view file) const
+{
+    const auto text = readFile(m_roots.sys + device.path + '/' + std::string(file));
+    return text ? std::string(trimmed(*text)) : std::string();
+}
+
+std::uint64_t BlockDevices::number(const BlockDevice &device, std::string_view file) const
+{
+    return toNumber(attribute(device, file));
+}
+
+std::vector<const BlockDevice *> BlockDevices::componentsOf(const BlockDevice &device) const
+{
+    std::vector<const BlockDevice *> components;
+    for (const std::string &name : namesIn(m_roots.sys + device.path + "/slaves")) {
+        if (const BlockDevice *component = byName(name))
+            components.push_back(component);
+    }
+    return components;
+}
+
+} // namespace brindle::tools

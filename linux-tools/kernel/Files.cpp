@@ -1,0 +1,67 @@
+#include "kernel/Files.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <memory>
+#include <utility>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace brindle::tools {
+
+Descriptor::Descriptor(const std::string &path, int flags) : m_descriptor(::open(path.c_str(), flags | O_CLOEXEC)) {}
+
+Descriptor::Descriptor(Descriptor &&other) noexcept : m_descriptor(std::exchange(other.m_descriptor, -1)) {}
+
+Descriptor::~Descriptor()
+{
+    if (isValid())
+        ::close(m_descriptor);
+}
+
+std::optional<std::string> readFile(const std::string &path)
+{
+    const Descriptor file(path, O_RDONLY);
+    if (!file.isValid())
+        return std::nullopt;
+    std::string bytes;
+    std::array<char, 4096> chunk{};
+    for (;;) {
+        const ssize_t count = ::read(file.get(), chunk.data(), chunk.size());
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            return std::nullopt;
+        bytes.append(chunk.data(), static_cast<std::size_t>(count));
+        if (count == 0)
+            return bytes;
+    }
+}
+
+std::vector<std::string> namesIn(const std::string &directory)
+{
+    std::vector<std::string> names;
+    const std::unique_ptr<DIR, int (*)(DIR *)> handle(::opendir(directory.c_str()), ::closedir);
+    if (!handle)
+        return names;
+    while (const dirent *entry = ::readdir(handle.get())) {
+        std::string name = static_cast<const char *>(entry->d_name);
+        if (name != "." && name != "..")
+            names.push_back(std::move(name));
+    }
+    std::ranges::sort(names);
+    return names;
+}
+
+std::string linkTarget(const std::string &path)
+{
+    std::array<char, PATH_MAX> target{};
+    const ssize_t length = ::readlink(path.c_str(), target.data(), target.size());
+    return length > 0 ? std::string(target.data(), static_cast<std::size_t>(length)) : std::string();
+}
+
+} // namespace brindle::tools

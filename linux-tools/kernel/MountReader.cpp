@@ -1,0 +1,110 @@
+#include "kernel/MountReader.h"
+
+#include "kernel/Carriers.h"
+#include "kernel/DiskReader.h"
+#include "kernel/Files.h"
+#include "kernel/MountTable.h"
+
+#include <set>
+#include <unordered_map>
+
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <sys/sysmacros.h>
+
+namespace brindle::tools {
+namespace {
+
+/// The identifier and the volume of each device node of the disks.
+struct Place {
+    std::string_view identifier;
+    const std::optional<Volume> *volume = nullptr;
+};
+using Places = std::unordered_map<std::string_view, Place>;
+
+Places placesOf(const std::vector<Disk> &disks)
+{
+    Places places;
+    for (const Disk &disk : disks) {
+        places[disk.node] = {disk.identifier, &disk.volume};
+        for (const Partition &partition : disk.partitions)
+            places[partition.node] = {partition.identifier, &partition.volume};
+    }
+    return places;
+}
+
+/// What is mounted, where the carrier's own volume doesn't tell it.
+std::optional<Volume> mountedVolume(const BlockDevices &devices, const MountEntry &entry, const Carrier &carrier,
+                                    const Place &place)
+{
+    const bool isOwn = carrier.source == carrier.carrier || carrier.isBehindFiles;
+    if (isOwn && (carrier.isBehindFiles || place.volume->has_value()))
+        return std::nullopt;
+    const auto record = isOwn ? std::nullopt : udevRecord(devices, *carrier.source);
+    if (record && record->volume)
+        return record->volume;
+    return Volume{.fileSystem = entry.fileSystem, .version = {}, .name = {}, .uuid = {}};
+}
+
+/// Whether the path leads to this file system and not to one that was mounted over it.
+bool isOnTop(const MountEntry &entry)
+{
+    struct stat status {};
+    if (::stat(entry.mountPoint.c_str(), &status) != 0)
+        return false;
+    // btrfs and its like give each of their parts a number of its own, which no mount entry knows.
+    return entry.device.major == 0 ||
+           entry.device == DeviceNumber{.major = major(status.st_dev), .minor = minor(status.st_dev)};
+}
+
+std::optional<Space> spaceOf(const MountEntry &entry)
+{
+    struct statvfs status {};
+    if (!isOnTop(entry) || ::statvfs(entry.mountPoint.c_str(), &status) != 0)
+        return std::nullopt;
+    return Space{.totalBytes = status.f_blocks * status.f_frsize,
+                 .usedBytes = (status.f_blocks - status.f_bfree) * status.f_frsize,
+                 .availableBytes = status.f_bavail * status.f_frsize,
+                 .usedNodes = status.f_files - status.f_ffree,
+                 .freeNodes = status.f_ffree};
+}
+
+} // namespace
+
+std::vector<Mount> readMounts(const BlockDevices &devices, const std::vector<Disk> &disks, const Scope &scope)
+{
+    const std::vector<MountEntry> entries =
+        parseMountTable(readFile(devices.roots().mountInfo).value_or(std::string()));
+    const Places places = placesOf(disks);
+    const auto findPoolMember = [&](std::string_view pool) -> const BlockDevice * {
+        for (const BlockDevice &device : devices.all()) {
+            const auto record = udevRecord(devices, device);
+            if (record && record->volume && record->volume->fileSystem == "zfs_member" && record->volume->name == pool)
+                return &device;
+        }
+        return nullptr;
+    };
+    const Carriers carriers(devices, entries, findPoolMember);
+    std::set<DeviceNumber> counted;
+    std::vector<Mount> mounts;
+    for (const MountEntry &entry : entries) {
+        const Carrier carrier = carriers.of(entry);
+        const auto place = carrier.carrier ? places.find(BlockDevices::node(*carrier.carrier)) : places.end();
+        if (place == places.end())
+            continue;
+        Mount mount{.carrier = std::string(place->second.identifier),
+                    .mountPoint = entry.mountPoint,
+                    .isWhole = entry.root == "/",
+                    .isReadOnly = entry.isReadOnly};
+        mount.volume = mountedVolume(devices, entry, carrier, place->second);
+        if (scope.withSpace && !carrier.isBehindFiles && !counted.contains(entry.device)) {
+            mount.space = spaceOf(entry);
+            if (mount.space)
+                counted.insert(entry.device);
+        }
+        mounts.push_back(std::move(mount));
+    }
+    return mounts;
+}
+
+} // namespace brindle::tools

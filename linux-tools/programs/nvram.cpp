@@ -1,0 +1,6 @@
+#include "command/Command.h"
+
+int main(int count, char **words)
+{
+    return brindle::tools::runTool(brindle::tools::runNvram, count, words);
+}

@@ -1,0 +1,438 @@
+#include "linux-tools/kernel/FakeKernel.h"
+
+#include "kernel/KernelInventory.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstring>
+#include <map>
+#include <stdexcept>
+
+#include <sys/inotify.h>
+#include <unistd.h>
+
+namespace brindle::tools {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Pair;
+
+constexpr const char *kSda = "pci0000:00/0000:00:17.0/ata1/host0/target0:0:0/0:0:0:0/block/sda";
+constexpr const char *kNvme = "pci0000:00/0000:00:1d.0/0000:3d:00.0/nvme/nvme0/nvme0n1";
+constexpr const char *kUsb = "pci0000:00/0000:00:14.0/usb1/1-1/1-1:1.0/host2/target2:0:0/2:0:0:0/block/sdb";
+constexpr const char *kOptical = "pci0000:00/0000:00:17.0/ata2/host1/target1:0:0/1:0:0:0/block/sr0";
+constexpr const char *kLoop = "virtual/block/loop0";
+
+const Scope kList{.name = {}, .withContents = true};
+
+std::vector<std::string> identifiers(const Inventory &inventory)
+{
+    std::vector<std::string> found;
+    for (const Disk &disk : inventory.disks)
+        found.push_back(disk.identifier);
+    return found;
+}
+
+std::vector<std::string> partitionTypes(const Disk &disk)
+{
+    std::vector<std::string> types;
+    for (const Partition &partition : disk.partitions)
+        types.push_back(partition.identifier + " " + partition.type);
+    return types;
+}
+
+class KernelInventoryTest : public testing::Test {
+protected:
+    [[nodiscard]] Inventory read(const Scope &scope = kList) const
+    {
+        return KernelInventory(m_kernel.roots()).read(scope);
+    }
+
+    /// A SATA disk as udev knows it: an EFI partition and one with an ext4 file system.
+    void addSataDisk()
+    {
+        m_kernel.addDisk("8:0", kSda, 1000215216, {{"diskseq", "3"}});
+        m_kernel.addUdevRecord("8:0", {"ID_PART_TABLE_TYPE=gpt", "ID_BUS=ata", "ID_MODEL_ENC=Samsung\\x20SSD\\x20860"});
+        m_kernel.addPartition("8:1", std::string(kSda) + "/sda1", 2048, 409600);
+        m_kernel.addUdevRecord("8:1",
+                               {"ID_PART_ENTRY_SCHEME=gpt", "ID_PART_ENTRY_TYPE=c12a7328-f81f-11d2-ba4b-00a0c93ec93b",
+                                "ID_PART_ENTRY_UUID=8d1f4a70-7ae9-4b3c-9d2a-00a1b2c3d4e5", "ID_FS_TYPE=vfat",
+                                "ID_FS_VERSION=FAT32", "ID_FS_LABEL_ENC=EFI", "ID_FS_UUID=67E3-17ED"});
+        m_kernel.addPartition("8:2", std::string(kSda) + "/sda2", 411648, 999800000);
+        m_kernel.addUdevRecord("8:2", {"ID_PART_ENTRY_SCHEME=gpt",
+                                       "ID_PART_ENTRY_TYPE=0fc63daf-8483-4772-8e79-3d69d8477de4", "ID_FS_TYPE=ext4"});
+    }
+
+    FakeKernel m_kernel;
+};
+
+TEST_F(KernelInventoryTest, IsEmptyWhereThereIsNoBlockDevice)
+{
+    EXPECT_THAT(read().disks, IsEmpty());
+}
+
+TEST_F(KernelInventoryTest, TellsWhatUdevKnowsWithoutTheDevice)
+{
+    addSataDisk();
+
+    const Inventory inventory = read();
+
+    ASSERT_THAT(identifiers(inventory), ElementsAre("disk3"));
+    const Disk &disk = inventory.disks[0];
+    EXPECT_EQ(disk.node, "/dev/sda");
+    EXPECT_EQ(disk.scheme, "GUID_partition_scheme");
+    EXPECT_EQ(disk.sizeBytes, 1000215216ULL * 512);
+    EXPECT_FALSE(disk.isImage);
+    EXPECT_FALSE(disk.isExternal);
+    EXPECT_THAT(partitionTypes(disk), ElementsAre("disk3s1 EFI", "disk3s2 Linux Filesystem"));
+    EXPECT_EQ(disk.partitions[0].node, "/dev/sda1");
+    EXPECT_EQ(disk.partitions[0].uuid, "8d1f4a70-7ae9-4b3c-9d2a-00a1b2c3d4e5");
+    EXPECT_EQ(disk.partitions[0].sizeBytes, 409600ULL * 512);
+    ASSERT_TRUE(disk.partitions[0].volume);
+    EXPECT_EQ(disk.partitions[0].volume->name, "EFI");
+    EXPECT_EQ(disk.partitions[0].volume->version, "FAT32");
+}
+
+TEST_F(KernelInventoryTest, CountsDisksAsTheKernelDoesAndSortsByNumber)
+{
+    m_kernel.addDisk("8:0", kSda, 2048, {{"diskseq", "12"}});
+    m_kernel.addDisk("259:0", kNvme, 2048, {{"diskseq", "9"}});
+
+    EXPECT_THAT(identifiers(read()), ElementsAre("disk9", "disk12"));
+}
+
+TEST_F(KernelInventoryTest, CountsFoldersOfSysfsWhereTheKernelDoesNotCountDisks)
+{
+    m_kernel.addDisk("8:0", kSda, 2048, {{"diskseq", ""}});
+    m_kernel.addDisk("259:0", kNvme, 2048, {{"diskseq", ""}});
+
+    const std::vector<std::string> first = identifiers(read());
+    const std::vector<std::string> second = identifiers(read());
+
+    ASSERT_EQ(first.size(), 2U);
+    EXPECT_NE(first[0], first[1]);
+    EXPECT_NE(first[0], "disk0");
+    EXPECT_EQ(first, second);
+}
+
+TEST_F(KernelInventoryTest, NumbersPartitionsAsTheKernelDoes)
+{
+    m_kernel.addDisk("259:0", kNvme, 4096, {{"diskseq", "2"}});
+    m_kernel.addPartition("259:1", std::string(kNvme) + "/nvme0n1p7", 2048, 100);
+    m_kernel.addPartition("259:2", std::string(kNvme) + "/nvme0n1p12", 1024, 100);
+    m_kernel.addDisk("8:0", kSda, 4096, {{"diskseq", "4"}});
+    m_kernel.addPartition("8:10", std::string(kSda) + "/sda10", 64, 100);
+
+    const Inventory inventory = read();
+
+    ASSERT_EQ(inventory.disks.size(), 2U);
+    // By their place on the disk, not by their number.
+    EXPECT_THAT(partitionTypes(inventory.disks[0]), ElementsAre("disk2s12 ", "disk2s7 "));
+    EXPECT_THAT(partitionTypes(inventory.disks[1]), ElementsAre("disk4s10 "));
+}
+
+TEST_F(KernelInventoryTest, LeavesOutWhatIsMadeOfOtherDevicesAndWhatIsNoDisk)
+{
+    m_kernel.addVirtual("253:0", "dm-0", {"sda1"});
+    m_kernel.addVirtual("9:0", "md0", {"sda2"});
+    m_kernel.addVirtual("252:0", "zram0", {});
+    m_kernel.addVirtual("1:0", "ram0", {});
+    m_kernel.addDisk("2:0", "platform/floppy.0/block/fd0", 8);
+    m_kernel.addDisk("179:8", "platform/mmc/mmc_host/mmc0/mmc0:0001/block/mmcblk0/mmcblk0boot0", 8192);
+    m_kernel.addDisk("31:0", "platform/flash/mtd/mtd0/mtdblock0", 8192);
+
+    EXPECT_THAT(read().disks, IsEmpty());
+}
+
+TEST_F(KernelInventoryTest, LeavesOutDrivesWithoutAMedium)
+{
+    m_kernel.addDisk("8:16", kUsb, 0);
+    m_kernel.addDisk("7:0", kLoop, 0);
+    m_kernel.addDisk("11:0", kOptical, 2097151);
+    m_kernel.addUdevRecord("11:0", {"ID_CDROM=1"});
+
+    EXPECT_THAT(read().disks, IsEmpty());
+}
+
+TEST_F(KernelInventoryTest, LeavesOutAnOpticalDriveThatCannotBeAsked)
+{
+    m_kernel.addDisk("11:0", kOptical, 2097151);
+
+    EXPECT_THAT(read().disks, IsEmpty());
+}
+
+TEST_F(KernelInventoryTest, ListsAnOpticalDriveWithAMedium)
+{
+    m_kernel.addDisk("11:0", kOptical, 2000000);
+    m_kernel.addUdevRecord("11:0", {"ID_CDROM=1", "ID_CDROM_MEDIA=1", "ID_FS_TYPE=iso9660", "ID_FS_LABEL_ENC=RESCUE"});
+
+    const Inventory inventory = read();
+
+    ASSERT_EQ(inventory.disks.size(), 1U);
+    EXPECT_EQ(inventory.disks[0].volume->name, "RESCUE");
+}
+
+TEST_F(KernelInventoryTest, TakesALoopDeviceOverAFileForADiskImage)
+{
+    m_kernel.addDisk("7:0", kLoop, 8192, {{"diskseq", "11"}, {"loop/backing_file", "/home/me/rescue disk.img"}});
+
+    const Inventory inventory = read({.name = {}, .withDetails = true});
+
+    ASSERT_THAT(identifiers(inventory), ElementsAre("disk11"));
+    EXPECT_TRUE(inventory.disks[0].isImage);
+    EXPECT_EQ(inventory.disks[0].protocol, "Disk Image");
+    EXPECT_EQ(inventory.disks[0].mediaName, "rescue disk.img (loop0)");
+}
+
+TEST_F(KernelInventoryTest, ReadsTheDeviceWhereUdevDoesNotRun)
+{
+    m_kernel.addDisk("8:16", kUsb, 8192, {{"diskseq", "5"}});
+    m_kernel.writeNode("sdb", mbrWith({{0xEF, 2048, 4096}, {0x83, 6144, 2048}}));
+    m_kernel.addPartition("8:17", std::string(kUsb) + "/sdb1", 2048, 4096);
+    m_kernel.writeNode("sdb1", fatWith("STICKEFI", 4096));
+    m_kernel.addPartition("8:18", std::string(kUsb) + "/sdb2", 6144, 2048);
+
+    const Inventory inventory = read();
+
+    ASSERT_EQ(inventory.disks.size(), 1U);
+    EXPECT_EQ(inventory.disks[0].scheme, "FDisk_partition_scheme");
+    EXPECT_THAT(partitionTypes(inventory.disks[0]), ElementsAre("disk5s1 EFI", "disk5s2 Linux Filesystem"));
+    const Partition &efi = inventory.disks[0].partitions[0];
+    EXPECT_EQ(efi.uuid, "1234abcd-01");
+    ASSERT_TRUE(efi.volume);
+    EXPECT_EQ(efi.volume->fileSystem, "vfat");
+    EXPECT_EQ(efi.volume->name, "STICKEFI");
+    EXPECT_FALSE(inventory.disks[0].partitions[1].volume); // Its node can't be opened.
+}
+
+TEST_F(KernelInventoryTest, ListsThePartitionsOfATableThatTheKernelHasNotRead)
+{
+    m_kernel.addDisk("7:0", kLoop, 8192, {{"diskseq", "11"}});
+    m_kernel.addUdevRecord("7:0", {"ID_PART_TABLE_TYPE=dos"});
+    std::string image = mbrWith({{0xEF, 2048, 4096}});
+    image.replace(2048 * 512, 4096 * 512, fatWith("LOOPEFI", 4096));
+    m_kernel.writeNode("loop0", image);
+
+    const Inventory inventory = read();
+
+    ASSERT_EQ(inventory.disks.size(), 1U);
+    ASSERT_THAT(partitionTypes(inventory.disks[0]), ElementsAre("disk11s1 EFI"));
+    const Partition &efi = inventory.disks[0].partitions[0];
+    EXPECT_EQ(efi.node, "");
+    EXPECT_EQ(efi.offsetBytes, 2048U * 512);
+    EXPECT_EQ(efi.sizeBytes, 4096U * 512);
+    ASSERT_TRUE(efi.volume);
+    EXPECT_EQ(efi.volume->name, "LOOPEFI");
+}
+
+TEST_F(KernelInventoryTest, SurvivesEntriesThatOverlapAndLeaveTheDisk)
+{
+    m_kernel.addDisk("7:0", kLoop, 8192, {{"diskseq", "11"}});
+    m_kernel.writeNode("loop0", mbrWith({{0xEF, 2048, 4096}, {0x83, 2048, 6144}, {0x07, 4000000000, 4000000000}}));
+
+    const Inventory inventory = read();
+
+    ASSERT_EQ(inventory.disks.size(), 1U);
+    EXPECT_EQ(inventory.disks[0].scheme, "FDisk_partition_scheme");
+}
+
+TEST_F(KernelInventoryTest, LeavesOutTheEntryThatHoldsLogicalPartitions)
+{
+    m_kernel.addDisk("8:16", kUsb, 8192, {{"diskseq", "5"}});
+    m_kernel.addUdevRecord("8:16", {"ID_PART_TABLE_TYPE=dos"});
+    for (const auto &[number, name, type] :
+         {std::tuple("8:17", "/sdb1", "0x7"), {"8:18", "/sdb2", "0x5"}, {"8:21", "/sdb5", "0x83"}}) {
+        m_kernel.addPartition(number, std::string(kUsb) + name, 2048, 2048);
+        m_kernel.addUdevRecord(number, {"ID_PART_ENTRY_SCHEME=dos", std::string("ID_PART_ENTRY_TYPE=") + type});
+    }
+
+    const Inventory inventory = read();
+
+    ASSERT_EQ(inventory.disks.size(), 1U);
+    EXPECT_THAT(partitionTypes(inventory.disks[0]), ElementsAre("disk5s1 Windows_NTFS", "disk5s5 Linux Filesystem"));
+}
+
+TEST_F(KernelInventoryTest, NeverOpensADiskThatTheKernelHasSentToSleep)
+{
+    m_kernel.addDisk("8:16", kUsb, 8192, {{"device/power/runtime_status", "suspended"}});
+    m_kernel.writeNode("sdb", mbrWith({{0xEF, 2048, 4096}}));
+
+    EXPECT_EQ(read().disks.at(0).scheme, "");
+
+    m_kernel.setAttribute(kUsb, "device/power/runtime_status", "active");
+    EXPECT_EQ(read().disks.at(0).scheme, "FDisk_partition_scheme");
+}
+
+TEST_F(KernelInventoryTest, NeverReadsADiskWithAMotorThatDoesNotSayThatItRuns)
+{
+    m_kernel.addDisk("8:0", kSda, 8192, {{"queue/rotational", "1"}});
+    m_kernel.writeNode("sda", mbrWith({{0xEF, 2048, 4096}}));
+
+    EXPECT_EQ(read().disks.at(0).scheme, "");
+
+    m_kernel.setAttribute(kSda, "queue/rotational", "0");
+    EXPECT_EQ(read().disks.at(0).scheme, "FDisk_partition_scheme");
+}
+
+TEST_F(KernelInventoryTest, DoesNotOpenABlankDiskThatUdevKnows)
+{
+    m_kernel.addDisk("8:16", kUsb, 8192);
+    m_kernel.addUdevRecord("8:16", {"ID_BUS=usb"});
+    m_kernel.writeNode("sdb", mbrWith({{0xEF, 2048, 4096}}));
+
+    EXPECT_EQ(read().disks.at(0).scheme, "");
+}
+
+TEST_F(KernelInventoryTest, SurvivesADiskThatVanishesMeanwhile)
+{
+    addSataDisk();
+    std::filesystem::remove_all(m_kernel.root() / "sys/devices" / kSda);
+
+    EXPECT_THAT(read().disks, IsEmpty());
+}
+
+TEST_F(KernelInventoryTest, SurvivesAPartitionThatVanishesMeanwhile)
+{
+    addSataDisk();
+    std::filesystem::remove_all(m_kernel.root() / "sys/devices" / kSda / "sda1");
+
+    const Inventory inventory = read();
+
+    ASSERT_EQ(inventory.disks.size(), 1U);
+    EXPECT_EQ(inventory.disks[0].partitions.size(), 2U);
+}
+
+TEST_F(KernelInventoryTest, ReadsOnlyTheDiskThatANameIsAbout)
+{
+    addSataDisk();
+    m_kernel.addDisk("259:0", kNvme, 4096, {{"diskseq", "2"}});
+
+    EXPECT_THAT(identifiers(read({.name = "disk3s1"})), ElementsAre("disk3"));
+    EXPECT_THAT(identifiers(read({.name = "/dev/disk2"})), ElementsAre("disk2"));
+    EXPECT_THAT(identifiers(read({.name = "/dev/sda1"})), ElementsAre("disk3"));
+    EXPECT_THAT(identifiers(read({.name = "/dev/nvme0n1"})), ElementsAre("disk2"));
+    EXPECT_THAT(identifiers(read({.name = "disk99"})), IsEmpty());
+    EXPECT_THAT(identifiers(read({.name = "EFI"})), ElementsAre("disk2", "disk3"));
+    EXPECT_THAT(identifiers(read({.name = "/"})), ElementsAre("disk2", "disk3"));
+}
+
+TEST_F(KernelInventoryTest, TellsTheQualitiesOfADisk)
+{
+    m_kernel.addDisk("8:16", kUsb, 8192,
+                     {{"ro", "1"},
+                      {"removable", "1"},
+                      {"queue/rotational", "0"},
+                      {"queue/discard_max_bytes", "4294966784"},
+                      {"queue/logical_block_size", "4096"},
+                      {"device/vendor", "SanDisk "},
+                      {"device/model", "Ultra Fit       "}});
+    m_kernel.addUdevRecord("8:16", {"ID_BUS=usb"});
+
+    const Disk disk = read({.name = {}, .withDetails = true}).disks.at(0);
+
+    EXPECT_EQ(disk.mediaName, "SanDisk Ultra Fit (sdb)");
+    EXPECT_EQ(disk.protocol, "USB");
+    EXPECT_EQ(disk.blockBytes, 4096U);
+    EXPECT_TRUE(disk.isExternal);
+    EXPECT_TRUE(disk.isReadOnly);
+    EXPECT_TRUE(disk.isRemovable);
+    EXPECT_TRUE(disk.isSolidState);
+    EXPECT_TRUE(disk.supportsTrim);
+    EXPECT_EQ(disk.smart, Smart::notSupported);
+}
+
+TEST_F(KernelInventoryTest, TellsTheQualitiesThatADiskDoesNotHave)
+{
+    m_kernel.addDisk("8:16", kUsb, 8192,
+                     {{"ro", "0"}, {"removable", "0"}, {"queue/rotational", "1"}, {"queue/discard_max_bytes", "0"}});
+
+    const Disk disk = read({.name = {}, .withDetails = true}).disks.at(0);
+
+    EXPECT_EQ(disk.mediaName, "USB Disk (sdb)");
+    EXPECT_FALSE(disk.isReadOnly);
+    EXPECT_FALSE(disk.isRemovable);
+    EXPECT_FALSE(disk.isSolidState);
+    EXPECT_FALSE(disk.supportsTrim);
+}
+
+TEST_F(KernelInventoryTest, TakesTheWholeNameOfAnAtaDriveFromUdev)
+{
+    addSataDisk();
+    m_kernel.setAttribute(kSda, "device/vendor", "ATA     ");
+    m_kernel.setAttribute(kSda, "device/model", "Samsung SSD 86");
+
+    EXPECT_EQ(read({.name = {}, .withDetails = true}).disks.at(0).mediaName, "Samsung SSD 860 (sda)");
+}
+
+TEST_F(KernelInventoryTest, KeepsHostileNamesAsTheBytesThatTheyAre)
+{
+    addSataDisk();
+    m_kernel.addUdevRecord("8:1",
+                           {"ID_PART_ENTRY_TYPE=c12a7328-f81f-11d2-ba4b-00a0c93ec93b", "ID_PART_ENTRY_SCHEME=gpt",
+                            "ID_FS_TYPE=vfat", "ID_FS_LABEL_ENC=A\\x0a\\xff" + std::string(255, 'x')});
+
+    EXPECT_EQ(read().disks.at(0).partitions.at(0).volume->name, "A\n\xFF" + std::string(255, 'x'));
+}
+
+/// Counts how often the files of a directory are opened.
+class OpenCounter {
+public:
+    explicit OpenCounter(const std::filesystem::path &directory) : m_inotify(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC))
+    {
+        if (m_inotify < 0 || ::inotify_add_watch(m_inotify, directory.c_str(), IN_OPEN) < 0)
+            throw std::runtime_error("inotify doesn't work");
+    }
+    OpenCounter(const OpenCounter &) = delete;
+    OpenCounter &operator=(const OpenCounter &) = delete;
+    ~OpenCounter() { ::close(m_inotify); }
+
+    [[nodiscard]] std::map<std::string, int> counts() const
+    {
+        std::map<std::string, int> found;
+        alignas(inotify_event) std::array<char, 4096> events{};
+        const ssize_t size = ::read(m_inotify, events.data(), events.size());
+        for (ssize_t at = 0; at < size;) {
+            inotify_event event{};
+            std::memcpy(&event, events.data() + at, sizeof event);
+            if (event.len > 0)
+                ++found[events.data() + at + sizeof event];
+            at += static_cast<ssize_t>(sizeof event + event.len);
+        }
+        return found;
+    }
+
+private:
+    int m_inotify;
+};
+
+TEST_F(KernelInventoryTest, OpensEachDeviceOnceForAllThatIsAsked)
+{
+    m_kernel.addDisk("259:0", kNvme, 8192, {{"diskseq", "5"}});
+    m_kernel.writeNode("nvme0n1", mbrWith({{0xEF, 2048, 4096}}));
+    m_kernel.addPartition("259:1", std::string(kNvme) + "/nvme0n1p1", 2048, 4096);
+    m_kernel.writeNode("nvme0n1p1", fatWith("EFI", 4096));
+    const OpenCounter counter(m_kernel.root() / "dev");
+
+    const Inventory inventory = read({.name = {}, .withContents = true, .withDetails = true, .withMounts = true});
+
+    EXPECT_EQ(inventory.disks.at(0).partitions.at(0).volume->name, "EFI");
+    EXPECT_THAT(counter.counts(), ElementsAre(Pair("nvme0n1", 1), Pair("nvme0n1p1", 1)));
+}
+
+TEST_F(KernelInventoryTest, OpensNoDeviceThatUdevKnows)
+{
+    addSataDisk();
+    m_kernel.writeNode("sda", "");
+    m_kernel.writeNode("sda1", "");
+    const OpenCounter counter(m_kernel.root() / "dev");
+
+    EXPECT_EQ(read().disks.size(), 1U);
+
+    EXPECT_THAT(counter.counts(), IsEmpty());
+}
+
+} // namespace
+} // namespace brindle::tools
