@@ -101,7 +101,7 @@ void addSlot(Report &report, const MemorySlot &slot, DetailLevel detail)
     constexpr std::size_t kIndent = 10;
     const bool isEmpty = slot.sizeBytes == 0;
     const auto orEmpty = [&](std::string_view fact) { return isEmpty ? std::string("Empty") : std::string(fact); };
-    report.heading(kIndent - 2, shown(slot.name));
+    report.heading(kIndent - 2, slot.name.empty() ? "DIMM" : shown(slot.name));
     report.value(kIndent, "Size", orEmpty(memorySize(slot.sizeBytes)));
     report.value(kIndent, "Type", orEmpty(slot.type));
     report.value(kIndent, "Speed", orEmpty(megahertzText(slot.speedMegahertz)));

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "hardware/HardwareFacts.h"
+
+#include <string_view>
+#include <vector>
+
+namespace brindle::tools {
+
+/// The sockets of the main memory that \a table tells, in its order: the structures "Memory Device" of the System
+/// Management BIOS (DMTF DSP0134, 7.18) that belong to a "Physical Memory Array" (7.17) used as system memory.
+///
+/// \a table is what firmware leaves in memory, without its entry point (`/sys/firmware/dmi/tables/DMI`). It may be any
+/// bytes: reading ends where they stop making sense. A module whose size the firmware does not know is left out.
+[[nodiscard]] std::vector<MemorySlot> memorySlots(std::string_view table);
+
+} // namespace brindle::tools
