@@ -8,8 +8,8 @@
 namespace brindle::tools {
 namespace {
 
-// Seen on boards of ASUS, ASRock, Gigabyte, Intel, MSI and Supermicro, and of virtual machines.
-constexpr std::array<std::string_view, 24> kFillers{"TO BE FILLED BY O.E.M.",
+// Seen on boards of many makers and on virtual machines; the one in angle brackets is udev's.
+constexpr std::array<std::string_view, 27> kFillers{"TO BE FILLED BY O.E.M.",
                                                     "TO BE FILLED BY O.E.M",
                                                     "DEFAULT STRING",
                                                     "SYSTEM MANUFACTURER",
@@ -28,11 +28,14 @@ constexpr std::array<std::string_view, 24> kFillers{"TO BE FILLED BY O.E.M.",
                                                     "NO DIMM",
                                                     "UNKNOWN",
                                                     "UNDEFINED",
+                                                    "NOT DEFINED",
                                                     "INVALID",
                                                     "EMPTY",
                                                     "NONE",
                                                     "N/A",
-                                                    "0123456789"};
+                                                    "0123456789",
+                                                    "<OUT OF SPEC>",
+                                                    "OTHER"};
 
 bool isBlank(char character)
 {

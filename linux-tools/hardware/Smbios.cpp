@@ -125,10 +125,8 @@ std::optional<MemorySlot> slotOf(const Structure &device)
     const auto bytes = moduleBytes(device);
     if (!bytes)
         return std::nullopt;
-    const std::string bank = device.text(0x11);
-    const std::string locator = device.text(0x10);
     const std::uint64_t configuredSpeed = speed(device, 0x20, 0x58);
-    return MemorySlot{.name = bank.empty() || locator.empty() ? bank + locator : bank + '/' + locator,
+    return MemorySlot{.name = slotName(device.text(0x11), device.text(0x10)),
                       .sizeBytes = *bytes,
                       .type = typeName(device.number(0x12, 1)),
                       .speedMegahertz = configuredSpeed != 0 ? configuredSpeed : speed(device, 0x15, 0x54),
@@ -138,6 +136,11 @@ std::optional<MemorySlot> slotOf(const Structure &device)
 }
 
 } // namespace
+
+std::string slotName(const std::string &bank, const std::string &locator)
+{
+    return bank.empty() || locator.empty() ? bank + locator : bank + '/' + locator;
+}
 
 std::vector<MemorySlot> memorySlots(std::string_view table)
 {

@@ -14,4 +14,7 @@ namespace brindle::tools {
 /// bytes: reading ends where they stop making sense. A module whose size the firmware does not know is left out.
 [[nodiscard]] std::vector<MemorySlot> memorySlots(std::string_view table);
 
+/// A socket by the texts that the firmware gives for its bank and its place: "BANK 0/ChannelA-DIMM0".
+[[nodiscard]] std::string slotName(const std::string &bank, const std::string &locator);
+
 } // namespace brindle::tools
