@@ -142,6 +142,12 @@ std::string slotName(const std::string &bank, const std::string &locator)
     return bank.empty() || locator.empty() ? bank + locator : bank + '/' + locator;
 }
 
+std::string moduleType(std::string_view name)
+{
+    const auto *const found = std::ranges::find(kMemoryTypes, name, &MemoryType::name);
+    return found == kMemoryTypes.end() ? std::string() : std::string(found->name);
+}
+
 std::vector<MemorySlot> memorySlots(std::string_view table)
 {
     const std::vector<Structure> structures = structuresOf(table);

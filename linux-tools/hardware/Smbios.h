@@ -2,6 +2,7 @@
 
 #include "hardware/HardwareFacts.h"
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -16,5 +17,8 @@ namespace brindle::tools {
 
 /// A socket by the texts that the firmware gives for its bank and its place: "BANK 0/ChannelA-DIMM0".
 [[nodiscard]] std::string slotName(const std::string &bank, const std::string &locator);
+
+/// \a name where it names a kind of module ("DDR4"); empty where it only says that it is memory ("RAM", "Unknown").
+[[nodiscard]] std::string moduleType(std::string_view name);
 
 } // namespace brindle::tools

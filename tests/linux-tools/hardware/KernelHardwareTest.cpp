@@ -188,6 +188,32 @@ TEST(KernelHardware, ReadsTheModulesThatUdevKeepsForEverybody)
     EXPECT_EQ(typeAndSpeed(memoryText(facts, DetailLevel::mini)), "DDR4 2667 MHz");
 }
 
+TEST(KernelHardware, TellsTheSameOfTheModulesToRootAndToOthers)
+{
+    const SmbiosStructure plainMemory =
+        SmbiosStructure(17, 0x5C, 0x1100).with(0x0C, 2, 1536).withText(0x10, "DIMM 0").with(0x12, 1, 0x07);
+    FakeRoot roots;
+    roots.with("sys/firmware/dmi/tables/DMI", smbiosTable({plainMemory}));
+    FakeRoot others;
+    others.with("run/udev/data/+dmi:id", "E:MEMORY_DEVICE_0_SIZE=1610612736\nE:MEMORY_DEVICE_0_LOCATOR=DIMM 0\n"
+                                         "E:MEMORY_DEVICE_0_BANK_LOCATOR=Not Specified\nE:MEMORY_DEVICE_0_TYPE=RAM\n"
+                                         "E:MEMORY_ARRAY_NUM_DEVICES=1\n");
+
+    const std::string text = memoryText(read(roots), DetailLevel::full);
+
+    EXPECT_EQ(text, memoryText(read(others), DetailLevel::full));
+    EXPECT_THAT(text, HasSubstr("Size: 1536 MB\n          Status: OK\n"));
+}
+
+TEST(KernelHardware, LeavesTheChipOfTheFirmwareOutOfWhatUdevKeeps)
+{
+    FakeRoot root;
+    root.with("run/udev/data/+dmi:id", "E:MEMORY_DEVICE_0_SIZE=8388608\nE:MEMORY_DEVICE_0_TYPE=Flash\n"
+                                       "E:MEMORY_ARRAY_NUM_DEVICES=1\n");
+
+    EXPECT_THAT(read(root).memory.slots, IsEmpty());
+}
+
 TEST(KernelHardware, BelievesNoAbsurdNumberOfSlots)
 {
     FakeRoot root;
@@ -285,7 +311,7 @@ TEST(KernelHardware, IsPrintedAsPlainLinesHoweverHostileTheFirmware)
     root.with(kDmi / "product_name", kHostile)
         .with(kDmi / "product_serial", kHostile)
         .with("run/udev/data/+dmi:id", "E:MEMORY_ARRAY_NUM_DEVICES=1\nE:MEMORY_DEVICE_0_SIZE=1024\n"
-                                       "E:MEMORY_DEVICE_0_TYPE=D\x07\xC3\nE:MEMORY_DEVICE_0_LOCATOR=\xFE:\n");
+                                       "E:MEMORY_DEVICE_0_MANUFACTURER=D\x07\xC3\nE:MEMORY_DEVICE_0_LOCATOR=\xFE:\n");
 
     const HardwareFacts facts = read(root);
     const std::string hardware = hardwareText(facts, DetailLevel::full);
@@ -296,7 +322,7 @@ TEST(KernelHardware, IsPrintedAsPlainLinesHoweverHostileTheFirmware)
     EXPECT_EQ(labelled(hardware, "Chip:"), "");
     EXPECT_EQ(labelled(hardware, "Serial Number:"), "");
     EXPECT_THAT(hardware + memory, Not(HasSubstr("\x1B")));
-    EXPECT_EQ(labelled(memory, "Type:"), "D\uFFFD\uFFFD");
+    EXPECT_EQ(labelled(memory, "Manufacturer:"), "D\uFFFD\uFFFD");
 }
 
 } // namespace
