@@ -74,6 +74,15 @@ TEST(Edid, TellsNoRateOfATimingWithoutPixels)
     EXPECT_EQ(display->refreshHertz, 0);
 }
 
+TEST(Edid, TakesTheFirstTimingForTheDisplaysOwn)
+{
+    std::string block = sampleEdid("", "");
+    const std::string smaller = std::string(block.substr(54, 18)).replace(2, 1, 1, '\x01');
+    block.replace(72, 18, smaller);
+
+    EXPECT_EQ(readEdid(withCheckSum(block))->width, 3840);
+}
+
 TEST(Edid, EndsATextThatNothingEndsWithItsDescriptor)
 {
     EXPECT_EQ(readEdid(sampleEdid("ABCDEFGHIJKLM", ""))->name, "ABCDEFGHIJKLM");

@@ -287,6 +287,16 @@ INSTANTIATE_TEST_SUITE_P(HardwareText, ShowsAHostileName,
                                          HostileCase{"lineSeparator", "X\xE2\x80\xA8Y", "X\uFFFDY"}),
                          [](const auto &info) { return info.param.name; });
 
+TEST(HardwareText, GivesNamelessSlotsAndDisplaysAHeading)
+{
+    HardwareFacts facts = withOneCard({.name = "Card", .displays = {Display{.width = 800, .height = 600}}});
+    facts.memory.slots = {MemorySlot{.sizeBytes = 1024}};
+
+    EXPECT_THAT(memoryText(facts, DetailLevel::mini), HasSubstr("\n        DIMM:\n\n"));
+    EXPECT_THAT(displaysText(facts, DetailLevel::full),
+                HasSubstr("\n        Display:\n          Resolution: 800 x 600\n"));
+}
+
 TEST(HardwareText, HoldsNoWordThatTellsSystemsApart)
 {
     constexpr std::array kWords{"ext2",  "ext3", "ext4", "btrfs", "xfs",       "zfs",    "ntfs",   "windows",
