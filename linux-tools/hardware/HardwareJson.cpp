@@ -95,7 +95,7 @@ GraphicsCard readCard(const JsonObject &object)
 
 [[noreturn]] void refuse(const MachineFile &file, const JsonValueError &error)
 {
-    const std::size_t line = JsonPositions(readFile(file.path())).line(error.path());
+    const std::size_t line = JsonPositions(readWholeFile(file.path())).line(error.path());
     throw MachineFileError(fmt::format("{}:{}: {}: {}", file.path().string(), line, error.path(), error.what()));
 }
 
