@@ -150,7 +150,7 @@ bool DefaultsFile::hasChanged() const
     return m_seen != look();
 }
 
-DefaultsFile::Content DefaultsFile::read()
+PropertyValue::Dictionary DefaultsFile::read()
 {
     m_seen = look(); // before opening: a file that comes in between is seen to be another one by the next look
     // A pipe in the file's place must not hold us up.
@@ -168,11 +168,10 @@ DefaultsFile::Content DefaultsFile::read()
     if (::fstat(m_open.value(), &status) == 0 && !S_ISREG(status.st_mode))
         throw DamagedFile(m_path, "not a regular file");
 
-    std::string bytes = readAll(m_open, m_path);
-    auto result = readPropertyList(bytes);
+    auto result = readPropertyList(readAll(m_open, m_path));
     if (const Error *damage = std::get_if<Error>(&result))
         throw DamagedFile(m_path, damage->localizedDescription());
-    return {std::move(bytes), std::get<PropertyValue::Dictionary>(std::move(result))};
+    return std::get<PropertyValue::Dictionary>(std::move(result));
 }
 
 FileDescriptor DefaultsFile::lock() const

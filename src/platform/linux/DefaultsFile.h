@@ -27,11 +27,6 @@ public:
 /// functions that can fail throw Error, domain "POSIXError".
 class DefaultsFile {
 public:
-    struct Content {
-        std::string bytes;
-        PropertyValue::Dictionary values;
-    };
-
     explicit DefaultsFile(std::filesystem::path path);
 
     [[nodiscard]] const std::filesystem::path &path() const { return m_path; }
@@ -42,9 +37,9 @@ public:
     /// Whether the file is another than the one last read or written, or was never read. One system call.
     [[nodiscard]] bool hasChanged() const;
 
-    /// The whole file; nothing where there is none. Throws DamagedFile for one that is truncated, of another format or
-    /// kind, or not to be read by this user.
-    [[nodiscard]] Content read();
+    /// All values of the file; none where there is no file. Throws DamagedFile for one that is truncated, of another
+    /// format or kind, or not to be read by this user.
+    [[nodiscard]] PropertyValue::Dictionary read();
 
     /// Waits until no other process holds the lock, and holds it for the life of the result. Makes the folder.
     [[nodiscard]] FileDescriptor lock() const;

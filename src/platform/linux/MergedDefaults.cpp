@@ -7,6 +7,16 @@
 
 namespace brindle {
 
+namespace {
+
+/// Whether the file can't tell the two apart: it holds a date only in whole seconds.
+bool areSameInFile(const PropertyValue &one, const PropertyValue &other)
+{
+    return writePropertyList({{"Value", one}}) == writePropertyList({{"Value", other}});
+}
+
+} // namespace
+
 MergedDefaults::MergedDefaults(std::filesystem::path file) : m_file(std::move(file)) {}
 
 std::optional<PropertyValue> MergedDefaults::object(const std::string &key)
@@ -24,7 +34,6 @@ bool MergedDefaults::change(const std::string &key, std::optional<PropertyValue>
         m_values.insert_or_assign(key, *std::move(value));
     else
         m_values.erase(key);
-    m_fileForms.erase(key);
     m_changedKeys.insert(key);
     return true;
 }
@@ -34,10 +43,10 @@ void MergedDefaults::refresh()
     if (!m_file.hasChanged())
         return;
     try {
-        adopt(m_file.read().values);
+        adopt(m_file.read());
     } catch (const DamagedFile &damage) {
-        // Later it may be an editor in the middle of saving: what was read before stands until there is a change to
-        // write.
+        m_isDamaged = true;
+        // Later it may be an editor in the middle of saving: the values read before stand until a change is written.
         if (!m_hasRead)
             rescue(damage);
     } catch (const Error &failure) {
@@ -61,7 +70,7 @@ void MergedDefaults::rescue(const DamagedFile &damage)
 {
     try {
         const FileDescriptor lock = m_file.lock();
-        adopt(readOrSetAside().values);
+        adopt(readOrSetAside());
     } catch (const Error &failure) {
         logOnce(failure, fmt::format("⚠️ User defaults unreadable, kept in memory only: {} ({})",
                                      damage.localizedDescription(), failure.localizedDescription()));
@@ -69,54 +78,40 @@ void MergedDefaults::rescue(const DamagedFile &damage)
 }
 
 /// Under the lock: what the file holds, or, where it is of no use and therefore set aside, what it held before.
-DefaultsFile::Content MergedDefaults::readOrSetAside()
+PropertyValue::Dictionary MergedDefaults::readOrSetAside()
 {
     try {
         return m_file.read();
     } catch (const DamagedFile &damage) {
         const std::filesystem::path aside = m_file.setAside();
         Log::line("⚠️ User defaults unreadable, set aside as {}: {}", aside.string(), damage.localizedDescription());
-        return {.bytes = {}, .values = m_values};
+        return m_values;
     }
 }
 
 /// Under the lock: brings the own changes into the file.
 void MergedDefaults::merge()
 {
-    DefaultsFile::Content content = readOrSetAside();
-    applyChanges(content.values);
-    const std::string bytes = writePropertyList(content.values);
-    auto written = readPropertyList(bytes); // nothing takes the file's place that could not be read again
-    if (const Error *flaw = std::get_if<Error>(&written))
-        throw *flaw;
-    if (bytes != content.bytes)
-        m_file.replace(bytes);
-
-    auto &fileValues = std::get<PropertyValue::Dictionary>(written);
-    for (const std::string &key : std::exchange(m_changedKeys, {})) {
-        const auto mine = m_values.find(key);
-        const auto held = fileValues.find(key);
-        if (mine != m_values.end() && held != fileValues.end() && mine->second != held->second)
-            m_fileForms.insert_or_assign(key, held->second);
-    }
+    if (m_isDamaged || m_file.hasChanged())
+        adopt(readOrSetAside());
+    m_file.replace(writePropertyList(m_values));
+    m_changedKeys.clear();
     m_loggedFailures.clear();
-    adopt(std::move(fileValues));
 }
 
 /// Makes \a fileValues what this process sees, with its exact values and its changes on top.
 void MergedDefaults::adopt(PropertyValue::Dictionary fileValues)
 {
-    std::erase_if(m_fileForms, [&](const auto &form) {
-        const auto held = fileValues.find(form.first);
-        if (held == fileValues.end() || held->second != form.second)
-            return true; // another process has written another value
-        held->second = m_values.at(form.first);
-        return false;
-    });
+    for (auto &[key, held] : fileValues) {
+        const auto mine = m_values.find(key);
+        if (mine != m_values.end() && areSameInFile(mine->second, held))
+            held = mine->second;
+    }
     applyChanges(fileValues);
     noteForeignChanges(fileValues);
     m_values = std::move(fileValues);
     m_hasRead = true;
+    m_isDamaged = false;
 }
 
 void MergedDefaults::applyChanges(PropertyValue::Dictionary &values) const

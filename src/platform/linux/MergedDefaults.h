@@ -42,7 +42,7 @@ public:
 
 private:
     void rescue(const DamagedFile &damage);
-    DefaultsFile::Content readOrSetAside();
+    PropertyValue::Dictionary readOrSetAside();
     void merge();
     void adopt(PropertyValue::Dictionary fileValues);
     void applyChanges(PropertyValue::Dictionary &values) const;
@@ -51,10 +51,9 @@ private:
 
     DefaultsFile m_file;
     bool m_hasRead = false;
+    bool m_isDamaged = false;           ///< The file that was last looked at.
     PropertyValue::Dictionary m_values; ///< What object() gives: the own changes are in it.
     Keys m_changedKeys;                 ///< Of the own changes that are not in the file yet.
-    /// For each value that the file holds only nearly (a date without its fraction of a second), what it holds.
-    PropertyValue::Dictionary m_fileForms;
     Keys m_foreignChanges;
     std::set<int> m_loggedFailures; ///< Error codes since the last write that went well.
 };

@@ -21,7 +21,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /// Reading and writing recurse: a text must not be able to exhaust the stack.
-constexpr int kMaxDepth = 100;
+constexpr std::size_t kMaxDepth = 100;
 
 constexpr std::string_view kHead =
     "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
@@ -112,7 +112,7 @@ private:
     std::optional<PropertyValue> dictionary();
 
     QXmlStreamReader m_xml;
-    int m_depth = 0;
+    std::size_t m_depth = 0;
 };
 
 std::variant<PropertyValue::Dictionary, Error> Reader::read()
@@ -310,12 +310,14 @@ public:
     void operator()(const PropertyValue::Dictionary &members);
 
 private:
+    template <typename Content>
+    void nested(std::string_view element, const Content &content);
     void line(std::string_view element);
     void textLine(std::string_view element, std::string_view text);
     void appendText(std::string_view text);
 
     std::string m_text;
-    std::size_t m_indent = 0;
+    std::size_t m_depth = 0;
 };
 
 std::string Writer::write(const PropertyValue::Dictionary &values)
@@ -346,34 +348,40 @@ void Writer::operator()(const PropertyValue::Data &value)
 
 void Writer::operator()(const PropertyValue::Array &elements)
 {
-    line("<array>");
-    ++m_indent;
-    for (const PropertyValue &element : elements)
-        element.visit(*this);
-    --m_indent;
-    line("</array>");
+    nested("array", [&] {
+        for (const PropertyValue &element : elements)
+            element.visit(*this);
+    });
 }
 
 void Writer::operator()(const PropertyValue::Dictionary &members)
 {
-    line("<dict>");
-    ++m_indent;
-    for (const auto &[key, value] : members) {
-        textLine("key", key);
-        value.visit(*this);
-    }
-    --m_indent;
-    line("</dict>");
+    nested("dict", [&] {
+        for (const auto &[key, value] : members) {
+            textLine("key", key);
+            value.visit(*this);
+        }
+    });
+}
+
+template <typename Content>
+void Writer::nested(std::string_view element, const Content &content)
+{
+    line(fmt::format("<{}>", element));
+    if (m_depth++ < kMaxDepth)
+        content();
+    --m_depth;
+    line(fmt::format("</{}>", element));
 }
 
 void Writer::line(std::string_view element)
 {
-    m_text.append(m_indent, '\t').append(element).push_back('\n');
+    m_text.append(m_depth, '\t').append(element).push_back('\n');
 }
 
 void Writer::textLine(std::string_view element, std::string_view text)
 {
-    m_text.append(m_indent, '\t').append("<").append(element).append(">");
+    m_text.append(m_depth, '\t').append("<").append(element).append(">");
     appendText(isUtf8(text) ? text : QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())).toStdString());
     m_text.append("</").append(element).append(">\n");
 }

@@ -23,7 +23,8 @@ namespace brindle {
 /// The text of a property list that readPropertyList() takes.
 ///
 /// It holds the nearest to a value that the form can: a date loses its fraction of a second, downwards; in texts and
-/// keys U+FFFD stands for each byte that is not UTF-8 and each character that XML forbids (NUL and most controls).
+/// keys U+FFFD stands for each byte that is not UTF-8 and each character that XML forbids (NUL and most controls); what
+/// is nested more than 100 deep is left out.
 [[nodiscard]] std::string writePropertyList(const PropertyValue::Dictionary &values);
 
 } // namespace brindle

@@ -292,21 +292,5 @@ TEST_F(PlistUserDefaultsFailureTest, SetsNothingAsideForWantOfDescriptors)
     EXPECT_EQ(endOf(child), 0);
 }
 
-TEST_F(PlistUserDefaultsFailureTest, WritesNothingThatCouldNotBeReadAgain)
-{
-    PropertyValue deep = 1;
-    for (int i = 0; i < 200; ++i)
-        deep = PropertyValue::Array{deep};
-    writeFile(Dictionary{{"LaunchMode", "window"}});
-    PlistUserDefaults store(file());
-
-    store.set("Deep", deep);
-    store.synchronize();
-
-    EXPECT_EQ(valuesInFile(), (Dictionary{{"LaunchMode", "window"}}));
-    EXPECT_EQ(store.object("Deep"), deep);
-    EXPECT_THAT(log(), ElementsAre(AllOf(StartsWith("⚠️ User defaults not written: "), HasSubstr("nested too deeply"))));
-}
-
 } // namespace
 } // namespace brindle

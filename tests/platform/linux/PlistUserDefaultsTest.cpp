@@ -151,9 +151,7 @@ TEST_F(PlistUserDefaultsTest, DoesNotWriteWhatTheFileHoldsAlready)
     Replacements replacements(file());
 
     store.set("LaunchMode", "window");
-    store.synchronize();
-    store.set("LaunchMode", "menubar");
-    store.set("LaunchMode", "window");
+    store.remove("IsModeSwitchRelaunch");
     store.synchronize();
 
     EXPECT_EQ(replacements.count(), 0);

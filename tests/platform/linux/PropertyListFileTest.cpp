@@ -270,13 +270,20 @@ TEST(PropertyListFile, RefusesAListThatIsNestedWithoutEnd)
     EXPECT_THAT(std::get<Error>(result).localizedDescription(), HasSubstr("nested too deeply"));
 }
 
-TEST(PropertyListFile, TakesAListThatIsNestedLikeAnyRealOne)
+PropertyValue nestedArrays(int depth)
 {
-    PropertyValue value = "core";
-    for (int i = 0; i < 20; ++i)
-        value = Array{Dictionary{{"inner", value}}};
+    PropertyValue value = Array{};
+    for (int i = 1; i < depth; ++i)
+        value = Array{value};
+    return value;
+}
 
-    EXPECT_EQ(dictionaryOf(writePropertyList({{"Value", value}})), (Dictionary{{"Value", value}}));
+TEST(PropertyListFile, HoldsWhatIsNestedAHundredDeepAndLeavesOutWhatIsDeeper)
+{
+    EXPECT_EQ(dictionaryOf(writePropertyList({{"Value", nestedArrays(100)}})),
+              (Dictionary{{"Value", nestedArrays(100)}}));
+    EXPECT_EQ(dictionaryOf(writePropertyList({{"Value", nestedArrays(300)}})),
+              (Dictionary{{"Value", nestedArrays(100)}}));
 }
 
 TEST(PropertyListFile, DoesNotFollowEntitiesThatGrowWithoutEnd)
