@@ -204,6 +204,23 @@ TEST(MachineFile, IsAsItWasWhenItCannotBeWritten)
     EXPECT_TRUE(machine.hasFile("Volumes/DATA/file"));
 }
 
+TEST(MachineFile, IsAsItWasWhenTheSpaceEndsWhileItIsWritten)
+{
+    const TestMachine machine;
+    machine.install("usr/sbin/diskutil", DISKUTIL_TOOL);
+    machine.writeFile("Volumes/DATA/file", "x");
+    const std::string diskutil = (machine.root() / "usr/sbin/diskutil").string();
+
+    const Outcome outcome =
+        runProgram({"/bin/sh", "-c", "trap '' XFSZ; ulimit -f 1; exec \"$0\" unmount disk2s2", diskutil});
+
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errors, HasSubstr("machine.json.new"));
+    EXPECT_EQ(machine.text(), sampleMachineText());
+    EXPECT_TRUE(machine.hasFile("Volumes/DATA/file"));
+    EXPECT_FALSE(machine.hasFile("machine.json.new"));
+}
+
 TEST(MachineFile, IsFoundByThePathOfAToolThatIsALink)
 {
     const TestMachine machine;
