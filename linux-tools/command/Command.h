@@ -9,6 +9,8 @@
 
 namespace brindle::tools {
 
+class Actor;
+
 // Exit statuses of the tools.
 constexpr int kDone = 0;
 constexpr int kFailed = 1;
@@ -17,8 +19,9 @@ constexpr int kWrongUsage = 2;
 /// What a command works with.
 struct Context {
     InventorySource &source;
-    std::string out; ///< For standard output.
-    std::string err; ///< For standard error.
+    std::string out;        ///< For standard output.
+    std::string err;        ///< For standard error.
+    Actor *actor = nullptr; ///< Null where nothing can be done to the disks.
 };
 
 using Arguments = std::span<const std::string_view>;
@@ -28,7 +31,8 @@ using Arguments = std::span<const std::string_view>;
 [[nodiscard]] int runDf(Context &context, Arguments arguments);
 [[nodiscard]] int runNvram(Context &context, Arguments arguments);
 
-/// The main function of a tool: runs the command over the running kernel and writes what it says.
+/// The main function of a tool: runs the command over the machine file that the program lies beside or, without
+/// one, over the running kernel, and writes what it says.
 [[nodiscard]] int runTool(int (*command)(Context &, Arguments), int count, char **words);
 
 } // namespace brindle::tools

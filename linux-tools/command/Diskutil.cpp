@@ -1,5 +1,6 @@
 #include "command/Command.h"
 
+#include "acting/ActingVerbs.h"
 #include "inventory/FindDevice.h"
 #include "text/DiskutilText.h"
 #include "text/Words.h"
@@ -69,8 +70,13 @@ int info(Context &context, const Verb &verb, Arguments arguments)
     return kDone;
 }
 
-int notYet(Context &context, const Verb &verb, Arguments /*arguments*/)
+int act(Context &context, const Verb &verb, Arguments arguments)
 {
+    if (context.actor) {
+        ignoreHangUps();
+        const int status = runActingVerb(context, verb.name, arguments);
+        return status == kWrongUsage ? complainAboutUsage(context, verb) : status;
+    }
     context.err += fmt::format("diskutil {} is not supported yet on this system's disks\n", verb.name);
     return kFailed;
 }
@@ -78,12 +84,12 @@ int notYet(Context &context, const Verb &verb, Arguments /*arguments*/)
 constexpr std::array kVerbs{
     Verb{"list", "[physical | DISK]", "Lists all disks, the physical ones, or one, with their partitions", list},
     Verb{"info", "DISK", "Tells what is known of a disk or partition", info},
-    Verb{"mount", "DISK", "Mounts a volume", notYet},
-    Verb{"unmount", "[force] DISK", "Unmounts a volume", notYet},
-    Verb{"rename", "DISK NAME", "Gives a volume a new name", notYet},
-    Verb{"eject", "DISK", "Unmounts all volumes of a disk and lets it go", notYet},
-    Verb{"eraseVolume", "FORMAT NAME DISK", "Makes a new file system on a volume", notYet},
-    Verb{"eraseDisk", "FORMAT NAME GPT DISK", "Makes a new table and file system on a whole disk", notYet},
+    Verb{"mount", "DISK", "Mounts a volume", act},
+    Verb{"unmount", "[force] DISK", "Unmounts a volume", act},
+    Verb{"rename", "DISK NAME", "Gives a volume a new name", act},
+    Verb{"eject", "DISK", "Unmounts all volumes of a disk and lets it go", act},
+    Verb{"eraseVolume", "FORMAT NAME DISK", "Makes a new file system on a volume", act},
+    Verb{"eraseDisk", "FORMAT NAME [GPT] DISK", "Makes a new table and file system on a whole disk", act},
 };
 
 std::string helpText()

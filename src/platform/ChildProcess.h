@@ -11,7 +11,8 @@
 
 namespace brindle {
 
-/// What a child process is started from. Nothing is quoted, joined or looked up: no shell stands between.
+/// What a child process is started from. Nothing is quoted, joined or looked up: no shell stands between. A text with
+/// a zero byte makes the start fail.
 struct ChildProcessCommand {
     std::string path;                   ///< Absolute.
     std::vector<std::string> arguments; ///< Without the program's name.
@@ -33,7 +34,7 @@ class ChildProcess {
 public:
     virtual ~ChildProcess() = default;
 
-    /// Started, and not seen to have ended yet.
+    /// Started, and not seen to have ended yet: right after launch() it says whether the start worked.
     [[nodiscard]] virtual bool isRunning() const = 0;
 
     /// Asks a running child to end (SIGTERM); nothing otherwise. A child may refuse: there is no harder way.

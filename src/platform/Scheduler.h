@@ -30,7 +30,7 @@ public:
     /// Calls \a callback once, \a delay from now, from the event loop.
     [[nodiscard]] virtual std::unique_ptr<Timer> after(Duration delay, std::function<void()> callback) = 0;
 
-    /// Calls \a callback every \a interval from now on, from the event loop.
+    /// Calls \a callback every \a interval, which is above zero, from now on, from the event loop.
     [[nodiscard]] virtual std::unique_ptr<Timer> repeat(Duration interval, std::function<void()> callback) = 0;
 
     /// Returns \a duration from now, or at the cancellation of \a token; never throws for either.

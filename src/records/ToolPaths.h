@@ -4,30 +4,31 @@
 
 namespace brindle {
 
-/// Where the platform's tools are: the one value that every path of a tool comes from.
+/// Where the command-line tools stand: the one value that every tool path comes from.
 class ToolPaths {
 public:
-    /// Every tool where the platform has it.
+    /// The system's own tools, at their usual places.
     [[nodiscard]] static ToolPaths system();
 
-    /// Every tool below \a root, so that a folder of programs stands for a whole machine.
-    [[nodiscard]] static ToolPaths underRoot(const std::string &root);
+    /// All tools in the folder \a root, laid out as on the system, so that a folder of programs stands for a whole
+    /// machine. No tool of the real machine is reached, sudo included.
+    [[nodiscard]] static ToolPaths underRoot(std::string root);
 
-    /// The disk tools below \a folder, which comes with the program; sudo and open where the system has them.
-    [[nodiscard]] static ToolPaths withSuppliedTools(const std::string &folder);
+    /// The tools that a system without them is supplied with, in \a libexecDirectory; the rest is the system's own.
+    [[nodiscard]] static ToolPaths withSuppliedTools(std::string libexecDirectory);
 
-    [[nodiscard]] std::string diskutil() const { return m_disksRoot + "/usr/sbin/diskutil"; }
-    [[nodiscard]] std::string df() const { return m_disksRoot + "/bin/df"; }
-    [[nodiscard]] std::string nvram() const { return m_disksRoot + "/usr/sbin/nvram"; }
-    [[nodiscard]] std::string systemProfiler() const { return m_disksRoot + "/usr/sbin/system_profiler"; }
-    [[nodiscard]] std::string sudo() const { return m_systemRoot + "/usr/bin/sudo"; }
-    [[nodiscard]] std::string open() const { return m_systemRoot + "/usr/bin/open"; }
+    [[nodiscard]] std::string diskutil() const;
+    [[nodiscard]] std::string df() const;
+    [[nodiscard]] std::string nvram() const;
+    [[nodiscard]] std::string systemProfiler() const;
+    [[nodiscard]] std::string sudo() const;
+    [[nodiscard]] std::string open() const;
 
 private:
-    ToolPaths(std::string disksRoot, std::string systemRoot);
+    ToolPaths(std::string diskToolRoot, std::string systemToolRoot);
 
-    std::string m_disksRoot;
-    std::string m_systemRoot;
+    std::string m_diskToolRoot;   ///< Stands in front of the tools that tell of disks and of the machine.
+    std::string m_systemToolRoot; ///< Stands in front of all others.
 };
 
 } // namespace brindle

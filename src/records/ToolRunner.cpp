@@ -1,38 +1,37 @@
 #include "records/ToolRunner.h"
 
 #include "base/Completion.h"
-#include "base/Error.h"
 #include "base/Text.h"
 
 #include <string_view>
 #include <utility>
 
-#include <unistd.h>
+extern char **environ; // POSIX leaves the declaration to the program
 
 namespace brindle {
 
 namespace {
 
-/// The whole environment of this process with \a entries merged in.
-ToolRunner::Environment merged(ToolRunner::Environment entries)
+// No tool that is called here takes this long on a healthy machine. The same for all tools and all callers.
+constexpr std::chrono::seconds kTimeLimit{30};
+
+std::map<std::string, std::string> addedToOwnEnvironment(std::map<std::string, std::string> entries)
 {
-    for (char **entry = environ; *entry; ++entry) {
-        const std::string_view text = *entry;
-        const std::size_t equals = text.find('=');
-        if (equals != std::string_view::npos)
-            entries.emplace(text.substr(0, equals), text.substr(equals + 1)); // a given entry stays
+    for (char **entry = environ; *entry != nullptr; ++entry) {
+        const std::string_view assignment(*entry);
+        if (const std::size_t sign = assignment.find('='); sign != std::string_view::npos)
+            entries.emplace(assignment.substr(0, sign), assignment.substr(sign + 1)); // a given entry stays
     }
     return entries;
 }
 
-/// What a call gives or throws for the way its tool ended.
 std::string outputOf(ChildProcessEnd end)
 {
     if (end.failure)
-        throw std::move(*end.failure);
+        throw *end.failure;
     if (end.terminationStatus != 0) {
-        throw Error("CommandError", end.terminationStatus,
-                    isUtf8(end.standardError) ? std::move(end.standardError) : "Unknown error");
+        std::string description = isUtf8(end.standardError) ? std::move(end.standardError) : "Unknown error";
+        throw Error("CommandError", end.terminationStatus, std::move(description));
     }
     return isUtf8(end.standardOutput) ? std::move(end.standardOutput) : std::string();
 }
@@ -46,17 +45,19 @@ ToolRunner::ToolRunner(ChildProcessLauncher &launcher, Scheduler &scheduler)
 }
 
 QCoro::Task<std::string> ToolRunner::run(std::string path, std::vector<std::string> args,
-                                         std::optional<Environment> environment, CancellationToken token)
+                                         std::optional<std::map<std::string, std::string>> environment,
+                                         CancellationToken token)
 {
+    ChildProcessCommand command{std::move(path), std::move(args), std::nullopt};
     if (environment)
-        environment = merged(std::move(*environment));
+        command.environment = addedToOwnEnvironment(std::move(*environment));
 
     const Completion<ChildProcessEnd> ended;
-    const auto process = m_launcher.launch({std::move(path), std::move(args), std::move(environment)},
-                                           [ended](ChildProcessEnd end) { ended.complete(std::move(end)); });
-    const auto terminate = [&process] { process->terminate(); };
-    const auto registration = token.onCancel(terminate);
-    const auto timeOut = process->isRunning() ? m_scheduler.after(kTimeLimit, terminate) : nullptr;
+    const std::unique_ptr<ChildProcess> tool =
+        m_launcher.launch(std::move(command), [ended](ChildProcessEnd end) { ended.complete(std::move(end)); });
+    const auto terminate = [&tool] { tool->terminate(); };
+    const auto cancellation = token.onCancel(terminate);
+    const auto timeLimit = tool->isRunning() ? m_scheduler.after(kTimeLimit, terminate) : nullptr;
 
     ChildProcessEnd end = co_await ended;
     co_return outputOf(std::move(end));

@@ -6,7 +6,6 @@
 
 #include <QCoroTask>
 
-#include <chrono>
 #include <map>
 #include <optional>
 #include <string>
@@ -14,32 +13,29 @@
 
 namespace brindle {
 
-/// Runs the platform's tools without privileges: the one way to read what a tool prints.
+/// Runs the platform's command-line tools and gives what they print: the one way to run a tool without privileges.
 ///
-/// Calls are independent and may overlap. Main thread only.
+/// Runs are independent and may overlap; none takes a thread. Output is read once, after the tool has ended, so that a
+/// tool which prints more than a pipe holds (1 MiB at best, 64 KiB at least) stands still until its time is over.
+/// Main thread only.
 class ToolRunner {
 public:
-    using Environment = std::map<std::string, std::string>;
-
-    /// How long a tool may take; one that is still running is asked to end then, and there is no harder way.
-    static constexpr std::chrono::seconds kTimeLimit{30};
-
     ToolRunner(ChildProcessLauncher &launcher, Scheduler &scheduler); ///< Both outlive the runner.
     virtual ~ToolRunner() = default;
-    ToolRunner(const ToolRunner &) = delete;
-    ToolRunner &operator=(const ToolRunner &) = delete;
 
-    /// The standard output of the tool at \a path, run with \a args; empty where it is no UTF-8.
+    /// Runs the tool at the absolute \a path and gives its standard output; the empty text where that isn't UTF-8.
     ///
-    /// The entries of \a environment replace those of this process or are added to them. Cancelling \a token ends a
-    /// running tool, and the call then ends as the tool did; a token that is cancelled already ends nothing. The output
-    /// must fit a pipe (1 MiB where the kernel allows it): a tool that prints more stands still until its time is up.
+    /// The entries of \a environment are added to this process's own and replace those of the same name; without it
+    /// the tool inherits the environment untouched. A tool that still runs 30 seconds after its start is asked to end,
+    /// and so is a running one when \a token is cancelled; either way the run lasts until the tool has ended, and
+    /// reports that end like any other. A token that was cancelled before the call ends nothing.
     ///
-    /// Throws an Error of domain "CommandError" for a status other than 0: its code is the status, or the number of the
-    /// signal that ended the tool, its description the standard error, "Unknown error" where that is no UTF-8. Throws
-    /// the system's own error where the tool can't be started or its output not be read.
-    virtual QCoro::Task<std::string> run(std::string path, std::vector<std::string> args,
-                                         std::optional<Environment> environment = {}, CancellationToken token = {});
+    /// Throws Error: the system's own where the tool can't be started or its output not be read; else, where the exit
+    /// status isn't 0, domain "CommandError", the status (the number of the signal that ended it) as the code and the
+    /// tool's standard error as the description, "Unknown error" where that isn't UTF-8.
+    [[nodiscard]] virtual QCoro::Task<std::string> run(
+        std::string path, std::vector<std::string> args,
+        std::optional<std::map<std::string, std::string>> environment = {}, CancellationToken token = {});
 
 private:
     ChildProcessLauncher &m_launcher;

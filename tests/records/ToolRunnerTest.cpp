@@ -1,20 +1,21 @@
 #include "records/ToolRunner.h"
 
 #include "base/BlockOn.h"
-#include "base/Error.h"
 #include "platform/linux/LinuxChildProcess.h"
 #include "support/ManualClock.h"
 
-#include <QCoreApplication>
-
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
 
 #include <cerrno>
-#include <chrono>
 #include <csignal>
-#include <cstdlib>
-#include <string>
-#include <thread>
+#include <fstream>
+#include <functional>
+#include <utility>
+
+#include <sys/stat.h>
 
 namespace brindle {
 namespace {
@@ -22,207 +23,425 @@ namespace {
 using namespace std::chrono_literals;
 using testing::HasSubstr;
 
-/// Real tools by the shell, on a clock that is moved by hand.
-class ToolRunnerTest : public testing::Test {
-protected:
-    QCoro::Task<std::string> shell(std::string script, std::optional<ToolRunner::Environment> environment = {},
-                                   CancellationToken token = {})
+using Environment = std::map<std::string, std::string>;
+
+constexpr auto kPatience = 30s; // of the machine: a hanging test fails, and none waits for this
+
+/// Hands everything on to the real launcher and counts the calls of terminate() that reach a running child.
+class CountingLauncher : public ChildProcessLauncher {
+public:
+    std::unique_ptr<ChildProcess> launch(ChildProcessCommand command, Ended ended) override
     {
-        return tools.run("/bin/sh", {"-c", std::move(script)}, std::move(environment), std::move(token));
+        lastCommand = command;
+        return std::make_unique<Counted>(m_launcher.launch(std::move(command), std::move(ended)), &terminations);
     }
 
-    /// Waits in real time until the tool has begun to print: a signal before that would miss its handler.
-    static void letBegin()
-    {
-        for (int i = 0; i < 50; ++i) {
-            QCoreApplication::processEvents();
-            std::this_thread::sleep_for(2ms);
+    ChildProcessCommand lastCommand;
+    int terminations = 0;
+
+private:
+    class Counted : public ChildProcess {
+    public:
+        Counted(std::unique_ptr<ChildProcess> child, int *terminations)
+            : m_child(std::move(child)),
+              m_terminations(terminations)
+        {
         }
-    }
-
-    static std::string outputOf(QCoro::Task<std::string> task) { return blockOn(std::move(task), 10s); }
-
-    static Error errorOf(QCoro::Task<std::string> task)
-    {
-        try {
-            const std::string output = blockOn(std::move(task), 10s);
-            ADD_FAILURE() << "no error, but the output: " << output;
-        } catch (const Error &error) {
-            return error;
+        [[nodiscard]] bool isRunning() const override { return m_child->isRunning(); }
+        void terminate() override
+        {
+            *m_terminations += isRunning() ? 1 : 0;
+            m_child->terminate();
         }
-        return {"", 0, ""};
-    }
 
-    ManualClock clock;
-    LinuxChildProcessLauncher launcher;
-    ToolRunner tools{launcher, clock};
+    private:
+        std::unique_ptr<ChildProcess> m_child;
+        int *m_terminations;
+    };
+
+    LinuxChildProcessLauncher m_launcher;
 };
 
-TEST_F(ToolRunnerTest, GivesStandardOutputAndDropsTheErrorTextOfASuccess)
+/// A tool runner on real children, with a clock of its own.
+struct RealTools {
+    ManualClock clock;
+    CountingLauncher launcher;
+    ToolRunner runner{launcher, clock};
+
+    QCoro::Task<std::string> sleep(CancellationToken token = {})
+    {
+        return runner.run("/bin/sleep", {"40"}, std::nullopt, std::move(token));
+    }
+    QCoro::Task<std::string> shell(std::string script) { return runner.run("/bin/sh", {"-c", std::move(script)}); }
+    QCoro::Task<std::string> printVariable(const char *name, std::optional<Environment> environment)
+    {
+        return runner.run("/usr/bin/printenv", {name}, std::move(environment));
+    }
+};
+
+std::string outputOf(QCoro::Task<std::string> run)
 {
-    EXPECT_EQ(outputOf(shell("echo out; echo err >&2")), "out\n");
+    return blockOn(std::move(run), kPatience);
 }
 
-TEST_F(ToolRunnerTest, ThrowsTheStatusWithTheErrorText)
+Error errorOf(QCoro::Task<std::string> run)
 {
-    const Error error = errorOf(shell("echo out; echo 'Could not find disk: x' >&2; exit 3"));
+    try {
+        const std::string output = blockOn(std::move(run), kPatience);
+        return {"NoError", 0, output};
+    } catch (const Error &error) {
+        return error;
+    }
+}
+
+/// A child that ends when the test says so.
+class PromptedLauncher : public ChildProcessLauncher {
+public:
+    std::unique_ptr<ChildProcess> launch(ChildProcessCommand, Ended ended) override
+    {
+        m_ended = std::move(ended);
+        return std::make_unique<Prompted>(this);
+    }
+    void endChild(ChildProcessEnd end)
+    {
+        m_isRunning = false;
+        m_ended(std::move(end));
+    }
+
+    int terminations = 0;
+
+private:
+    class Prompted : public ChildProcess {
+    public:
+        explicit Prompted(PromptedLauncher *launcher) : m_launcher(launcher) {}
+        [[nodiscard]] bool isRunning() const override { return m_launcher->m_isRunning; }
+        void terminate() override { ++m_launcher->terminations; }
+
+    private:
+        PromptedLauncher *m_launcher;
+    };
+
+    Ended m_ended;
+    bool m_isRunning = true;
+};
+
+/// A named pipe by which a tool and the test wait for one another.
+class Rendezvous {
+public:
+    Rendezvous() : m_path(m_folder.filePath(QStringLiteral("pipe")).toStdString())
+    {
+        if (mkfifo(m_path.c_str(), 0600) != 0)
+            throw Error::fromErrno(errno, m_path);
+    }
+
+    [[nodiscard]] const std::string &path() const { return m_path; }
+    void await() const
+    {
+        std::string line;
+        std::getline(std::ifstream(m_path) >> std::ws, line);
+    }
+    void signal() const { std::ofstream(m_path) << "go\n"; }
+
+private:
+    QTemporaryDir m_folder;
+    std::string m_path;
+};
+
+TEST(ToolRunner, GivesTheStandardOutputAlone)
+{
+    RealTools tools;
+
+    const std::string output = outputOf(tools.shell("echo out; echo err >&2"));
+
+    EXPECT_EQ(output, "out\n");
+}
+
+TEST(ToolRunner, HandsTheArgumentsOnAsTheyStand)
+{
+    RealTools tools;
+
+    const std::string output = outputOf(tools.runner.run("/usr/bin/printf", {"%s|", "EFI disk", "$HOME", ""}));
+
+    EXPECT_EQ(output, "EFI disk|$HOME||");
+}
+
+TEST(ToolRunner, ThrowsTheStatusAndTheErrorTextOfAToolThatFails)
+{
+    RealTools tools;
+
+    const Error error = errorOf(tools.shell("echo out; echo 'Could not find disk: disk9' >&2; exit 3"));
 
     EXPECT_EQ(error.domain(), "CommandError");
     EXPECT_EQ(error.code(), 3);
-    EXPECT_EQ(error.localizedDescription(), "Could not find disk: x\n");
+    EXPECT_EQ(error.localizedDescription(), "Could not find disk: disk9\n");
 }
 
-TEST_F(ToolRunnerTest, ThrowsAnEmptyDescriptionForAnEmptyErrorText)
+TEST(ToolRunner, ThrowsAnEmptyDescriptionWhereAFailingToolSaysNothing)
 {
-    const Error error = errorOf(shell("exit 1"));
+    RealTools tools;
+
+    const Error error = errorOf(tools.shell("exit 1"));
 
     EXPECT_EQ(error.domain(), "CommandError");
     EXPECT_EQ(error.code(), 1);
     EXPECT_EQ(error.localizedDescription(), "");
 }
 
-TEST_F(ToolRunnerTest, GivesNothingForOutputThatIsNoUtf8)
+TEST(ToolRunner, ThrowsUnknownErrorWhereTheErrorTextIsNotUtf8)
 {
-    EXPECT_EQ(outputOf(shell("printf 'disk\\377'")), "");
+    RealTools tools;
+
+    const Error error = errorOf(tools.shell("printf '\\377\\376' >&2; exit 2"));
+
+    EXPECT_EQ(error.code(), 2);
+    EXPECT_EQ(error.localizedDescription(), "Unknown error");
 }
 
-TEST_F(ToolRunnerTest, ThrowsUnknownErrorForAnErrorTextThatIsNoUtf8)
+TEST(ToolRunner, GivesTheEmptyTextWhereTheOutputIsNotUtf8)
 {
-    EXPECT_EQ(errorOf(shell("printf 'disk\\377' >&2; exit 1")).localizedDescription(), "Unknown error");
+    RealTools tools;
+
+    const std::string output = outputOf(tools.shell("printf 'disk0 \\377'"));
+
+    EXPECT_EQ(output, "");
 }
 
-TEST_F(ToolRunnerTest, ThrowsTheNumberOfTheSignalThatEndedTheTool)
+TEST(ToolRunner, ThrowsTheNumberOfTheSignalThatEndedTheTool)
 {
-    const Error error = errorOf(shell("kill -9 $$"));
+    RealTools tools;
+
+    const Error error = errorOf(tools.shell("echo half; kill -KILL $$"));
 
     EXPECT_EQ(error.domain(), "CommandError");
     EXPECT_EQ(error.code(), SIGKILL);
 }
 
-// --- the time limit
-
-TEST_F(ToolRunnerTest, TerminatesAToolAfterExactlyThirtySeconds)
-{
-    auto task = shell("exec sleep 40");
-
-    clock.advance(30s - 1ns);
-    letBegin();
-    EXPECT_FALSE(task.isReady());
-    clock.advance(1ns);
-
-    EXPECT_EQ(errorOf(std::move(task)).code(), SIGTERM);
-}
-
-TEST_F(ToolRunnerTest, LeavesAToolAloneThatEndsBeforeItsTimeIsUp)
-{
-    auto task = shell("echo done");
-    clock.advance(29900ms);
-
-    EXPECT_EQ(outputOf(std::move(task)), "done\n");
-
-    EXPECT_EQ(clock.timerCount(), 0U);
-    clock.advance(1s);
-}
-
-TEST_F(ToolRunnerTest, GivesTheOutputOfAToolThatEndsWellWhenToldToEnd)
-{
-    auto task = shell("trap 'echo saved; exit 0' TERM; while :; do sleep 0.01; done");
-    letBegin();
-
-    clock.advance(30s);
-
-    EXPECT_EQ(outputOf(std::move(task)), "saved\n");
-}
-
-TEST_F(ToolRunnerTest, HasNoHarderWayThanAskingOnce)
-{
-    auto task = shell("trap : TERM; i=0; while [ $i -lt 100 ]; do sleep 0.01; i=$((i+1)); done; echo stubborn");
-    letBegin();
-
-    clock.advance(30s);
-    EXPECT_EQ(clock.timerCount(), 0U);
-    clock.advance(10min);
-
-    EXPECT_EQ(outputOf(std::move(task)), "stubborn\n");
-}
-
-// --- cancellation
-
-TEST_F(ToolRunnerTest, TerminatesASleepingToolAtOnceWhenItsCallIsCancelled)
-{
-    const auto token = CancellationToken::cancellable();
-    auto task = shell("exec sleep 40", {}, token);
-
-    token.cancel();
-
-    EXPECT_EQ(errorOf(std::move(task)).code(), SIGTERM);
-}
-
-TEST_F(ToolRunnerTest, RunsAToolToItsEndWhenTheCallWasCancelledBefore)
-{
-    const auto token = CancellationToken::cancellable();
-    token.cancel();
-
-    EXPECT_EQ(outputOf(shell("echo whole", {}, token)), "whole\n");
-}
-
-TEST_F(ToolRunnerTest, ToleratesACancellationAfterTheEnd)
-{
-    const auto token = CancellationToken::cancellable();
-    EXPECT_EQ(outputOf(shell("echo whole", {}, token)), "whole\n");
-
-    token.cancel();
-}
-
-// --- the start
-
-TEST_F(ToolRunnerTest, ThrowsTheLaunchErrorOfAMissingToolAndSchedulesNoTimeOut)
-{
-    auto task = tools.run("/nowhere/diskutil", {"list"});
-
-    EXPECT_FALSE(task.isReady());
-    EXPECT_EQ(clock.timerCount(), 0U);
-    const Error error = errorOf(std::move(task));
-    EXPECT_EQ(error.domain(), "POSIXError");
-    EXPECT_EQ(error.code(), ENOENT);
-    EXPECT_THAT(error.localizedDescription(), HasSubstr("/nowhere/diskutil"));
-}
-
-TEST_F(ToolRunnerTest, ThrowsTheLaunchErrorOfAFolder)
-{
-    EXPECT_EQ(errorOf(tools.run("/usr/bin", {})).code(), EACCES);
-}
-
-TEST_F(ToolRunnerTest, HandsEachArgumentOverAsItIs)
-{
-    EXPECT_EQ(outputOf(tools.run("/usr/bin/printf", {"[%s]", "-rf", "a b", "$(reboot)", "'\"", ""})),
-              "[-rf][a b][$(reboot)]['\"][]");
-}
-
-// --- the environment
-
-class ToolRunnerEnvironment : public ToolRunnerTest {
-protected:
-    void SetUp() override { setenv("BRINDLE_TEST_VARIABLE", "inherited", 1); }
-    void TearDown() override { unsetenv("BRINDLE_TEST_VARIABLE"); }
+struct Unstartable {
+    const char *name;
+    const char *path;
+    int code;
 };
 
-TEST_F(ToolRunnerEnvironment, IsInheritedWhenNoneIsGiven)
+class ToolRunnerWithoutTool : public testing::TestWithParam<Unstartable> {};
+
+TEST_P(ToolRunnerWithoutTool, ThrowsTheSystemsErrorAndSchedulesNoTimeLimit)
 {
-    EXPECT_EQ(outputOf(shell("echo $BRINDLE_TEST_VARIABLE")), "inherited\n");
+    RealTools tools;
+
+    auto run = tools.runner.run(GetParam().path, {});
+    const std::size_t timers = tools.clock.pendingTimers();
+    const Error error = errorOf(std::move(run));
+
+    EXPECT_EQ(timers, 0U);
+    EXPECT_EQ(error.domain(), "POSIXError");
+    EXPECT_EQ(error.code(), GetParam().code);
+    EXPECT_THAT(error.localizedDescription(), HasSubstr(GetParam().path));
 }
 
-TEST_F(ToolRunnerEnvironment, HasAGivenEntryInPlaceOfAnInheritedOne)
+INSTANTIATE_TEST_SUITE_P(Paths, ToolRunnerWithoutTool,
+                         testing::Values(Unstartable{"Missing", "/nonexistent/diskutil", ENOENT},
+                                         Unstartable{"NotExecutable", "/etc/passwd", EACCES},
+                                         Unstartable{"AFolder", "/usr", EACCES}),
+                         [](const auto &row) { return row.param.name; });
+
+TEST(ToolRunner, ThrowsTheSystemsErrorWhereTheOutputCannotBeRead)
 {
-    EXPECT_EQ(outputOf(shell("echo $BRINDLE_TEST_VARIABLE ${PATH:+path}",
-                             ToolRunner::Environment{{"BRINDLE_TEST_VARIABLE", "given"}})),
-              "given path\n");
+    ManualClock clock;
+    PromptedLauncher launcher;
+    ToolRunner runner(launcher, clock);
+
+    auto run = runner.run("/usr/sbin/diskutil", {"list"});
+    ChildProcessEnd end;
+    end.failure = Error::fromErrno(EIO, "pipe");
+    launcher.endChild(end);
+    const Error error = errorOf(std::move(run));
+
+    EXPECT_EQ(error.domain(), "POSIXError");
+    EXPECT_EQ(error.code(), EIO);
 }
 
-TEST_F(ToolRunnerEnvironment, IsAnUnchangedCopyWhenAnEmptyOneIsGiven)
+TEST(ToolRunner, TerminatesAToolThatStillRunsAfterThirtySeconds)
 {
-    EXPECT_EQ(outputOf(tools.run("/usr/bin/env", {}, ToolRunner::Environment{})).size(),
-              outputOf(tools.run("/usr/bin/env", {})).size());
+    RealTools tools;
+    auto run = tools.sleep();
+
+    tools.clock.advance(30s - 1ns);
+    const int terminationsBefore = tools.launcher.terminations;
+    tools.clock.advance(1ns);
+    const Error error = errorOf(std::move(run));
+
+    EXPECT_EQ(terminationsBefore, 0);
+    EXPECT_EQ(tools.launcher.terminations, 1);
+    EXPECT_EQ(error.domain(), "CommandError");
+    EXPECT_EQ(error.code(), SIGTERM);
+}
+
+TEST(ToolRunner, LeavesAToolAloneThatEndsAfterTwentyNinePointNineSeconds)
+{
+    ManualClock clock;
+    PromptedLauncher launcher;
+    ToolRunner runner(launcher, clock);
+    auto run = runner.run("/usr/sbin/diskutil", {"list"});
+
+    clock.advance(29900ms);
+    launcher.endChild({std::nullopt, 0, "late", ""});
+    clock.advance(1h);
+    const std::string output = outputOf(std::move(run));
+
+    EXPECT_EQ(output, "late");
+    EXPECT_EQ(launcher.terminations, 0);
+}
+
+TEST(ToolRunner, GivesTheOutputOfAToolThatDoesNotHeedItsTerminationAndNeverAsksTwice)
+{
+    RealTools tools;
+    const Rendezvous started;
+    const Rendezvous released;
+    auto run =
+        tools.shell("trap '' TERM; echo go > " + started.path() + "; read line < " + released.path() + "; echo done");
+    started.await();
+
+    tools.clock.advance(30s);
+    tools.clock.advance(24h);
+    released.signal();
+    const std::string output = outputOf(std::move(run));
+
+    EXPECT_EQ(tools.launcher.terminations, 1);
+    EXPECT_EQ(output, "done\n");
+}
+
+TEST(ToolRunner, TerminatesARunningToolAtOnceWhenItsTokenIsCancelled)
+{
+    RealTools tools;
+    const auto token = CancellationToken::cancellable();
+    auto run = tools.sleep(token);
+
+    token.cancel();
+    const Error error = errorOf(std::move(run));
+
+    EXPECT_EQ(tools.launcher.terminations, 1);
+    EXPECT_EQ(error.domain(), "CommandError");
+    EXPECT_EQ(error.code(), SIGTERM);
+}
+
+TEST(ToolRunner, RunsAToolToItsEndWhoseTokenWasCancelledBefore)
+{
+    RealTools tools;
+    const auto token = CancellationToken::cancellable();
+    token.cancel();
+
+    const std::string output = outputOf(tools.runner.run("/bin/echo", {"ran"}, std::nullopt, token));
+
+    EXPECT_EQ(output, "ran\n");
+    EXPECT_EQ(tools.launcher.terminations, 0);
+}
+
+TEST(ToolRunner, HeedsNoCancellationAfterTheEnd)
+{
+    ManualClock clock;
+    PromptedLauncher launcher;
+    ToolRunner runner(launcher, clock);
+    const auto token = CancellationToken::cancellable();
+    auto run = runner.run("/usr/sbin/diskutil", {"list"}, std::nullopt, token);
+    launcher.endChild({std::nullopt, 0, "list", ""});
+
+    const std::string output = outputOf(std::move(run));
+    token.cancel();
+
+    EXPECT_EQ(output, "list");
+    EXPECT_EQ(launcher.terminations, 0);
+}
+
+TEST(ToolRunner, LeavesNoTimerBehind)
+{
+    RealTools tools;
+
+    const std::string output = outputOf(tools.shell("exit 0"));
+
+    EXPECT_EQ(tools.clock.pendingTimers(), 0U);
+}
+
+TEST(ToolRunner, EndsARunOnceThoughItsChildReportsTwice)
+{
+    ManualClock clock;
+    PromptedLauncher launcher;
+    ToolRunner runner(launcher, clock);
+    auto run = runner.run("/usr/sbin/diskutil", {"list"});
+
+    launcher.endChild({std::nullopt, 0, "first", ""});
+    launcher.endChild({std::nullopt, 1, "", "second"});
+    const std::string output = outputOf(std::move(run));
+    clock.advance(1s);
+
+    EXPECT_EQ(output, "first");
+}
+
+TEST(ToolRunner, RunsToolsSideBySide)
+{
+    RealTools tools;
+    const Rendezvous meeting;
+
+    auto waiting = tools.shell("read line < " + meeting.path() + "; echo $line");
+    auto signalling = tools.shell("echo met > " + meeting.path());
+
+    EXPECT_EQ(outputOf(std::move(signalling)), "");
+    EXPECT_EQ(outputOf(std::move(waiting)), "met\n");
+}
+
+/// A variable of this process that children inherit.
+struct InheritedVariable {
+    static constexpr const char *kName = "BRINDLE_TEST_VARIABLE";
+
+    InheritedVariable() { setenv(kName, "inherited", 1); }
+    InheritedVariable(const InheritedVariable &) = delete;
+    InheritedVariable &operator=(const InheritedVariable &) = delete;
+    ~InheritedVariable() { unsetenv(kName); }
+};
+
+TEST(ToolRunner, ReplacesAnInheritedVariableByAGivenEntryOfItsName)
+{
+    const InheritedVariable variable;
+    RealTools tools;
+
+    const std::string output = outputOf(tools.printVariable(variable.kName, Environment{{variable.kName, "given"}}));
+
+    EXPECT_EQ(output, "given\n");
+}
+
+TEST(ToolRunner, KeepsTheInheritedVariablesBesideAGivenEntry)
+{
+    const InheritedVariable variable;
+    RealTools tools;
+
+    const std::string inherited = outputOf(tools.printVariable(variable.kName, Environment{{"LC_ALL", "C"}}));
+    const std::string given = outputOf(tools.printVariable("LC_ALL", Environment{{"LC_ALL", "C"}}));
+
+    EXPECT_EQ(inherited, "inherited\n");
+    EXPECT_EQ(given, "C\n");
+}
+
+TEST(ToolRunner, SetsAnUnchangedCopyOfItsOwnEnvironmentForAnEmptyOne)
+{
+    const InheritedVariable variable;
+    RealTools tools;
+
+    const std::string inherited = outputOf(tools.shell("env | sort"));
+    const std::string copied = outputOf(tools.runner.run("/bin/sh", {"-c", "env | sort"}, Environment{}));
+
+    ASSERT_TRUE(tools.launcher.lastCommand.environment);
+    EXPECT_THAT(copied, HasSubstr("BRINDLE_TEST_VARIABLE=inherited\n"));
+    EXPECT_EQ(copied, inherited);
+}
+
+TEST(ToolRunner, LeavesTheEnvironmentUntouchedWhereNoneIsGiven)
+{
+    const InheritedVariable variable;
+    RealTools tools;
+
+    const std::string output = outputOf(tools.printVariable(variable.kName, std::nullopt));
+
+    EXPECT_FALSE(tools.launcher.lastCommand.environment);
+    EXPECT_EQ(output, "inherited\n");
 }
 
 } // namespace

@@ -1,32 +1,79 @@
 #include "support/ManualClock.h"
 
-#include <QCoreApplication>
+#include <QAbstractEventDispatcher>
+#include <QEventLoop>
 
 #include <algorithm>
+#include <cstdint>
+#include <map>
+#include <stdexcept>
 #include <utility>
 
 namespace brindle {
 
 namespace {
 
+constexpr std::chrono::sys_days kFirstDate = std::chrono::year{2024} / std::chrono::January / 1;
+
 void drainEventLoop()
 {
-    // Until a turn brings nothing more: what runs may queue more work for the next turn.
-    for (int turn = 0; turn < 32; ++turn)
-        QCoreApplication::processEvents();
+    while (QAbstractEventDispatcher::instance()->processEvents(QEventLoop::AllEvents)) {
+    }
 }
+
+struct Entry {
+    Scheduler::Duration deadline;
+    Scheduler::Duration interval; ///< Zero: fires once.
+    std::function<void()> callback;
+};
 
 } // namespace
 
-class ManualClock::Handle : public Scheduler::Timer {
+struct ManualClock::State {
+    Duration passed{};
+    std::uint64_t lastId = 0;
+    std::map<std::uint64_t, Entry> entries; // the identifiers rise, so that the order is that of the calls
+
+    /// Fires the first that falls due by \a end; false where none does.
+    bool fireNext(Duration end);
+};
+
+class ManualClock::Pending : public Scheduler::Timer {
 public:
-    Handle(ManualClock &clock, std::uint64_t id) : m_clock(clock), m_id(id) {}
-    ~Handle() override { m_clock.remove(m_id); }
+    Pending(std::weak_ptr<State> state, std::uint64_t id) : m_state(std::move(state)), m_id(id) {}
+    ~Pending() override
+    {
+        if (const auto state = m_state.lock())
+            state->entries.erase(m_id);
+    }
 
 private:
-    ManualClock &m_clock;
+    std::weak_ptr<State> m_state;
     std::uint64_t m_id;
 };
+
+bool ManualClock::State::fireNext(Duration end)
+{
+    const auto next = std::ranges::min_element(entries, {}, [](const auto &entry) { return entry.second.deadline; });
+    if (next == entries.end() || next->second.deadline > end)
+        return false;
+    Entry &entry = next->second;
+    passed = std::max(passed, entry.deadline);
+    const auto callback = entry.callback; // it may cancel its own timer
+    if (entry.interval > Duration::zero())
+        entry.deadline += entry.interval;
+    else
+        entries.erase(next);
+    callback();
+    return true;
+}
+
+ManualClock::ManualClock() : m_state(std::make_shared<State>()) {}
+
+Scheduler::Date ManualClock::date() const
+{
+    return kFirstDate + std::chrono::duration_cast<Date::duration>(m_state->passed);
+}
 
 std::unique_ptr<Scheduler::Timer> ManualClock::after(Duration delay, std::function<void()> callback)
 {
@@ -35,40 +82,30 @@ std::unique_ptr<Scheduler::Timer> ManualClock::after(Duration delay, std::functi
 
 std::unique_ptr<Scheduler::Timer> ManualClock::repeat(Duration interval, std::function<void()> callback)
 {
+    if (interval <= Duration::zero())
+        throw std::invalid_argument("A timer cannot repeat without time between.");
     return add(interval, interval, std::move(callback));
-}
-
-void ManualClock::advance(Duration duration)
-{
-    drainEventLoop();
-    const Date end = m_now + duration;
-    while (!m_timers.empty() && m_timers.begin()->first <= end) {
-        auto due = m_timers.extract(m_timers.begin());
-        m_now = due.key();
-        const auto callback = due.mapped().callback;
-        if (due.mapped().interval > Duration::zero()) {
-            due.key() += due.mapped().interval;
-            m_timers.insert(std::move(due));
-        }
-        callback();
-        drainEventLoop();
-    }
-    m_now = end;
 }
 
 std::unique_ptr<Scheduler::Timer> ManualClock::add(Duration delay, Duration interval, std::function<void()> callback)
 {
-    const std::uint64_t id = ++m_lastId;
-    m_timers.emplace(m_now + delay, Entry{id, interval, std::move(callback)});
-    return std::make_unique<Handle>(*this, id);
+    const std::uint64_t id = ++m_state->lastId;
+    m_state->entries.emplace(id, Entry{m_state->passed + delay, interval, std::move(callback)});
+    return std::make_unique<Pending>(m_state, id);
 }
 
-void ManualClock::remove(std::uint64_t id)
+void ManualClock::advance(Duration duration)
 {
-    const auto found =
-        std::find_if(m_timers.begin(), m_timers.end(), [id](const auto &timer) { return timer.second.id == id; });
-    if (found != m_timers.end())
-        m_timers.erase(found);
+    const Duration end = m_state->passed + duration;
+    drainEventLoop();
+    while (m_state->fireNext(end))
+        drainEventLoop();
+    m_state->passed = end;
+}
+
+std::size_t ManualClock::pendingTimers() const
+{
+    return m_state->entries.size();
 }
 
 } // namespace brindle

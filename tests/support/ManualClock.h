@@ -2,40 +2,36 @@
 
 #include "platform/Scheduler.h"
 
-#include <cstdint>
-#include <map>
+#include <cstddef>
 
 namespace brindle {
 
-/// A clock that stands still until it is moved by hand: rules of time are tested in no time and exactly at their
-/// border.
+/// A clock that stands still until a test moves it, so that a rule of time is tested in no time, exactly at its border.
 class ManualClock : public Scheduler {
 public:
-    [[nodiscard]] Date date() const override { return m_now; }
+    ManualClock();
+
+    /// Begins at midnight of 1 January 2024 (UTC) and moves with advance() alone.
+    [[nodiscard]] Date date() const override;
     [[nodiscard]] std::unique_ptr<Timer> after(Duration delay, std::function<void()> callback) override;
+    /// \a interval above zero: the clock would not get past the first moment.
     [[nodiscard]] std::unique_ptr<Timer> repeat(Duration interval, std::function<void()> callback) override;
 
-    /// Moves the clock on, calls what falls due on the way in the order of its time, and lets the event loop finish
-    /// what that brings before each next call and at the end.
+    /// Moves the clock on by \a duration and fires what falls due by then (the end included), in the order of the
+    /// deadlines and of equal ones in that of the calls. date() is the deadline meanwhile. Before the first and after
+    /// each the event loop does all that it has to do.
     void advance(Duration duration);
 
     /// Delays and timers that are under way.
-    [[nodiscard]] std::size_t timerCount() const { return m_timers.size(); }
+    [[nodiscard]] std::size_t pendingTimers() const;
 
 private:
-    class Handle;
-    struct Entry {
-        std::uint64_t id;
-        Duration interval; ///< Zero for a single call.
-        std::function<void()> callback;
-    };
+    struct State;
+    class Pending;
 
-    std::unique_ptr<Timer> add(Duration delay, Duration interval, std::function<void()> callback);
-    void remove(std::uint64_t id);
+    [[nodiscard]] std::unique_ptr<Timer> add(Duration delay, Duration interval, std::function<void()> callback);
 
-    Date m_now{std::chrono::hours(24 * 365 * 50)};
-    std::uint64_t m_lastId = 0;
-    std::multimap<Date, Entry> m_timers; // equal times in the order of their making
+    std::shared_ptr<State> m_state; ///< A timer may outlive the clock.
 };
 
 } // namespace brindle

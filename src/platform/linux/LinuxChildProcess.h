@@ -4,11 +4,14 @@
 
 namespace brindle {
 
-/// Child processes by posix_spawn. The event loop watches one pidfd for each; no thread waits.
+/// Starts child processes by posix_spawn(3) and learns of their end from the event loop: a running child takes no
+/// thread. Children outlive the launcher and are reported as long as the application object lives.
+///
+/// A child starts with SIGTERM, SIGPIPE and SIGCHLD at their defaults, no signal blocked, and no descriptor but the
+/// three standard ones.
 class LinuxChildProcessLauncher : public ChildProcessLauncher {
 public:
-    /// What each output pipe is enlarged to where the kernel allows it; it holds its usual 64 KiB elsewhere.
-    static constexpr int kPipeBytes = 1024 * 1024;
+    LinuxChildProcessLauncher();
 
     std::unique_ptr<ChildProcess> launch(ChildProcessCommand command, Ended ended) override;
 };

@@ -4,7 +4,7 @@
 
 namespace brindle {
 
-/// The system's clock and Qt's timers.
+/// The machine's own clock and the timers of the event loop, to the millisecond and never early.
 class QtScheduler : public Scheduler {
 public:
     [[nodiscard]] Date date() const override;

@@ -1,0 +1,94 @@
+// The text of a machine file: read, changed in every way and read again.
+
+#include "Require.h"
+
+#include "machine/JsonObject.h"
+#include "machine/JsonPositions.h"
+#include "machine/Machine.h"
+#include "machine/MachineEdit.h"
+
+#include <nlohmann/json.hpp>
+
+#include <cstdint>
+#include <limits>
+#include <optional>
+
+using namespace brindle;
+using namespace brindle::tools;
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::optional<Machine> described(const Json &json)
+{
+    try {
+        return readMachine(json);
+    } catch (const JsonValueError &) {
+        return std::nullopt;
+    }
+}
+
+void eraseDisks(Json json, const Machine &machine, const Format &format)
+{
+    for (const Disk &disk : machine.inventory.disks) {
+        for (const Partition &partition : disk.partitions)
+            removeMount(json, partition.identifier);
+        removeMount(json, disk.identifier);
+        for (const ApfsContainer &container : machine.inventory.containers) {
+            for (const ApfsVolume &volume : container.volumes)
+                removeMount(json, volume.identifier);
+        }
+        if (disk.sizeBytes < kSmallestDiskBytes)
+            continue;
+        Json &partition = makeTable(*findObject(json, disk.identifier), format);
+        const std::string carrier = tools::format(json, partition, format, "NEW");
+        addMount(json, carrier, "Volumes/a name of our own");
+        require(described(json).has_value(), "an erased disk is one");
+        removeMount(json, carrier);
+    }
+}
+
+void replug(Json json, const Machine &machine)
+{
+    json["mounts"] = Json::array();
+    for (const Disk &disk : machine.inventory.disks) {
+        unplug(json, disk.identifier);
+        require(described(json).has_value(), "a machine without a disk is one");
+        (void)plug(json, disk.identifier);
+        require(described(json).has_value(), "a disk that is plugged in again is one");
+    }
+}
+
+void rename(Json json, const Machine &machine)
+{
+    for (const auto &[identifier, carrier] : machine.carriers) {
+        Json *const object = findObject(json, identifier);
+        if (object && !carrier.content.empty())
+            setName(*object, "NEW");
+    }
+    require(described(json).has_value(), "renamed volumes are volumes");
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    const std::string text(reinterpret_cast<const char *>(data), size);
+    try {
+        const JsonPositions positions(text);
+        const Json json = Json::parse(text);
+        require(positions.line("disks[0]") >= 1, "lines count from 1");
+        const auto machine = described(json);
+        if (!machine || machine->nextDisk > std::numeric_limits<std::uint32_t>::max())
+            return 0;
+        require(described(Json::parse(json.dump(2))).has_value(), "what is written is read");
+        rename(json, *machine);
+        replug(json, *machine);
+        eraseDisks(json, *machine, *findFormat("ExFAT"));
+        eraseDisks(json, *machine, *findFormat("APFS"));
+    } catch (const JsonSyntaxError &error) {
+        require(error.line() >= 1, "lines count from 1");
+    }
+    return 0;
+}

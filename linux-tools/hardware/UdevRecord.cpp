@@ -1,0 +1,57 @@
+#include "hardware/UdevRecord.h"
+
+#include "hardware/FirmwareText.h"
+#include "hardware/LineReading.h"
+#include "hardware/Smbios.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace brindle::tools {
+
+UdevRecord::UdevRecord(std::string_view file)
+{
+    constexpr std::string_view kProperty = "E:";
+    while (!file.empty()) {
+        std::string_view line = takeLine(file);
+        if (!line.starts_with(kProperty))
+            continue;
+        line.remove_prefix(kProperty.size());
+        const std::size_t equals = line.find('=');
+        if (equals != std::string_view::npos)
+            m_properties.insert_or_assign(std::string(line.substr(0, equals)), std::string(line.substr(equals + 1)));
+    }
+}
+
+std::string UdevRecord::property(const std::string &name) const
+{
+    const auto found = m_properties.find(name);
+    return found == m_properties.end() ? std::string() : found->second;
+}
+
+std::vector<MemorySlot> memorySlots(const UdevRecord &record)
+{
+    constexpr std::uint64_t kMostSlots = 1024;          // more than any board has
+    constexpr std::string_view kFirmwareChip = "Flash"; // the firmware's own, which is no main memory
+    const auto number = [&](const std::string &name) { return leadingNumber(record.property(name)).value_or(0); };
+    const std::uint64_t count = std::min(number("MEMORY_ARRAY_NUM_DEVICES"), kMostSlots);
+    std::vector<MemorySlot> slots;
+    for (std::uint64_t index = 0; index < count; ++index) {
+        const auto named = [&](std::string_view fact) { return fmt::format("MEMORY_DEVICE_{}_{}", index, fact); };
+        const auto text = [&](std::string_view fact) { return firmwareText(record.property(named(fact))); };
+        if (text("TYPE") == kFirmwareChip)
+            continue;
+        const std::uint64_t configuredSpeed = number(named("CONFIGURED_SPEED_MTS"));
+        slots.push_back({.name = slotName(text("BANK_LOCATOR"), text("LOCATOR")),
+                         .sizeBytes = number(named("SIZE")),
+                         .type = moduleType(text("TYPE")),
+                         .speedMegahertz = configuredSpeed != 0 ? configuredSpeed : number(named("SPEED_MTS")),
+                         .manufacturer = text("MANUFACTURER"),
+                         .partNumber = text("PART_NUMBER"),
+                         .serialNumber = text("SERIAL_NUMBER")});
+    }
+    return slots;
+}
+
+} // namespace brindle::tools

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace brindle::tools {
+
+/// A lock on a folder that one process holds at a time. The constructor waits for it; std::system_error.
+class FolderLock {
+public:
+    explicit FolderLock(const std::filesystem::path &folder);
+    ~FolderLock();
+    FolderLock(const FolderLock &) = delete;
+    FolderLock &operator=(const FolderLock &) = delete;
+
+private:
+    int m_descriptor;
+};
+
+/// The whole file; std::system_error.
+[[nodiscard]] std::string readWholeFile(const std::filesystem::path &path);
+
+/// Puts \a text in the place of the file in one step, with the file's permissions: a reader sees the old text or the
+/// new one, also after a power cut. One writer at a time. std::system_error, and the file is as it was.
+void replaceFile(const std::filesystem::path &path, std::string_view text);
+
+} // namespace brindle::tools

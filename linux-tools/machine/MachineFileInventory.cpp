@@ -1,0 +1,58 @@
+#include "machine/MachineFileInventory.h"
+
+#include "inventory/NvramName.h"
+#include "text/Words.h"
+
+#include <algorithm>
+
+namespace brindle::tools {
+namespace {
+
+std::optional<NvramVariable> findVariable(const Machine &machine, const NvramName &name)
+{
+    const auto found = std::ranges::find_if(machine.nvram, [&](const NvramVariable &variable) {
+        return upperCased(variable.guid) == upperCased(name.guid) && variable.name == name.name;
+    });
+    return found == machine.nvram.end() ? std::nullopt : std::optional(*found);
+}
+
+} // namespace
+
+MachineFileInventory::MachineFileInventory(const MachineFile &file) : m_file(file) {}
+
+Inventory MachineFileInventory::read(const Scope &scope)
+{
+    Machine machine = m_file.read();
+    for (Mount &mount : machine.inventory.mounts) {
+        if (scope.withSpace)
+            mount.space = spaceOf(machine, mount.carrier);
+    }
+    for (Mount &mount : machine.inventory.mounts) {
+        if (!isSystemMount(mount))
+            mount.mountPoint = (m_file.root() / mount.mountPoint).string();
+    }
+    return std::move(machine.inventory);
+}
+
+std::optional<NvramVariable> MachineFileInventory::nvramVariable(std::string_view name)
+{
+    const Machine machine = m_file.read();
+    for (const NvramName &candidate : nvramNames(name)) {
+        if (auto variable = findVariable(machine, candidate))
+            return variable;
+    }
+    return std::nullopt;
+}
+
+Space MachineFileInventory::spaceOf(const Machine &machine, const std::string &carrier) const
+{
+    const Carrier &described = machine.carriers.at(carrier);
+    if (described.space)
+        return *described.space;
+    Space space{.totalBytes = described.sizeBytes};
+    space.usedBytes = std::min(m_file.folders().usedBytes(machine, carrier), described.sizeBytes);
+    space.availableBytes = described.sizeBytes - space.usedBytes;
+    return space;
+}
+
+} // namespace brindle::tools

@@ -1,0 +1,237 @@
+#include "machine/MachineFile.h"
+
+#include "TestMachine.h"
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include <sys/stat.h>
+
+namespace brindle::tools {
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+struct FaultCase {
+    const char *name;
+    const char *good; ///< What stands in the sample.
+    const char *bad;  ///< What stands there instead.
+    const char *error;
+    const char *place = nullptr; ///< What stands on the line that the error names; absent: what is bad.
+    std::size_t linesAbove = 0;  ///< How many lines above it that one is.
+};
+
+class NamesFileLineAndKey : public testing::TestWithParam<FaultCase> {};
+
+std::string sampleWith(const FaultCase &fault)
+{
+    std::string text = sampleMachineText();
+    const std::size_t at = text.find(fault.good);
+    EXPECT_NE(at, std::string::npos);
+    return text.replace(at, std::string_view(fault.good).size(), fault.bad);
+}
+
+std::size_t lineOf(std::string_view text, std::string_view place)
+{
+    const auto at = static_cast<std::ptrdiff_t>(text.find(place));
+    return static_cast<std::size_t>(std::count(text.begin(), text.begin() + at, '\n')) + 1;
+}
+
+std::string errorOf(const MachineFile &file)
+{
+    try {
+        (void)file.read();
+    } catch (const MachineFileError &error) {
+        return error.what();
+    }
+    return "no error";
+}
+
+TEST_P(NamesFileLineAndKey, OfWhatIsWrong)
+{
+    const FaultCase &fault = GetParam();
+    const TestMachine machine;
+    const std::string text = sampleWith(fault);
+    machine.write(text);
+
+    const std::string error = errorOf(machine.file());
+
+    const std::size_t line = lineOf(text, fault.place ? fault.place : fault.bad) - fault.linesAbove;
+    EXPECT_EQ(error, fmt::format("{}/machine.json:{}: {}", machine.root().string(), line, fault.error));
+}
+
+TEST_P(NamesFileLineAndKey, AndChangesNothing)
+{
+    const TestMachine machine;
+    const std::string text = sampleWith(GetParam());
+    machine.write(text);
+
+    EXPECT_THROW((void)machine.diskutil({"unmount", "disk2s2"}), MachineFileError);
+
+    EXPECT_EQ(machine.text(), text);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    MachineFile, NamesFileLineAndKey,
+    testing::Values(
+        FaultCase{"MissingKeyOfTheMachine", R"("password": "secret",)", "", "password: the key is missing", "{"},
+        FaultCase{"MissingKeyOfADisk", R"("mediaName": "Stick",)", "", "disks[1].mediaName: the key is missing",
+                  R"("identifier": "disk2")", 1},
+        FaultCase{"MissingKeyOfAPartition", R"("offsetBytes": 211812352,)", "",
+                  "disks[1].partitions[1].offsetBytes: the key is missing", R"("identifier": "disk2s2")", 1},
+        FaultCase{"MissingKeyOfAVolume", R"("fileSystem": "exfat", "name": "DATA")", R"("name": "DATA")",
+                  "disks[1].partitions[1].volume.fileSystem: the key is missing"},
+        FaultCase{"TextForANumber", R"("sizeBytes": 16000000000)", R"("sizeBytes": "16 GB")",
+                  "disks[1].sizeBytes: must be a whole number"},
+        FaultCase{"ObjectForAListOfDisks", R"("shelf": [)", R"("shelf": {}, "drawer": [)", "shelf: must be a list"},
+        FaultCase{"NegativeNumber", R"("sizeBytes": 16000000000)", R"("sizeBytes": -1)",
+                  "disks[1].sizeBytes: must be a whole number"},
+        FaultCase{"NumberBeyond64Bits", R"("sizeBytes": 16000000000)", R"("sizeBytes": 18446744073709551616)",
+                  "disks[1].sizeBytes: must be a whole number"},
+        FaultCase{"NumberForAText", R"("mediaName": "Stick")", R"("mediaName": 7)",
+                  "disks[1].mediaName: must be a text"},
+        FaultCase{"TextForAFlag", R"("isReadOnly": true)", R"("isReadOnly": "yes")",
+                  "mounts[0].isReadOnly: must be true or false"},
+        FaultCase{"KeyTwice", R"("hardware": {"model": "iMac19,1"})", R"("hardware": 1, "shelf": {})",
+                  "shelf: the key stands twice"},
+        FaultCase{"UnknownSmartState", R"("smart": "failing")", R"("smart": "fine")",
+                  R"(disks[2].smart: must be "verified", "failing" or "notSupported")"},
+        FaultCase{"ForeignIdentifier", R"("identifier": "disk2s1")", R"("identifier": "disk9s1")",
+                  R"(disks[1].partitions[0].identifier: must be "disk2s" and a number)"},
+        FaultCase{"NumberNotYetGiven", R"("identifier": "disk3",)", R"("identifier": "disk5",)",
+                  R"(disks[2].identifier: must have a number below "nextDisk")"},
+        FaultCase{"IdentifierTwice", R"("identifier": "disk2s2")", R"("identifier": "disk2s1")",
+                  "disks[1].partitions[1].identifier: is another disk's", R"("offsetBytes": 211812352)", 3},
+        FaultCase{"MountOfNoVolume", R"("carrier": "disk2s2")", R"("carrier": "disk2")",
+                  "mounts[2].carrier: must be the identifier of a volume"},
+        FaultCase{"MountOfTheShelf", R"("carrier": "disk2s2")", R"("carrier": "disk4")",
+                  "mounts[2].carrier: must be the identifier of a volume"},
+        FaultCase{"MountPointThatLeadsElsewhere", "Volumes/DATA", "Volumes/../../etc",
+                  R"(mounts[2].mountPoint: must be "Volumes/NAME" or begin with "/")"},
+        FaultCase{"MountPointTwice", "Volumes/DATA", "/", "mounts[2].mountPoint: is taken by another volume",
+                  R"("carrier": "disk2s2")"},
+        FaultCase{"CarrierTwice", R"("carrier": "disk1s2")", R"("carrier": "disk1s1")",
+                  "mounts[1].carrier: is mounted already", "/System/Volumes/Data"},
+        FaultCase{"FolderThatLeadsElsewhere", R"("uuid": "AAAA-BBBB")", R"("uuid": "AAAA-BBBB", "content": "../..")",
+                  "disks[1].partitions[1].volume.content: must be the name of a folder"},
+        FaultCase{"FolderOfAnother", R"("uuid": "AAAA-BBBB")", R"("uuid": "AAAA-BBBB", "content": "APFS-1")",
+                  R"(disks[1].partitions[1].volume.content: "APFS-1" belongs to another volume)"},
+        FaultCase{"OddHexadecimalDigits", "00ff41", "00ff4", "nvram[1].valueHex: must be pairs of hexadecimal digits"},
+        FaultCase{"NoJsonInTheMiddle", R"("mediaName": "Stick",)", R"("mediaName": Stick,)",
+                  R"(disks[1].mediaName: not JSON at ""mediaName": S")"},
+        FaultCase{"LaterFormat", R"("format": 1)", R"("format": 2)", "format: must be 1"}),
+    [](const auto &info) { return std::string(info.param.name); });
+
+TEST(MachineFile, SaysWhereTheTextEndsTooEarly)
+{
+    const TestMachine machine;
+    machine.write("{\n  \"format\": 1,\n  \"password\": \"x\"\n");
+
+    EXPECT_THAT(errorOf(machine.file()), HasSubstr("machine.json:4: password: not JSON at "));
+}
+
+TEST(MachineFile, RefusesATextThatIsNestedTooDeeply)
+{
+    const TestMachine machine;
+    machine.write(R"({"format": 1, "x": )" + std::string(100'000, '[') + std::string(100'000, ']') + '}');
+
+    EXPECT_THAT(errorOf(machine.file()), EndsWith("nested too deeply"));
+}
+
+TEST(MachineFile, RefusesAListInThePlaceOfTheMachine)
+{
+    const TestMachine machine;
+    machine.write("[]");
+
+    EXPECT_THAT(errorOf(machine.file()), EndsWith("machine.json:1: must be an object"));
+}
+
+TEST(MachineFile, NamesTheFileThatIsMissing)
+{
+    const TestMachine machine;
+    std::filesystem::remove(machine.root() / "machine.json");
+
+    EXPECT_THAT(errorOf(machine.file()), HasSubstr((machine.root() / "machine.json").string()));
+}
+
+TEST(MachineFile, KeepsUnknownKeysAndTheirOrder)
+{
+    const TestMachine machine;
+
+    ASSERT_EQ(machine.diskutil({"rename", "disk2s2", "NEW"}).status, 0);
+
+    const auto json = machine.json();
+    EXPECT_EQ(json["owner"], "somebody");
+    EXPECT_EQ(json["hardware"]["model"], "iMac19,1");
+    EXPECT_EQ(json["disks"][1]["partitions"][1]["note"], "kept");
+    EXPECT_EQ(json.begin().key(), "format");
+}
+
+TEST(MachineFile, GivesTheHardwareAsItStands)
+{
+    const TestMachine machine;
+
+    EXPECT_EQ(machine.file().hardware(), "{\n  \"model\": \"iMac19,1\"\n}\n");
+}
+
+TEST(MachineFile, KeepsItsPermissionsAndLeavesNoOtherFile)
+{
+    const TestMachine machine;
+    ::chmod((machine.root() / "machine.json").c_str(), 0600);
+
+    ASSERT_EQ(machine.diskutil({"rename", "disk2s2", "NEW"}).status, 0);
+
+    struct stat status {};
+    ASSERT_EQ(::stat((machine.root() / "machine.json").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0600U);
+    EXPECT_FALSE(machine.hasFile("machine.json.new"));
+}
+
+TEST(MachineFile, IsAsItWasWhenItCannotBeWritten)
+{
+    const TestMachine machine;
+    machine.writeFile("Volumes/DATA/file", "x");
+    std::filesystem::create_directories(machine.root() / "machine.json.new"); // stands in the way of the new text
+
+    EXPECT_THROW((void)machine.diskutil({"unmount", "disk2s2"}), MachineFileError);
+
+    EXPECT_EQ(machine.text(), sampleMachineText());
+    EXPECT_TRUE(machine.hasFile("Volumes/DATA/file"));
+}
+
+TEST(MachineFile, IsFoundByThePathOfAToolThatIsALink)
+{
+    const TestMachine machine;
+
+    EXPECT_EQ(MachineFile::findRoot(machine.root() / "usr/sbin/diskutil"), machine.root());
+    EXPECT_EQ(MachineFile::findRoot(machine.root() / "bin/df"), machine.root());
+    EXPECT_EQ(MachineFile::findRoot(machine.root() / "a/b/c/tool"), std::nullopt);
+}
+
+TEST(MachineFile, FinishesAMountThatWasCutShort)
+{
+    const TestMachine machine;
+    machine.writeFile("contents/22222222-0000-4000-8000-000000000002/file", "x"); // written as mounted, not yet moved
+
+    machine.file().settle();
+
+    EXPECT_TRUE(machine.hasFile("Volumes/DATA/file"));
+    EXPECT_FALSE(machine.hasFile("contents/22222222-0000-4000-8000-000000000002"));
+}
+
+TEST(MachineFile, MakesTheFolderOfAMountThatHasNone)
+{
+    const TestMachine machine;
+
+    machine.file().settle();
+
+    EXPECT_TRUE(machine.hasFile("Volumes/DATA"));
+}
+
+} // namespace
+} // namespace brindle::tools
