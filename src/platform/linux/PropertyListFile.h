@@ -3,6 +3,7 @@
 #include "base/Error.h"
 #include "platform/UserDefaults.h"
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -11,6 +12,9 @@ namespace brindle {
 
 // The XML form of property lists (the document type "-//Apple//DTD PLIST 1.0//EN"), as bytes; nothing here touches a
 // file.
+
+/// How deep arrays and dictionaries nest below the top: reading and writing recurse, and no text may exhaust the stack.
+inline constexpr std::size_t kMaxPropertyListDepth = 100;
 
 /// The dictionary that \a bytes hold, or what is wrong with them: domain "PropertyListError", the line and the reason.
 ///
