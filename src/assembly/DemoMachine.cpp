@@ -28,15 +28,29 @@ fs::path makeFolder()
     return pattern;
 }
 
+/// Copies a folder. Its links to the tools, which lie beside it, become absolute: they hold at any place then.
+void copyMachine(const fs::path &from, const fs::path &to)
+{
+    fs::copy(from, to, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+    for (const fs::directory_entry &entry : fs::recursive_directory_iterator(from)) {
+        if (!entry.is_symlink())
+            continue;
+        const fs::path link = to / fs::relative(entry.path().parent_path(), from) / entry.path().filename();
+        fs::remove(link);
+        fs::create_symlink(fs::canonical(entry.path()), link);
+    }
+}
+
 } // namespace
 
 DemoMachine::DemoMachine() : m_folder(makeFolder())
 {
-    std::error_code error;
-    fs::copy(shippedMachine(), m_folder, fs::copy_options::recursive | fs::copy_options::copy_symlinks, error);
-    if (error) {
+    try {
+        copyMachine(shippedMachine(), m_folder);
+    } catch (const fs::filesystem_error &error) {
         fs::remove_all(m_folder);
-        throw Error::fromErrno(error.value(), "The demo machine can't be copied");
+        throw Error("DemoMachine", error.code().value(),
+                    std::string("The demo machine can't be copied: ") + error.what());
     }
 }
 
