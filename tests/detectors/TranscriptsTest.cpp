@@ -3,18 +3,22 @@
 // BRINDLE_TRANSCRIPTS names the folder of the texts, whose INDEX.tsv tells the kind of each; without it there is
 // nothing to read. BRINDLE_UPDATE_GOLDEN=1 writes tests/golden anew: review the difference before you keep it.
 
+#include "base/BlockOn.h"
 #include "base/Text.h"
-#include "detectors/DiskDetectorFixture.h"
+#include "detectors/DiskDetector.h"
 #include "detectors/EFIPartitionReader.h"
 #include "detectors/ToolText.h"
 #include "state/DiskutilListSections.h"
+#include "support/FakeToolRunner.h"
 #include "support/Fixtures.h"
+#include "support/MemoryUserDefaults.h"
 
 #include <gtest/gtest.h>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <filesystem>
@@ -83,7 +87,7 @@ std::string readingOfList(std::string_view list)
     FakeToolRunner tools;
     for (const auto &[disk, section] : sections)
         tools.answer("/usr/sbin/diskutil list " + disk, section);
-    const FixedDefaults defaults;
+    const MemoryUserDefaults defaults;
     DiskDetector detector(tools, ToolPaths::system(), defaults);
 
     std::string reading = fmt::format("{}\n", DiskDetector::parseDiskIdentifiers(list));
