@@ -9,6 +9,7 @@ namespace brindle::tools {
 namespace {
 
 constexpr int kRenames = 50;
+constexpr int kRenamesWhileReading = 10;
 
 /// A machine with a disk of 2 * kRenames volumes, disk2s1 and so on.
 void writeManyVolumes(const TestMachine &machine)
@@ -28,10 +29,10 @@ void writeManyVolumes(const TestMachine &machine)
 }
 
 /// Renames disk2s1, disk2s2, ... one after the other, each by a process of its own.
-int renameFrom(const std::string &diskutil, int first)
+int renameFrom(const std::string &diskutil, int first, int count)
 {
     int failed = 0;
-    for (int number = first; number < first + kRenames; ++number)
+    for (int number = first; number < first + count; ++number)
         failed += runProgram({diskutil, "rename", fmt::format("disk2s{}", number), fmt::format("N{}", number)}).status;
     return failed;
 }
@@ -43,8 +44,8 @@ TEST(ManyWriters, LoseNothingOfEachOther)
     machine.install("usr/sbin/diskutil", DISKUTIL_TOOL);
     const std::string diskutil = (machine.root() / "usr/sbin/diskutil").string();
 
-    auto other = std::async(std::launch::async, renameFrom, diskutil, 1);
-    const int failed = renameFrom(diskutil, 1 + kRenames);
+    auto other = std::async(std::launch::async, renameFrom, diskutil, 1, kRenames);
+    const int failed = renameFrom(diskutil, 1 + kRenames, kRenames);
 
     EXPECT_EQ(other.get() + failed, 0);
     for (int number = 1; number <= 2 * kRenames; ++number)
@@ -58,7 +59,7 @@ TEST(ManyWriters, LetAReaderSeeWholeFilesOnly)
     machine.install("usr/sbin/diskutil", DISKUTIL_TOOL);
     const std::string diskutil = (machine.root() / "usr/sbin/diskutil").string();
 
-    auto writer = std::async(std::launch::async, renameFrom, diskutil, 1);
+    auto writer = std::async(std::launch::async, renameFrom, diskutil, 1, kRenamesWhileReading);
     int readings = 0;
     while (writer.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
         EXPECT_EQ(machine.file().read().inventory.disks.size(), 3U);
