@@ -39,8 +39,9 @@ ExitStatus onMachine(const Options &options, Run run)
 {
     if (!options.demo)
         return run(makePlatform(changesOfEnvironment()));
-    std::optional<DemoMachine> demo(std::in_place);
+    std::optional<DemoMachine> demo;
     const Interruption interruption([&] { demo.reset(); });
+    demo.emplace();
     return run(makePlatform(demo->platformChanges()));
 }
 

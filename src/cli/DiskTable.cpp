@@ -20,6 +20,17 @@ constexpr std::string_view kNothing = "–";
 struct Cell {
     std::string text;
     Style style = Style::plain;
+    std::string path = {}; ///< Stands behind the text, and is cut at its start.
+
+    [[nodiscard]] std::string whole() const { return text + path; }
+
+    [[nodiscard]] std::string cutTo(std::size_t width) const
+    {
+        const std::size_t textWidth = displayWidth(text);
+        if (path.empty() || textWidth >= width)
+            return elided(whole(), width);
+        return text + elidedAtStart(path, width - textWidth);
+    }
 };
 
 /// The last cell of a line runs on to its end, whatever the columns are.
@@ -67,7 +78,7 @@ Line partitionLine(const EFIPartition &partition)
 {
     const std::string label = visibleText(partition.volumeName.value_or(""));
     const Cell state = partition.isMounted
-                           ? Cell{"mounted at " + visibleText(partition.mountPoint.value_or("")), Style::good}
+                           ? Cell{"mounted at ", Style::good, visibleText(partition.mountPoint.value_or(""))}
                            : Cell{"not mounted", Style::dim};
     return {{"  " + partition.identifier, Style::dim}, {label}, {"EFI", Style::dim}, state};
 }
@@ -79,7 +90,7 @@ Widths naturalWidths(const std::vector<Line> &lines)
         for (std::size_t column = 0; column < line.size(); ++column) {
             // A cell that runs on to the end of its line needs no width of a middle column.
             if (column + 1 < line.size() || column + 1 == columnCount)
-                widths[column] = std::max(widths[column], displayWidth(line[column].text));
+                widths[column] = std::max(widths[column], displayWidth(line[column].whole()));
         }
     }
     return widths;
@@ -119,9 +130,9 @@ std::string printed(const Line &line, const Widths &widths, const Terminal &term
         const Cell &cell = line[column];
         if (column + 1 == line.size()) {
             const std::size_t rest = remainingWidth(column, widths, terminal);
-            result += styled(rest == 0 ? cell.text : elided(cell.text, rest), cell.style, terminal);
+            result += styled(rest == 0 ? cell.whole() : cell.cutTo(rest), cell.style, terminal);
         } else {
-            const std::string text = elided(cell.text, widths[column]);
+            const std::string text = cell.cutTo(widths[column]);
             const std::string blanks(widths[column] - displayWidth(text), ' ');
             const std::string shown = styled(text, cell.style, terminal);
             result += (column == size ? blanks + shown : shown + blanks) + std::string(kGap, ' ');

@@ -114,10 +114,14 @@ std::string elided(std::string_view text, std::size_t width)
     return width == 0 ? std::string() : std::string(text.substr(0, kept)) + "…";
 }
 
-std::string padded(std::string_view text, std::size_t width)
+std::string elidedAtStart(std::string_view text, std::size_t width)
 {
-    const std::size_t used = displayWidth(text);
-    return std::string(text) + std::string(used < width ? width - used : 0, ' ');
+    std::size_t cells = displayWidth(text);
+    if (cells <= width)
+        return std::string(text);
+    while (!text.empty() && cells + 1 > width)
+        cells -= cellsOf(takeCharacter(text));
+    return width == 0 ? std::string() : "…" + std::string(text);
 }
 
 } // namespace brindle

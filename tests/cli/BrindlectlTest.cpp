@@ -35,20 +35,28 @@ struct Outcome {
 
 class Brindlectl : public testing::Test {
 protected:
-    Outcome run(const std::vector<std::string> &arguments, const QString &standardOutput = {})
+    Brindlectl() { std::filesystem::create_directory(temporary); }
+
+    void start(QProcess &process, const std::vector<std::string> &arguments)
     {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("BRINDLE_TOOL_ROOT"), QString::fromStdString(machine.root().string()));
         environment.insert(QStringLiteral("XDG_CONFIG_HOME"),
                            QString::fromStdString((machine.root() / "config").string()));
+        environment.insert(QStringLiteral("TMPDIR"), QString::fromStdString(temporary.string()));
         QStringList list;
         for (const std::string &argument : arguments)
             list << QString::fromStdString(argument);
-        QProcess process;
         process.setProcessEnvironment(environment);
+        process.start(QStringLiteral(BRINDLECTL), list);
+    }
+
+    Outcome run(const std::vector<std::string> &arguments, const QString &standardOutput = {})
+    {
+        QProcess process;
         if (!standardOutput.isEmpty())
             process.setStandardOutputFile(standardOutput);
-        process.start(QStringLiteral(BRINDLECTL), list);
+        start(process, arguments);
         EXPECT_TRUE(process.waitForFinished(60'000));
         EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
         return {process.exitCode(), process.readAllStandardOutput().toStdString(),
@@ -56,6 +64,7 @@ protected:
     }
 
     SimulatedMachine machine;
+    std::filesystem::path temporary = machine.root() / "tmp";
 };
 
 TEST_F(Brindlectl, ListsAMachineAsJsonAndPrintsNothingElse)
@@ -165,6 +174,34 @@ TEST_F(Brindlectl, KeepsTheDisksThatAnotherDisksKilledToolLeaves)
                                     "echo '/dev/disk1 (internal, physical):'\n");
 
     EXPECT_EQ(run({"list", "--json"}).identifiers(), std::vector<std::string>{"disk0"});
+}
+
+// --- the demo machine
+
+TEST_F(Brindlectl, ListsTheDemoMachineAndLeavesNothingOfIt)
+{
+    const Outcome list = run({"list", "--demo", "--json"});
+
+    EXPECT_EQ(list.identifiers(), (std::vector<std::string>{"disk0", "disk2", "disk3", "disk4", "disk5"}));
+    EXPECT_TRUE(std::filesystem::is_empty(temporary));
+    EXPECT_TRUE(machine.calls().empty());
+}
+
+TEST_F(Brindlectl, LeavesNothingOfTheDemoMachineWhenItIsInterrupted)
+{
+    int interrupted = 0;
+    for (int round = 0; round < 20; ++round) {
+        QProcess process;
+        start(process, {"list", "--demo"});
+        while (process.state() != QProcess::NotRunning && std::filesystem::is_empty(temporary))
+            process.waitForFinished(1);
+        process.terminate();
+        ASSERT_TRUE(process.waitForFinished(10'000));
+
+        interrupted += process.exitStatus() == QProcess::CrashExit ? 1 : 0;
+        EXPECT_TRUE(std::filesystem::is_empty(temporary));
+    }
+    EXPECT_GT(interrupted, 0) << "every list ended before it could be interrupted";
 }
 
 // --- the command line

@@ -62,6 +62,17 @@ TEST(DiskTable, FitsEightyColumnsByCuttingVolumesFirstAndThenNames)
     EXPECT_THAT(table, HasSubstr("Macintosh…"));
 }
 
+TEST(DiskTable, CutsTheStartOfALongMountPoint)
+{
+    PhysicalDisk disk = openCoreStick();
+    disk.efiPartitions[0].mountPoint = "/run/media/somebody/with/a/long/way/to/OPENCORE";
+
+    const std::string table = diskTable({disk}, {.width = 80});
+
+    EXPECT_THAT(table, HasSubstr("mounted at …"));
+    EXPECT_THAT(table, HasSubstr("/way/to/OPENCORE\n"));
+}
+
 TEST(DiskTable, AlignsByCellsNotByCharacters)
 {
     PhysicalDisk wide = internalDisk();

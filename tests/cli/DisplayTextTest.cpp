@@ -63,6 +63,15 @@ TEST(DisplayText, CutsByCellsAndNeverThroughAWideCharacter)
     EXPECT_EQ(elided("EFI", 0), "");
 }
 
+TEST(DisplayText, KeepsTheEndOfAPath)
+{
+    EXPECT_EQ(elidedAtStart("/Volumes/EFI", 12), "/Volumes/EFI");
+    EXPECT_EQ(elidedAtStart("/Volumes/EFI", 5), "…/EFI");
+    EXPECT_EQ(elidedAtStart("/Volumes/无标", 5), "…无标");
+    EXPECT_EQ(elidedAtStart("/Volumes/无标", 4), "…标");
+    EXPECT_EQ(elidedAtStart("/Volumes/EFI", 0), "");
+}
+
 TEST(DisplayText, KeepsTheMarksOfTheLastCharacterWhenItCuts)
 {
     EXPECT_EQ(elided("ae\u0301iou", 3), "ae\u0301…");
