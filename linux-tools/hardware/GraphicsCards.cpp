@@ -4,7 +4,7 @@
 #include "hardware/LineReading.h"
 #include "hardware/PciNames.h"
 #include "hardware/SystemFiles.h"
-#include "hardware/UdevRecord.h"
+#include "hardware/UdevProperties.h"
 
 #include <fmt/format.h>
 
@@ -76,7 +76,7 @@ std::vector<Display> displaysOf(const fs::path &device)
 /// udev's names, which everybody has, before those of the database that is a package of its own.
 PciNames namesOf(const fs::path &root, std::string_view address, std::uint16_t vendorId, std::uint16_t deviceId)
 {
-    PciNames names = pciNames(UdevRecord(fileBytes(root / "run/udev/data" / fmt::format("+pci:{}", address))));
+    PciNames names = pciNames(UdevProperties(fileBytes(root / "run/udev/data" / fmt::format("+pci:{}", address))));
     for (auto file = kPciDatabases.begin(); names.device.empty() && file != kPciDatabases.end(); ++file)
         names = findPciNames(fileBytes(root / *file), vendorId, deviceId);
     return names;

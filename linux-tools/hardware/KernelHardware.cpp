@@ -6,7 +6,7 @@
 #include "hardware/LineReading.h"
 #include "hardware/Smbios.h"
 #include "hardware/SystemFiles.h"
-#include "hardware/UdevRecord.h"
+#include "hardware/UdevProperties.h"
 
 #include <algorithm>
 #include <array>
@@ -112,7 +112,7 @@ Memory KernelHardware::readMemory() const
 {
     Memory memory{.slots = memorySlots(fileBytes(m_root / "sys/firmware/dmi/tables/DMI"))};
     if (memory.slots.empty())
-        memory.slots = memorySlots(UdevRecord(fileBytes(m_root / "run/udev/data/+dmi:id")));
+        memory.slots = memorySlots(UdevProperties(fileBytes(m_root / "run/udev/data/+dmi:id")));
     memory.sizeBytes = std::accumulate(memory.slots.begin(), memory.slots.end(), std::uint64_t{0},
                                        [](std::uint64_t sum, const MemorySlot &slot) { return sum + slot.sizeBytes; });
     if (memory.sizeBytes == 0)

@@ -1,7 +1,7 @@
 #include "hardware/PciNames.h"
 
 #include "hardware/LineReading.h"
-#include "hardware/UdevRecord.h"
+#include "hardware/UdevProperties.h"
 
 #include <fmt/format.h>
 
@@ -65,7 +65,7 @@ PciNames findPciNames(std::string_view pciIds, std::uint16_t vendorId, std::uint
             .device = std::string(behind(devicesOf(fromVendor.substr(1)), fmt::format("\n\t{:04x}  ", deviceId)))};
 }
 
-PciNames pciNames(const UdevRecord &record)
+PciNames pciNames(const UdevProperties &record)
 {
     return {.vendor = record.property("ID_VENDOR_FROM_DATABASE"), .device = record.property("ID_MODEL_FROM_DATABASE")};
 }

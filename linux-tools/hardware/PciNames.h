@@ -6,7 +6,7 @@
 
 namespace brindle::tools {
 
-class UdevRecord;
+class UdevProperties;
 
 /// How a database of PCI devices calls a device; empty where it does not know it.
 struct PciNames {
@@ -19,7 +19,7 @@ struct PciNames {
 [[nodiscard]] PciNames findPciNames(std::string_view pciIds, std::uint16_t vendorId, std::uint16_t deviceId);
 
 /// The names that udev keeps with a device.
-[[nodiscard]] PciNames pciNames(const UdevRecord &record);
+[[nodiscard]] PciNames pciNames(const UdevProperties &record);
 
 /// A vendor in one or two words: "AMD" for 0x1002; of vendors of no graphics cards the name without its legal form.
 [[nodiscard]] std::string shortVendor(std::uint16_t vendorId, std::string_view vendorName);

@@ -154,10 +154,10 @@ private:
         return volume;
     }
 
-    Carrier &readCarrier(const JsonObject &object, const std::string &identifier, std::uint64_t sizeBytes,
-                         const std::string &content)
+    DescribedCarrier &readCarrier(const JsonObject &object, const std::string &identifier, std::uint64_t sizeBytes,
+                                  const std::string &content)
     {
-        Carrier &carrier = m_machine.carriers[identifier];
+        DescribedCarrier &carrier = m_machine.carriers[identifier];
         carrier.sizeBytes = sizeBytes;
         carrier.content = object.textOr("content", content);
         if (!isFolderName(carrier.content))

@@ -19,7 +19,7 @@ struct Dissenter {
 };
 
 /// What a machine file says of a disk, a partition or an APFS volume beyond the inventory.
-struct Carrier {
+struct DescribedCarrier {
     std::string content;                ///< Name of the folder under contents/ that holds its files; empty without any.
     std::string holder;                 ///< What uses it ("swap"), so that it must not be erased; empty for nothing.
     std::optional<Space> space;         ///< How full it is; absent: as full as its folder.
@@ -29,11 +29,11 @@ struct Carrier {
 
 /// A machine as its file describes it.
 struct Machine {
-    std::string password;                    ///< The administrator's, for the simulated sudo.
-    std::uint64_t nextDisk = 0;              ///< N of the next diskN: greater than each that ever was.
-    Inventory inventory;                     ///< What is plugged in; mount points as written in the file.
-    std::vector<Disk> shelf;                 ///< What is plugged out, under its last identifiers.
-    std::map<std::string, Carrier> carriers; ///< By identifier, those on the shelf too.
+    std::string password;                             ///< The administrator's, for the simulated sudo.
+    std::uint64_t nextDisk = 0;                       ///< N of the next diskN: greater than each that ever was.
+    Inventory inventory;                              ///< What is plugged in; mount points as written in the file.
+    std::vector<Disk> shelf;                          ///< What is plugged out, under its last identifiers.
+    std::map<std::string, DescribedCarrier> carriers; ///< By identifier, those on the shelf too.
     std::vector<NvramVariable> nvram;
 };
 

@@ -46,7 +46,7 @@ std::optional<NvramVariable> MachineFileInventory::nvramVariable(std::string_vie
 
 Space MachineFileInventory::spaceOf(const Machine &machine, const std::string &carrier) const
 {
-    const Carrier &described = machine.carriers.at(carrier);
+    const DescribedCarrier &described = machine.carriers.at(carrier);
     if (described.space)
         return *described.space;
     Space space{.totalBytes = described.sizeBytes};

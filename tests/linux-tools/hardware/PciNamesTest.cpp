@@ -1,5 +1,5 @@
 #include "hardware/PciNames.h"
-#include "hardware/UdevRecord.h"
+#include "hardware/UdevProperties.h"
 
 #include <gtest/gtest.h>
 
@@ -53,8 +53,8 @@ TEST(PciNames, FindsNothingInAnEmptyDatabase)
 TEST(PciNames, ReadsTheNamesThatUdevKeeps)
 {
     const PciNames names =
-        pciNames(UdevRecord("I:12\nE:ID_VENDOR_FROM_DATABASE=Intel Corporation\n"
-                            "E:ID_MODEL_FROM_DATABASE=Alder Lake-P GT2 [Iris Xe Graphics]\nQ:seat\n"));
+        pciNames(UdevProperties("I:12\nE:ID_VENDOR_FROM_DATABASE=Intel Corporation\n"
+                                "E:ID_MODEL_FROM_DATABASE=Alder Lake-P GT2 [Iris Xe Graphics]\nQ:seat\n"));
 
     EXPECT_EQ(names.vendor, "Intel Corporation");
     EXPECT_EQ(names.device, "Alder Lake-P GT2 [Iris Xe Graphics]");

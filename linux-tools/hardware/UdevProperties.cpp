@@ -1,4 +1,4 @@
-#include "hardware/UdevRecord.h"
+#include "hardware/UdevProperties.h"
 
 #include "hardware/FirmwareText.h"
 #include "hardware/LineReading.h"
@@ -10,7 +10,7 @@
 
 namespace brindle::tools {
 
-UdevRecord::UdevRecord(std::string_view file)
+UdevProperties::UdevProperties(std::string_view file)
 {
     constexpr std::string_view kProperty = "E:";
     while (!file.empty()) {
@@ -24,13 +24,13 @@ UdevRecord::UdevRecord(std::string_view file)
     }
 }
 
-std::string UdevRecord::property(const std::string &name) const
+std::string UdevProperties::property(const std::string &name) const
 {
     const auto found = m_properties.find(name);
     return found == m_properties.end() ? std::string() : found->second;
 }
 
-std::vector<MemorySlot> memorySlots(const UdevRecord &record)
+std::vector<MemorySlot> memorySlots(const UdevProperties &record)
 {
     constexpr std::uint64_t kMostSlots = 1024;          // more than any board has
     constexpr std::string_view kFirmwareChip = "Flash"; // the firmware's own, which is no main memory
