@@ -4,6 +4,7 @@
 
 #include "platform/linux/FileDescriptor.h"
 #include "platform/linux/RealChild.h"
+#include "support/Sanitizer.h"
 
 #include <gtest/gtest.h>
 
@@ -134,6 +135,8 @@ class LinuxChildProcessWithTooFewDescriptors : public testing::TestWithParam<std
 
 TEST_P(LinuxChildProcessWithTooFewDescriptors, IsNotStartedAtAll)
 {
+    if (kSanitizerNeedsDescriptors)
+        GTEST_SKIP() << "the sanitizer needs a descriptor of its own";
     std::optional<FewDescriptors> few(GetParam());
 
     const Child child({"/bin/true", {}, std::nullopt});
@@ -149,6 +152,8 @@ INSTANTIATE_TEST_SUITE_P(Free, LinuxChildProcessWithTooFewDescriptors, testing::
 
 TEST(LinuxChildProcess, NeedsNoMoreDescriptorsThanItsTwoPipes)
 {
+    if (kSanitizerNeedsDescriptors)
+        GTEST_SKIP() << "the sanitizer needs a descriptor of its own";
     std::optional<FewDescriptors> few(4);
 
     const Child child(shell("exit 6"));

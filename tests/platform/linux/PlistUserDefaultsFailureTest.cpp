@@ -2,6 +2,7 @@
 
 #include "platform/linux/PlistUserDefaultsFixture.h"
 #include "support/ChildOfTest.h"
+#include "support/Sanitizer.h"
 
 #include <fcntl.h>
 #include <sched.h>
@@ -270,6 +271,8 @@ TEST_F(PlistUserDefaultsFailureTest, KeepsItsChangesWhileTheFolderIsReadOnly)
 
 TEST_F(PlistUserDefaultsFailureTest, SetsNothingAsideForWantOfDescriptors)
 {
+    if (kSanitizerNeedsDescriptors)
+        GTEST_SKIP() << "the sanitizer needs a descriptor of its own";
     writeFile(Dictionary{{"LaunchMode", "window"}});
 
     const pid_t child = startChild([&] {
