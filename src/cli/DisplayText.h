@@ -18,7 +18,8 @@ namespace brindle {
 /// \a text cut to at most \a width cells, with "…" in the last one where anything was cut.
 [[nodiscard]] std::string elided(std::string_view text, std::size_t width);
 
-/// \a text without its beginning, "…" in its place, where it is wider than \a width cells: the end of a path tells most.
+/// \a text without its beginning, "…" in its place, where it is wider than \a width cells: the end of a path tells
+/// most.
 [[nodiscard]] std::string elidedAtStart(std::string_view text, std::size_t width);
 
 } // namespace brindle
