@@ -1,5 +1,7 @@
 #include "platform/linux/PosixSpawn.h"
 
+#include <fmt/format.h>
+
 #include <cerrno>
 #include <csignal>
 #include <utility>
@@ -82,7 +84,7 @@ CStrings assignmentsOf(const std::map<std::string, std::string> &environment)
 {
     std::vector<std::string> assignments;
     for (const auto &[name, value] : environment)
-        assignments.push_back(name + '=' + value);
+        assignments.push_back(fmt::format("{}={}", name, value));
     return CStrings(std::move(assignments));
 }
 
