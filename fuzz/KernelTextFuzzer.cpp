@@ -6,7 +6,7 @@
 #include "kernel/BlockDevices.h"
 #include "kernel/MountTable.h"
 #include "kernel/PartitionTypes.h"
-#include "kernel/UdevProperties.h"
+#include "kernel/UdevRecord.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -41,7 +41,7 @@ void readIdentifier(std::string_view text)
 
 void readRecord(std::string_view text)
 {
-    const UdevProperties record = parseUdevProperties(text);
+    const UdevRecord record = parseUdevRecord(text);
     require(!record.volume || !record.volume->fileSystem.empty(), "a volume has a type");
     require(decodeUdevText(text).size() <= text.size(), "decoding makes nothing longer");
     const std::string name = partitionTypeName(record.entryTable, record.entryType);
