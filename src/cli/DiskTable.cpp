@@ -114,13 +114,15 @@ void fit(Widths &widths, const Terminal &terminal)
     shrink(widths[name], kNarrowestName, tooMuch);
 }
 
-/// Cells from a column to the end of the line; 0 where nothing is cut.
+/// Cells from a column to the end of the line, one at least; all there are where nothing is cut.
 std::size_t remainingWidth(std::size_t column, const Widths &widths, const Terminal &terminal)
 {
+    if (terminal.width == 0)
+        return std::string::npos;
     std::size_t used = 0;
     for (std::size_t before = 0; before < column; ++before)
         used += widths[before] + kGap;
-    return terminal.width > used ? terminal.width - used : 0;
+    return terminal.width > used ? terminal.width - used : 1;
 }
 
 std::string printed(const Line &line, const Widths &widths, const Terminal &terminal)
@@ -129,8 +131,7 @@ std::string printed(const Line &line, const Widths &widths, const Terminal &term
     for (std::size_t column = 0; column < line.size(); ++column) {
         const Cell &cell = line[column];
         if (column + 1 == line.size()) {
-            const std::size_t rest = remainingWidth(column, widths, terminal);
-            result += styled(rest == 0 ? cell.whole() : cell.cutTo(rest), cell.style, terminal);
+            result += styled(cell.cutTo(remainingWidth(column, widths, terminal)), cell.style, terminal);
         } else {
             const std::string text = cell.cutTo(widths[column]);
             const std::string blanks(widths[column] - displayWidth(text), ' ');
