@@ -6,6 +6,8 @@
 
 #include <functional>
 #include <map>
+#include <memory>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -122,14 +124,25 @@ std::string fishScript(const CLI::App &app)
     return script;
 }
 
-} // namespace
-
 ExitStatus printCompletions(const CLI::App &app, const std::string &shell)
 {
     const std::map<std::string, std::function<std::string(const CLI::App &)>> scripts{
         {"bash", bashScript}, {"zsh", zshScript}, {"fish", fishScript}};
     fmt::print("{}", scripts.at(shell)(app));
     return ExitStatus::done;
+}
+
+} // namespace
+
+void addCompletionCommand(CLI::App &app, Command &command)
+{
+    CLI::App *completion = app.add_subcommand("completion", "Print a shell's completion script for brindlectl");
+    const auto shell = std::make_shared<std::string>();
+    completion->add_option("shell", *shell, "The shell")
+        ->required()
+        ->check(CLI::IsMember(std::vector<std::string>{"bash", "zsh", "fish"}));
+    completion->callback(
+        [&app, &command, shell] { command = [&app, shell] { return printCompletions(app, *shell); }; });
 }
 
 } // namespace brindle

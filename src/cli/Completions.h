@@ -1,16 +1,10 @@
 #pragma once
 
-#include "cli/ExitStatus.h"
-
-#include <string>
-
-namespace CLI {
-class App;
-}
+#include "cli/Command.h"
 
 namespace brindle {
 
-/// Prints the completion script of \a shell ("bash", "zsh" or "fish") for the commands and options of \a app.
-ExitStatus printCompletions(const CLI::App &app, const std::string &shell);
+/// Adds `completion`: prints a shell's completion script for the commands and options of \a app.
+void addCompletionCommand(CLI::App &app, Command &command);
 
 } // namespace brindle
