@@ -17,6 +17,7 @@ public:
 private:
     Platform m_platform;
     ToolRunner m_toolRunner;
+    SystemInfoDetector m_systemInfoDetector;
     DiskManager m_diskManager;
 };
 
