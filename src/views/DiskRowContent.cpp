@@ -92,7 +92,7 @@ void addSystems(std::vector<RowText> &indicators, const PhysicalDisk &disk)
         indicators.push_back(detail("Windows", Colors::kGray));
     if (disk.hasLinux)
         indicators.push_back(detail("Linux", Colors::kPurple));
-    else if (disk.hasExFAT)
+    if (disk.hasExFAT)
         indicators.push_back(detail("ExFAT", Colors::kRed));
 }
 
