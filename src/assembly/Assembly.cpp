@@ -9,7 +9,8 @@ Assembly::Assembly(Platform platform)
       m_toolRunner(*m_platform.childProcesses, *m_platform.scheduler),
       m_systemInfoDetector(m_toolRunner, m_platform.toolPaths),
       m_diskManager(m_toolRunner, m_platform.toolPaths, *m_platform.userDefaults, *m_platform.scheduler,
-                    m_systemInfoDetector)
+                    m_systemInfoDetector),
+      m_viewHeightCalculator(*m_platform.userDefaults)
 {
 }
 
