@@ -4,6 +4,7 @@
 #include "records/ToolRunner.h"
 #include "shell/ViewHeightCalculator.h"
 #include "state/DiskManager.h"
+#include "sysinfo/SystemInfoDetector.h"
 
 namespace brindle {
 
@@ -14,6 +15,7 @@ public:
     explicit Assembly(Platform platform);
 
     [[nodiscard]] UserDefaults &userDefaults() { return *m_platform.userDefaults; }
+    [[nodiscard]] SystemInfoDetector &systemInfoDetector() { return m_systemInfoDetector; }
     [[nodiscard]] DiskManager &diskManager() { return m_diskManager; }
     [[nodiscard]] const ViewHeightCalculator &viewHeightCalculator() const { return m_viewHeightCalculator; }
 

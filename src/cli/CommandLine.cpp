@@ -9,6 +9,7 @@
 #include "cli/InfoCommand.h"
 #include "cli/ListCommand.h"
 #include "cli/RowsCommand.h"
+#include "cli/SystemCommand.h"
 
 #include <CLI/CLI.hpp>
 
@@ -56,6 +57,7 @@ int runCommandLine(int argc, char **argv)
     addRowsCommand(app, options, command);
     addHeightCommand(app, options, command);
     addIconStateCommand(app, options, command);
+    addSystemCommand(app, options, command);
     addCompletionCommand(app, command);
 
     try {
