@@ -44,8 +44,8 @@ TEST_F(Brindlectl, PrintsAPlainTableWhenNotOnATerminal)
     const Outcome list = run({"list"});
 
     EXPECT_EQ(list.status, 0);
-    EXPECT_EQ(list.output, "DISK       NAME       TYPE          SIZE  SMART     VOLUMES\n"
-                           "disk0      APPLE SSD  internal  500.3 GB  verified\n"
+    EXPECT_EQ(list.output, "DISK       NAME       TYPE          SIZE  USED  SMART     HOLDS  VOLUMES\n"
+                           "disk0      APPLE SSD  internal  500.3 GB     –  verified  –\n"
                            "  disk0s1  EFI        EFI       not mounted\n");
 }
 
