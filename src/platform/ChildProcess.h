@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Error.h"
+#include "base/Secret.h"
 
 #include <functional>
 #include <map>
@@ -18,6 +19,9 @@ struct ChildProcessCommand {
     std::vector<std::string> arguments; ///< Without the program's name.
     /// The child's whole environment; the parent's own, untouched, where it is absent.
     std::optional<std::map<std::string, std::string>> environment;
+    /// All that the child's standard input holds; the parent's own standard input where it is absent. The start fails
+    /// where it doesn't fit into a pipe, which holds 4 KiB at least.
+    std::optional<Secret> standardInput = {};
 };
 
 /// How a child process ended and what it had written by then.
@@ -51,8 +55,8 @@ public:
 
     virtual ~ChildProcessLauncher() = default;
 
-    /// Starts \a command; its standard input is the caller's. \a ended is called exactly once, from the event loop,
-    /// never inside launch(), also where the start fails; a dropped ChildProcess still reports.
+    /// Starts \a command. \a ended is called exactly once, from the event loop, never inside launch(), also where the
+    /// start fails; a dropped ChildProcess still reports.
     virtual std::unique_ptr<ChildProcess> launch(ChildProcessCommand command, Ended ended) = 0;
 };
 
