@@ -26,6 +26,9 @@ public:
     explicit operator bool() const { return m_descriptor >= 0; }
     [[nodiscard]] int value() const { return m_descriptor; }
 
+    /// Closes it before its end; false where the system has a complaint, which errno names.
+    [[nodiscard]] bool close() { return ::close(std::exchange(m_descriptor, -1)) == 0; }
+
 private:
     int m_descriptor = -1;
 };

@@ -1,0 +1,56 @@
+#include "platform/linux/LinuxFileManager.h"
+
+#include "platform/linux/FolderEntries.h"
+#include "platform/linux/TreeCopy.h"
+#include "platform/linux/TreeRemoval.h"
+
+#include "base/OnWorker.h"
+
+#include <stop_token>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace brindle {
+
+namespace {
+
+std::vector<std::string> namesIn(const std::string &path)
+{
+    const FileDescriptor folder = openFolder(AT_FDCWD, path, O_RDONLY, path);
+    std::vector<std::string> names;
+    for (FolderEntry &entry : entriesOf(folder, path))
+        names.push_back(std::move(entry.name));
+    return names;
+}
+
+} // namespace
+
+bool LinuxFileManager::fileExists(const std::string &path) const
+{
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0;
+}
+
+QCoro::Task<std::vector<std::string>> LinuxFileManager::contentsOfDirectory(std::string path)
+{
+    return onWorker([path = std::move(path)] { return namesIn(path); });
+}
+
+QCoro::Task<> LinuxFileManager::copyItem(std::string from, std::string to, CancellationToken token)
+{
+    std::stop_source stop;
+    if (token.isCancelled())
+        stop.request_stop();
+    const auto registration = token.onCancel([stop]() mutable { stop.request_stop(); });
+    auto copy = onWorker([from, to, stop] { TreeCopy(from, to, stop.get_token()).run(); });
+    co_await copy;
+}
+
+QCoro::Task<> LinuxFileManager::removeItem(std::string path)
+{
+    return onWorker([path = std::move(path)] { removeTree(path); });
+}
+
+} // namespace brindle
