@@ -105,7 +105,8 @@ TEST_F(LinuxFileManagerOnFatTest, LeavesOutPermissionsAndAttributesWithoutAnErro
 {
     writeFile(source() / "file", "x");
     ::chmod((source() / "file").c_str(), 0640);
-    ASSERT_EQ(::setxattr((source() / "file").c_str(), "user.brindle", "v", 1, 0), 0);
+    const bool hasAttribute = ::setxattr((source() / "file").c_str(), "user.brindle", "v", 1, 0) == 0;
+    ASSERT_TRUE(hasAttribute || errno == EOPNOTSUPP);
     const std::array times{timespec{1000000000, 0}, timespec{1100000000, 0}};
     ASSERT_EQ(::utimensat(AT_FDCWD, (source() / "file").c_str(), times.data(), 0), 0);
 

@@ -2,6 +2,7 @@
 #include "platform/linux/TreeRemoval.h"
 
 #include "platform/FileManager.h"
+#include "support/CopyFaults.h"
 #include "support/FileFaults.h"
 #include "support/FileTree.h"
 
@@ -201,16 +202,6 @@ TEST_F(TreeCopyFaultsTest, TellsAFileThatTheTargetTakesForAnother)
     EXPECT_EQ(error->code(), static_cast<int>(CopyError::nameHeldAlready));
 }
 
-/// Calls whose failure need not be one of the copy: another way is taken, or what is missed is not needed.
-bool mayFail(const std::string &function, int errorNumber)
-{
-    if (function == "lseek" || function == "utimensat")
-        return true;
-    const bool isQuality = function == "fchmod" || function == "fsetxattr" || function == "flistxattr" ||
-                           function == "fgetxattr" || function == "futimens";
-    return isQuality && errorNumber == EACCES;
-}
-
 TEST_F(TreeCopyFaultsTest, EndsWithTheErrorOfWhicheverCallFails)
 {
     std::vector<std::pair<std::string, int>> calls;
@@ -231,7 +222,7 @@ TEST_F(TreeCopyFaultsTest, EndsWithTheErrorOfWhicheverCallFails)
             if (function == "close") // of what was read it tells nothing
                 continue;
             const auto context = testing::Message() << function << " number " << which << ", error " << errorNumber;
-            if (mayFail(function, errorNumber)) {
+            if (isTolerated(function, errorNumber)) {
                 EXPECT_FALSE(error) << context;
                 EXPECT_EQ(treeOf(target()), sourceBefore) << context;
                 continue;
