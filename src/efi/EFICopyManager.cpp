@@ -29,7 +29,8 @@ std::string efiFolderOf(const EFIPartition &partition)
 EFICopyManager::EFICopyManager(FileManager &fileManager, Dialogs &dialogs, Scheduler &scheduler)
     : m_fileManager(fileManager),
       m_dialogs(dialogs),
-      m_scheduler(scheduler)
+      m_scheduler(scheduler),
+      m_delayedCalls(scheduler)
 {
 }
 
@@ -251,11 +252,7 @@ void EFICopyManager::endWithFailure(const std::string &reason)
 
 void EFICopyManager::clearStatusAfter(Scheduler::Duration delay)
 {
-    const auto place = m_pendingClears.emplace(m_pendingClears.end());
-    *place = m_scheduler.after(delay, [this, place] {
-        m_pendingClears.erase(place);
-        setOperationStatus({});
-    });
+    m_delayedCalls.after(delay, [this] { setOperationStatus({}); });
 }
 
 } // namespace brindle

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/DelayedCalls.h"
 #include "platform/Dialogs.h"
 #include "platform/FileManager.h"
 #include "platform/Scheduler.h"
@@ -9,8 +10,6 @@
 #include <QObject>
 
 #include <functional>
-#include <list>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -136,7 +135,7 @@ private:
     bool m_isCancelled = false;
     bool m_showConfirmationDialog = false;
     std::optional<ConfirmationData> m_confirmationData;
-    std::list<std::unique_ptr<Scheduler::Timer>> m_pendingClears; ///< Never withdrawn but by the end of the manager.
+    DelayedCalls m_delayedCalls;
 };
 
 } // namespace brindle

@@ -47,8 +47,8 @@ std::map<std::string, std::string> treeOf(const fs::path &folder)
 void writeSampleEFI(const fs::path &folder)
 {
     writeFile(folder / ".hidden", "h");
-    writeFile(folder / "BOOT/BOOTx64.efi", std::string(70000, 'b'));
-    writeFile(folder / "OC/OpenCore.efi", std::string(300000, 'o'));
+    writeFile(folder / "BOOT/BOOTx64.efi", std::string(7000, 'b'));
+    writeFile(folder / "OC/OpenCore.efi", std::string(9000, 'o'));
     writeFile(folder / "OC/config.plist", "<plist/>");
     writeFile(folder / "OC/Drivers/OpenRuntime.efi", "driver");
     writeFile(folder / "OC/Kexts/Lilu.kext/Info.plist", "info");
