@@ -20,13 +20,15 @@ std::string commandLineOf(const ChildProcessCommand &command)
 
 } // namespace
 
+struct FakeLauncher::State {
+    Ended ended;
+    bool isRunning = true;
+    bool isEnding = false;
+};
+
 class FakeLauncher::Child : public ChildProcess {
 public:
-    Child(FakeLauncher *launcher, Ended ended)
-        : m_launcher(launcher),
-          m_state(std::make_shared<State>(State{true, std::move(ended)}))
-    {
-    }
+    Child(FakeLauncher *launcher, std::shared_ptr<State> state) : m_launcher(launcher), m_state(std::move(state)) {}
 
     [[nodiscard]] bool isRunning() const override { return m_state->isRunning; }
 
@@ -35,40 +37,44 @@ public:
         if (!isRunning())
             return;
         ++m_launcher->terminations;
-        end({.terminationStatus = SIGTERM});
-    }
-
-    void end(ChildProcessEnd how)
-    {
-        m_state->isRunning = !how.failure; // one that could not be started never runs
-        QMetaObject::invokeMethod(
-            QCoreApplication::instance(),
-            [state = m_state, how = std::move(how)] {
-                state->isRunning = false;
-                state->ended(how);
-            },
-            Qt::QueuedConnection);
+        end(m_state, {.terminationStatus = SIGTERM});
     }
 
 private:
-    struct State {
-        bool isRunning;
-        Ended ended;
-    };
-
     FakeLauncher *m_launcher;
     std::shared_ptr<State> m_state;
 };
 
+void FakeLauncher::end(const std::shared_ptr<State> &child, ChildProcessEnd how)
+{
+    if (std::exchange(child->isEnding, true))
+        return;
+    child->isRunning = !how.failure; // one that could not be started never runs
+    QMetaObject::invokeMethod(
+        QCoreApplication::instance(),
+        [child, how = std::move(how)] {
+            child->isRunning = false;
+            child->ended(how);
+        },
+        Qt::QueuedConnection);
+}
+
 void FakeLauncher::answer(const std::string &commandLine, ChildProcessEnd end)
 {
-    m_held.erase(commandLine);
     m_answers.insert_or_assign(commandLine, std::move(end));
 }
 
 void FakeLauncher::hold(const std::string &commandLine)
 {
-    m_held.insert(commandLine);
+    m_held.try_emplace(commandLine);
+}
+
+void FakeLauncher::release(const std::string &commandLine)
+{
+    if (const auto held = m_held.extract(commandLine)) {
+        for (const std::shared_ptr<State> &child : held.mapped())
+            end(child, endOf(commandLine));
+    }
 }
 
 std::vector<std::string> FakeLauncher::commandLines() const
@@ -83,10 +89,12 @@ std::unique_ptr<ChildProcess> FakeLauncher::launch(ChildProcessCommand command, 
 {
     const std::string commandLine = commandLineOf(command);
     commands.push_back(std::move(command));
-    auto child = std::make_unique<Child>(this, std::move(ended));
-    if (!m_held.contains(commandLine))
-        child->end(endOf(commandLine));
-    return child;
+    const auto child = std::make_shared<State>(State{.ended = std::move(ended)});
+    if (const auto held = m_held.find(commandLine); held != m_held.end())
+        held->second.push_back(child);
+    else
+        end(child, endOf(commandLine));
+    return std::make_unique<Child>(this, child);
 }
 
 ChildProcessEnd FakeLauncher::endOf(const std::string &commandLine) const

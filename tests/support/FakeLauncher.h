@@ -3,8 +3,7 @@
 #include "platform/ChildProcess.h"
 
 #include <map>
-#include <optional>
-#include <set>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -22,20 +21,25 @@ public:
 
     void answer(const std::string &commandLine, ChildProcessEnd end);
 
-    /// From now on \a commandLine starts children that run until they are terminated.
+    /// From now on \a commandLine starts children that run until they are terminated or released.
     void hold(const std::string &commandLine);
+
+    /// Ends the held children of \a commandLine with its answer, and lets later ones pass.
+    void release(const std::string &commandLine);
 
     [[nodiscard]] std::vector<std::string> commandLines() const;
 
     std::unique_ptr<ChildProcess> launch(ChildProcessCommand command, Ended ended) override;
 
 private:
+    struct State;
     class Child;
 
+    static void end(const std::shared_ptr<State> &child, ChildProcessEnd how);
     [[nodiscard]] ChildProcessEnd endOf(const std::string &commandLine) const;
 
     std::map<std::string, ChildProcessEnd> m_answers;
-    std::set<std::string> m_held;
+    std::map<std::string, std::vector<std::shared_ptr<State>>> m_held; ///< An entry for each held command line.
 };
 
 } // namespace brindle
