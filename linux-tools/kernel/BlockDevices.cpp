@@ -7,9 +7,13 @@
 #include <charconv>
 #include <utility>
 
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+
 namespace brindle::tools {
 namespace {
 
+constexpr std::string_view kNodes = "/dev/";
 constexpr std::string_view kVirtual = "/devices/virtual/block/";
 
 std::string_view lastPart(std::string_view path)
@@ -105,6 +109,20 @@ const BlockDevice *BlockDevices::byName(std::string_view name) const
     return found == m_devices.end() ? nullptr : &*found;
 }
 
+const BlockDevice *BlockDevices::byNode(std::string_view node) const
+{
+    if (!node.starts_with(kNodes))
+        return nullptr;
+    const std::string_view name = node.substr(kNodes.size());
+    if (const BlockDevice *device = byName(name))
+        return device;
+    struct stat status {};
+    const std::string path = m_roots.dev + '/' + std::string(name);
+    if (::stat(path.c_str(), &status) != 0 || !S_ISBLK(status.st_mode))
+        return nullptr;
+    return byNumber({.major = major(status.st_rdev), .minor = minor(status.st_rdev)});
+}
+
 std::vector<const BlockDevice *> BlockDevices::partitionsOf(const BlockDevice &disk) const
 {
     std::vector<const BlockDevice *> partitions;
@@ -117,7 +135,7 @@ std::vector<const BlockDevice *> BlockDevices::partitionsOf(const BlockDevice &d
 
 std::string BlockDevices::node(const BlockDevice &device)
 {
-    return "/dev/" + nodeName(device);
+    return std::string(kNodes) + nodeName(device);
 }
 
 std::string BlockDevices::file(const BlockDevice &device) const
@@ -144,6 +162,21 @@ std::vector<const BlockDevice *> BlockDevices::componentsOf(const BlockDevice &d
             components.push_back(component);
     }
     return components;
+}
+
+const BlockDevice &BlockDevices::lowestOf(const BlockDevice &device) const
+{
+    constexpr int kDeepest = 16; // Devices that lie on one another in a ring would have no end.
+    const BlockDevice *current = &device;
+    for (int depth = 0; depth < kDeepest && current->isVirtual(); ++depth) {
+        // A partition of an md device has its components listed at the device.
+        const BlockDevice *whole = current->parent.empty() ? current : byName(current->parent);
+        const auto components = whole ? componentsOf(*whole) : std::vector<const BlockDevice *>();
+        if (components.empty())
+            return *current;
+        current = components.front();
+    }
+    return *current;
 }
 
 } // namespace brindle::tools
