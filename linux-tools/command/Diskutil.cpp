@@ -98,7 +98,8 @@ std::string helpText()
     for (const Verb &verb : kVerbs)
         fmt::format_to(std::back_inserter(text), "   {:<36} {}\n", fmt::format("{} {}", verb.name, verb.usage),
                        verb.help);
-    return text + "\nDISK is an identifier (disk2, disk2s1), a device node or a link to one, a mount point or a volume's name.\n";
+    return text + "\nDISK is an identifier (disk2, disk2s1), a device node or a link to one, a mount point or a "
+                  "volume's name.\n";
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "kernel/BlockDevices.h"
 
 #include "kernel/Files.h"
+#include "text/LineReading.h"
 #include "text/Words.h"
 
 #include <algorithm>
@@ -24,13 +25,6 @@ std::string_view lastPart(std::string_view path)
 std::string_view directoryOf(std::string_view path)
 {
     return path.substr(0, path.rfind('/'));
-}
-
-std::uint64_t toNumber(std::string_view text)
-{
-    std::uint64_t value = 0;
-    std::from_chars(text.data(), text.data() + text.size(), value);
-    return value;
 }
 
 /// sysfs can't have the slash of "cciss/c0d0" in a name.
@@ -71,7 +65,7 @@ std::uint64_t BlockDevice::partitionNumber() const
     digits.remove_prefix(std::min(parent.size(), digits.size()));
     if (digits.starts_with('p'))
         digits.remove_prefix(1);
-    return parent.empty() ? 0 : toNumber(digits);
+    return parent.empty() ? 0 : leadingNumber(digits).value_or(0);
 }
 
 BlockDevices::BlockDevices(KernelRoots roots) : m_roots(std::move(roots))
@@ -145,13 +139,12 @@ std::string BlockDevices::file(const BlockDevice &device) const
 
 std::string BlockDevices::attribute(const BlockDevice &device, std::string_view file) const
 {
-    const auto text = readFile(m_roots.sys + device.path + '/' + std::string(file));
-    return text ? std::string(trimmed(*text)) : std::string();
+    return std::string(trimmed(fileBytes(m_roots.sys + device.path + '/' + std::string(file))));
 }
 
 std::uint64_t BlockDevices::number(const BlockDevice &device, std::string_view file) const
 {
-    return toNumber(attribute(device, file));
+    return leadingNumber(attribute(device, file)).value_or(0);
 }
 
 std::vector<const BlockDevice *> BlockDevices::componentsOf(const BlockDevice &device) const

@@ -80,8 +80,8 @@ KernelInventory::KernelInventory(KernelRoots roots) : m_roots(std::move(roots)) 
 Inventory KernelInventory::read(const Scope &scope)
 {
     const BlockDevices devices(m_roots);
-    const auto mountTable = scope.withMounts ? readFile(m_roots.mountInfo) : std::nullopt;
-    const MountReader mounts(devices, mountTable.value_or(std::string()));
+    const std::string mountTable = scope.withMounts ? fileBytes(m_roots.mountInfo) : std::string();
+    const MountReader mounts(devices, mountTable);
     Asked asked = ask(devices, mounts, scope);
     Inventory inventory;
     inventory.disks = readDisks(devices, asked, scope);
