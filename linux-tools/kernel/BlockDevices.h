@@ -15,6 +15,7 @@ struct KernelRoots {
     std::string dev = "/dev";
     std::string udevData = "/run/udev/data";
     std::string mountInfo = "/proc/self/mountinfo";
+    std::string systemBus; ///< The address that UDisks2 is asked at; empty: it isn't.
 };
 
 struct DeviceNumber {

@@ -3,6 +3,7 @@
 #include "inventory/Identifier.h"
 #include "kernel/DriveHealth.h"
 #include "kernel/PartitionTypes.h"
+#include "kernel/UDisksModule.h"
 
 #include <algorithm>
 #include <climits> // CDSL_CURRENT needs it.
@@ -199,7 +200,16 @@ void DiskReader::readDetails(Disk &disk)
 
 Smart DiskReader::health()
 {
-    if (isOptical(m_device) || m_attachment.commands == DriveCommands::none || !isAwake() || !opened().isValid())
+    if (isOptical(m_device) || m_device.isLoop())
+        return Smart::notSupported;
+    const Smart own = healthFromDrive();
+    return own == Smart::notSupported ? healthFromUDisks(m_devices.roots().systemBus, m_device.name) : own;
+}
+
+/// What the drive says to who may ask it: root alone.
+Smart DiskReader::healthFromDrive()
+{
+    if (m_attachment.commands == DriveCommands::none || !isAwake() || !opened().isValid())
         return Smart::notSupported;
     if (m_attachment.commands == DriveCommands::nvme)
         return nvmeHealth(opened().get());

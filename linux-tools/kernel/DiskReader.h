@@ -54,6 +54,7 @@ private:
     [[nodiscard]] std::optional<Partition> unscanned(const ProbedEntry &entry, const std::string &table);
     void readDetails(Disk &disk);
     [[nodiscard]] Smart health();
+    [[nodiscard]] Smart healthFromDrive();
     [[nodiscard]] bool mayBeRead();
     [[nodiscard]] bool isAwake();
     [[nodiscard]] const Descriptor &opened();
