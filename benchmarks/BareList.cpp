@@ -1,6 +1,7 @@
-// bare_list ROOT DISKS: starts the command lines of one `brindlectl list` on a simulated machine and reads what they
-// print, in the same order of dependence: the two lists one after the other, then the disks at most three at a time,
-// each its own info and then its EFI partition's. The least that any program with this task has to do.
+// bare_list ROOT DISKS: starts the command lines of one `brindlectl list` on a simulated machine without a boot loader
+// and reads what they print, in the same order of dependence: the questions about the boot, the lists one after the
+// other, then the disks at most three at a time, each its own info and then its EFI partition's. The least that any
+// program with this task has to do.
 
 #include <sys/wait.h>
 
@@ -10,8 +11,10 @@
 
 #include <array>
 #include <cstdlib>
+#include <deque>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 extern char **environ; // NOLINT
@@ -51,11 +54,33 @@ void readOutput(const Child &child)
     close(child.output);
 }
 
-void run(const std::string &tool, std::vector<std::string> arguments)
+using CommandLine = std::vector<std::string>; ///< The tool's path, then its arguments.
+using Chain = std::deque<CommandLine>;        ///< Each begins when the one before has ended.
+
+/// Runs the chains, at most \a bound side by side.
+void run(std::deque<Chain> chains, std::size_t bound)
 {
-    const Child child = start(tool, std::move(arguments));
-    waitpid(child.process, nullptr, 0);
-    readOutput(child);
+    struct Step {
+        Child child;
+        Chain rest;
+    };
+    std::map<pid_t, Step> running;
+    const auto begin = [&](Chain chain) {
+        const CommandLine line = chain.front();
+        chain.pop_front();
+        const Child child = start(line.front(), {line.begin() + 1, line.end()});
+        running[child.process] = {child, std::move(chain)};
+    };
+    while (!running.empty() || !chains.empty()) {
+        while (!chains.empty() && running.size() < bound) {
+            begin(std::move(chains.front()));
+            chains.pop_front();
+        }
+        Step step = running.extract(waitpid(-1, nullptr, 0)).mapped();
+        readOutput(step.child);
+        if (!step.rest.empty())
+            begin(std::move(step.rest));
+    }
 }
 
 } // namespace
@@ -64,36 +89,21 @@ int main(int argc, char **argv)
 {
     if (argc != 3)
         return 2;
-    const std::string diskutil = std::string(argv[1]) + "/usr/sbin/diskutil";
-    const int disks = std::atoi(argv[2]);
-    run(diskutil, {"list", "physical"});
-    run(diskutil, {"list"});
-
-    struct Step {
-        Child child;
-        std::string partition; // asked about next; empty after that
-    };
-    std::map<pid_t, Step> running;
-    const auto begin = [&](const std::string &identifier, const std::string &partition) {
-        const Child child = start(diskutil, {"info", identifier});
-        running[child.process] = {child, partition};
-    };
-    int next = 0;
-    const auto beginNextDisk = [&] {
-        if (next < disks) {
-            const std::string identifier = "disk" + std::to_string(next++);
-            begin(identifier, identifier + "s1");
-        }
-    };
-    for (int i = 0; i < 3; ++i)
-        beginNextDisk();
-    while (!running.empty()) {
-        const pid_t process = waitpid(-1, nullptr, 0);
-        const Step step = running.extract(process).mapped();
-        readOutput(step.child);
-        if (step.partition.empty())
-            beginNextDisk();
-        else
-            begin(step.partition, "");
+    const std::string root = argv[1];
+    const std::string diskutil = root + "/usr/sbin/diskutil";
+    const std::string nvram = root + "/usr/sbin/nvram";
+    run({{{diskutil, "info", "/"}},
+         {{nvram, "4D1FDA02-38C7-4A6A-9CC6-4BCCA8B30102:opencore-version"}},
+         {{nvram, "Clover.Version"},
+          {nvram, "clover-version"},
+          {nvram, "clover.revision"},
+          {nvram, "Clover.Revision"}}},
+        3);
+    run({{{diskutil, "list", "physical"}, {root + "/bin/df", "-k"}, {diskutil, "list"}}}, 1);
+    std::deque<Chain> disks;
+    for (int i = 0; i < std::atoi(argv[2]); ++i) {
+        const std::string disk = "disk" + std::to_string(i);
+        disks.push_back({{diskutil, "info", disk}, {diskutil, "info", disk + "s1"}});
     }
+    run(std::move(disks), 3);
 }

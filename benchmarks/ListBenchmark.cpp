@@ -79,6 +79,11 @@ void fill(SimulatedMachine &machine, int disks, const std::string &delay)
                        {.standardOutput = "   Whole: Yes\n   Device / Media Name: A Disk\n", .delay = delay});
         machine.answer("diskutil", "info " + identifier + "s1", {.standardOutput = efi, .delay = delay});
     }
+    machine.answer("diskutil", "info /", {.standardOutput = "   Part of Whole: disk0\n", .delay = delay});
+    machine.answer("df", "-k", {.standardOutput = "/dev/disk0s1 1000 10 990 1% /Volumes/EFI\n", .delay = delay});
+    machine.answer("nvram", "4D1FDA02-38C7-4A6A-9CC6-4BCCA8B30102:opencore-version", {.status = 1, .delay = delay});
+    for (const char *name : {"Clover.Version", "clover-version", "clover.revision", "Clover.Revision"})
+        machine.answer("nvram", name, {.status = 1, .delay = delay});
     machine.answer("diskutil", "list", {.standardOutput = list, .delay = delay});
     machine.answer("diskutil", "list physical", {.standardOutput = list, .delay = delay});
 }

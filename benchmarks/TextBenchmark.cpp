@@ -3,9 +3,11 @@
 
 #include "Compare.h"
 
+#include "base/Log.h"
 #include "base/Text.h"
 #include "detectors/DiskDetector.h"
 #include "detectors/EFIPartitionReader.h"
+#include "detectors/FilesystemDetector.h"
 #include "detectors/ToolText.h"
 #include "state/DiskutilListSections.h"
 
@@ -55,6 +57,21 @@ constexpr std::string_view kInfo = "   Device Identifier:         disk0\n"
                                    "   Solid State:               Yes\n"
                                    "\n";
 
+/// Holds none of the words that tell systems apart, so that every one of them is looked for to the end.
+constexpr std::string_view kInfoOfNoSystem = "   Device Identifier:         disk0s2\n"
+                                             "   Part of Whole:             disk0\n"
+                                             "   Partition Type:            Microsoft Basic Data\n"
+                                             "   Content (IOContent):       Microsoft Basic Data\n"
+                                             "   File System Personality:   None\n"
+                                             "   Device Location:           Internal\n"
+                                             "\n";
+
+std::size_t numberOf(const FilesystemFlags &flags)
+{
+    return static_cast<std::size_t>(flags.hasMacOS) + static_cast<std::size_t>(flags.hasWindows) +
+           static_cast<std::size_t>(flags.hasLinux) + static_cast<std::size_t>(flags.hasExFAT);
+}
+
 struct Reader {
     std::string name;
     std::string_view text; ///< One piece; the reader gets many of them, one behind the other.
@@ -62,18 +79,26 @@ struct Reader {
     std::function<std::size_t(std::string_view text)> read;
 };
 
-/// All that a scan reads from the list of all disks.
-std::size_t readAsScan(std::string_view list)
+/// All that a scan reads about disks and EFI partitions from the list of all disks.
+std::size_t readDisks(std::string_view list)
 {
     return parseDiskutilListSections(list).size() + DiskDetector::readSectionVolumes(list, "disk0").entries.size() +
            EFIPartitionReader::efiCandidates("disk0", list).size() +
            static_cast<std::size_t>(DiskDetector::isExposedDiskImage(list));
 }
 
+/// All that a scan reads about systems from the list of all disks.
+std::size_t readSystems(std::string_view list)
+{
+    return numberOf(FilesystemDetector::analyzeDiskList(list, "disk0")) +
+           FilesystemDetector::partitionIdentifiers(list, "disk0").size();
+}
+
 std::vector<Reader> readers()
 {
     return {
-        {"a scan's readers of the list", kList, readAsScan},
+        {"a scan's readers of disks", kList, readDisks},
+        {"a scan's readers of systems", kList, readSystems},
         {"parseDiskIdentifiers", kList, [](auto text) { return DiskDetector::parseDiskIdentifiers(text).size(); }},
         {"parseDiskutilListSections", kList, [](auto text) { return parseDiskutilListSections(text).size(); }},
         {"readSectionVolumes", kList,
@@ -86,6 +111,16 @@ std::vector<Reader> readers()
         {"readDiskInfo", kInfo, [](auto text) { return DiskDetector::readDiskInfo(text, "disk0")->name.size(); }},
         {"readPartitionInfo", kInfo,
          [](auto text) { return EFIPartitionReader::readPartitionInfo(text, "disk0")->identifier.size(); }},
+        {"analyzeMainDiskInfo", kInfoOfNoSystem,
+         [](auto text) { return numberOf(FilesystemDetector::analyzeMainDiskInfo(text, "disk0")); }},
+        {"analyzeDiskList", kList,
+         [](auto text) { return numberOf(FilesystemDetector::analyzeDiskList(text, "disk0")); }},
+        {"analyzePartitionInfo", kInfoOfNoSystem,
+         [](auto text) { return numberOf(FilesystemDetector::analyzePartitionInfo(text, "disk0s2")); }},
+        {"partitionIdentifiers", kList,
+         [](auto text) { return FilesystemDetector::partitionIdentifiers(text, "disk0").size(); }},
+        {"isEFIPartitionLine", kList,
+         [](auto text) { return static_cast<std::size_t>(FilesystemDetector::isEFIPartitionLine("disk9s1", text)); }},
     };
 }
 
@@ -146,6 +181,7 @@ void compareWithPieces(const Reader &reader)
 
 int main()
 {
+    Log::setSink({});
     for (const Reader &reader : readers()) {
         compareWithLowering(reader);
         compareWithPieces(reader);

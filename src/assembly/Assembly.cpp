@@ -7,7 +7,10 @@ namespace brindle {
 Assembly::Assembly(Platform platform)
     : m_platform(std::move(platform)),
       m_toolRunner(*m_platform.childProcesses, *m_platform.scheduler),
-      m_diskManager(m_toolRunner, m_platform.toolPaths, *m_platform.userDefaults, *m_platform.scheduler)
+      m_systemInfoDetector(m_toolRunner, m_platform.toolPaths),
+      m_diskManager(m_toolRunner, m_platform.toolPaths, *m_platform.userDefaults, *m_platform.scheduler,
+                    m_systemInfoDetector),
+      m_viewHeightCalculator(*m_platform.userDefaults)
 {
 }
 

@@ -2,7 +2,9 @@
 
 #include "assembly/Platform.h"
 #include "records/ToolRunner.h"
+#include "shell/ViewHeightCalculator.h"
 #include "state/DiskManager.h"
+#include "sysinfo/SystemInfoDetector.h"
 
 namespace brindle {
 
@@ -12,12 +14,17 @@ class Assembly {
 public:
     explicit Assembly(Platform platform);
 
+    [[nodiscard]] UserDefaults &userDefaults() { return *m_platform.userDefaults; }
+    [[nodiscard]] SystemInfoDetector &systemInfoDetector() { return m_systemInfoDetector; }
     [[nodiscard]] DiskManager &diskManager() { return m_diskManager; }
+    [[nodiscard]] const ViewHeightCalculator &viewHeightCalculator() const { return m_viewHeightCalculator; }
 
 private:
     Platform m_platform;
     ToolRunner m_toolRunner;
+    SystemInfoDetector m_systemInfoDetector;
     DiskManager m_diskManager;
+    ViewHeightCalculator m_viewHeightCalculator;
 };
 
 } // namespace brindle

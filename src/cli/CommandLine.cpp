@@ -4,7 +4,12 @@
 #include "base/Log.h"
 #include "cli/Command.h"
 #include "cli/Completions.h"
+#include "cli/HeightCommand.h"
+#include "cli/IconStateCommand.h"
+#include "cli/InfoCommand.h"
 #include "cli/ListCommand.h"
+#include "cli/RowsCommand.h"
+#include "cli/SystemCommand.h"
 
 #include <CLI/CLI.hpp>
 
@@ -48,6 +53,11 @@ int runCommandLine(int argc, char **argv)
     app.add_flag("--demo", options.demo, "Work on a simulated machine, which is gone afterwards");
     app.add_flag("-v,--verbose", options.verbose, "Write the log to standard error");
     addListCommand(app, options, command);
+    addInfoCommand(app, options, command);
+    addRowsCommand(app, options, command);
+    addHeightCommand(app, options, command);
+    addIconStateCommand(app, options, command);
+    addSystemCommand(app, options, command);
     addCompletionCommand(app, command);
 
     try {

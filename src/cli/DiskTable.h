@@ -10,8 +10,8 @@ namespace brindle {
 
 /// The disks as a table: a line for each disk, and beneath it one for each of its EFI partitions.
 ///
-/// Columns are aligned by the cells that a terminal gives to a character. On a terminal the names and the volumes are
-/// cut to its width; elsewhere nothing is cut.
+/// Columns are aligned by the cells that a terminal gives to a character. On a terminal long texts are cut to its
+/// width, and a narrow one goes without the columns that say least; elsewhere the table is whole.
 [[nodiscard]] std::string diskTable(const std::vector<PhysicalDisk> &disks, const Terminal &terminal);
 
 } // namespace brindle

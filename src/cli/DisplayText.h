@@ -1,15 +1,12 @@
 #pragma once
 
+#include "base/VisibleText.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace brindle {
-
-/// \a text with all that a terminal would obey or hide made visible: control characters, the characters that change the
-/// direction of writing and other invisible ones as <U+001B>, bytes that are no UTF-8 as U+FFFD. A name read from a
-/// disk is a stranger's text.
-[[nodiscard]] std::string visibleText(std::string_view text);
 
 /// How many cells a terminal gives to \a text: two for wide East Asian characters and emoji, none for marks that stand
 /// on the character before. \a text is visibleText().

@@ -1,7 +1,5 @@
 #include "detectors/Diskutil.h"
 
-#include "base/Error.h"
-
 #include <utility>
 
 namespace brindle {
@@ -16,12 +14,7 @@ QCoro::Task<std::string> Diskutil::run(std::vector<std::string> arguments, Cance
 QCoro::Task<std::optional<std::string>> Diskutil::outputIfAny(std::vector<std::string> arguments,
                                                               CancellationToken token) const
 {
-    try {
-        auto output = run(std::move(arguments), std::move(token));
-        co_return co_await output;
-    } catch (const Error &) {
-        co_return std::nullopt;
-    }
+    return m_tools.outputIfAny(m_paths.diskutil(), std::move(arguments), std::move(token));
 }
 
 } // namespace brindle

@@ -3,23 +3,11 @@
 
 #include "base/Text.h"
 
-#include <algorithm>
-#include <array>
 #include <utility>
 
 namespace brindle {
 
 namespace {
-
-/// Volumes of other kinds may bear a name with one of the wanted words in it.
-bool isEFILine(std::string_view line)
-{
-    constexpr std::array<std::string_view, 2> kWanted{"EFI", "ESP"};
-    constexpr std::array<std::string_view, 4> kUnwanted{"WINDOWS_NTFS", "APPLE_HFS", "APPLE_APFS", "EXFAT"};
-    const std::string raised = upperCased(line);
-    const auto isThere = [&](std::string_view word) { return contains(raised, word); };
-    return std::ranges::any_of(kWanted, isThere) && std::ranges::none_of(kUnwanted, isThere);
-}
 
 void readLine(EFIPartition &partition, std::string_view line)
 {
@@ -47,7 +35,7 @@ std::vector<std::string> EFIPartitionReader::efiCandidates(std::string_view disk
 {
     ToolText::DistinctTexts candidates;
     for (const std::string_view line : Lines(section)) {
-        if (!isEFILine(line))
+        if (!ToolText::isEFILine(line))
             continue;
         if (const auto partition = ToolText::partitionIn(line, disk))
             candidates.add(*partition);

@@ -80,6 +80,16 @@ std::optional<std::string_view> containerIn(std::string_view line)
     return container;
 }
 
+bool isEFILine(std::string_view line)
+{
+    // Volumes of other kinds may bear a name with one of the wanted words in it.
+    constexpr std::array<std::string_view, 2> kWanted{"EFI", "ESP"};
+    constexpr std::array<std::string_view, 4> kUnwanted{"WINDOWS_NTFS", "APPLE_HFS", "APPLE_APFS", "EXFAT"};
+    const std::string raised = upperCased(line);
+    const auto isThere = [&](std::string_view word) { return contains(raised, word); };
+    return std::ranges::any_of(kWanted, isThere) && std::ranges::none_of(kUnwanted, isThere);
+}
+
 std::optional<std::size_t> positionOfSize(std::string_view text)
 {
     // All digits of a run share what follows the run, so that only a run's first digit can begin the first size.

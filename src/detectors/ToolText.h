@@ -28,6 +28,9 @@ namespace brindle::ToolText {
 /// The whole disk of the first "Container diskN" in \a line.
 [[nodiscard]] std::optional<std::string_view> containerIn(std::string_view line);
 
+/// Whether a line of a partition map shows an EFI partition.
+[[nodiscard]] bool isEFILine(std::string_view line);
+
 /// Where the first size begins, such as "500.3 GB": digits, which a point and more digits may follow, blanks, and one
 /// of the units GB, MB, TB and KB.
 [[nodiscard]] std::optional<std::size_t> positionOfSize(std::string_view text);

@@ -63,4 +63,15 @@ QCoro::Task<std::string> ToolRunner::run(std::string path, std::vector<std::stri
     co_return outputOf(std::move(end));
 }
 
+QCoro::Task<std::optional<std::string>> ToolRunner::outputIfAny(std::string path, std::vector<std::string> args,
+                                                                CancellationToken token)
+{
+    try {
+        auto tool = run(std::move(path), std::move(args), {}, std::move(token));
+        co_return co_await tool;
+    } catch (const Error &) {
+        co_return std::nullopt;
+    }
+}
+
 } // namespace brindle

@@ -2,18 +2,37 @@
 
 #include "base/DefaultsKeys.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace brindle {
 
-DiskManager::DiskManager(ToolRunner &tools, const ToolPaths &paths, const UserDefaults &defaults, Scheduler &scheduler)
+DiskManager::DiskManager(ToolRunner &tools, const ToolPaths &paths, UserDefaults &defaults, Scheduler &scheduler,
+                         SystemInfoDetector &systemInfoDetector)
     : m_tools(tools),
       m_paths(paths),
       m_defaults(defaults),
       m_scheduler(scheduler),
       m_diskDetector(tools, paths, defaults),
-      m_efiPartitionReader(tools, paths)
+      m_filesystemDetector(tools, paths),
+      m_efiPartitionReader(tools, paths),
+      m_systemInfoDetector(systemInfoDetector)
 {
+    initializePreferences();
+    restorePersistedState();
+}
+
+void DiskManager::initializePreferences()
+{
+    if (m_defaults.boolForKey(DefaultsKeys::kPreferencesInitialized))
+        return;
+    m_defaults.set(DefaultsKeys::kShowInternalDisks, true);
+    m_defaults.set(DefaultsKeys::kShowExternalDisks, true);
+    m_defaults.set(DefaultsKeys::kShowRemovableDisks, true);
+    m_defaults.set(DefaultsKeys::kShowDiskImages, false);
+    m_defaults.set(DefaultsKeys::kShowNotifications, true);
+    m_defaults.set(DefaultsKeys::kAutoOpenFinderOnMount, true);
+    m_defaults.set(DefaultsKeys::kPreferencesInitialized, true);
 }
 
 bool DiskManager::isDiskVisible(const PhysicalDisk &disk) const
@@ -34,10 +53,26 @@ bool DiskManager::isDiskVisible(const PhysicalDisk &disk) const
     return true;
 }
 
+void DiskManager::toggleExpanded(const std::string &identifier)
+{
+    std::set<std::string> expandedDisks = m_expandedDisks;
+    if (expandedDisks.erase(identifier) == 0)
+        expandedDisks.insert(identifier);
+    setExpandedDisks(std::move(expandedDisks));
+    persistState();
+}
+
 void DiskManager::setDisks(std::vector<PhysicalDisk> disks)
 {
     m_disks = std::move(disks);
     Q_EMIT disksChanged();
+}
+
+void DiskManager::updateEFIStates()
+{
+    for (const PhysicalDisk &disk : m_disks)
+        m_efiStates[disk.identifier] = mountedEFIPartition(disk) != nullptr;
+    Q_EMIT efiStatesChanged();
 }
 
 void DiskManager::setIsLoadingDisks(bool isLoadingDisks)
@@ -46,10 +81,25 @@ void DiskManager::setIsLoadingDisks(bool isLoadingDisks)
         Q_EMIT isLoadingDisksChanged();
 }
 
+void DiskManager::setExpandedDisks(std::set<std::string> expandedDisks)
+{
+    if (m_expandedDisks == expandedDisks)
+        return;
+    m_expandedDisks = std::move(expandedDisks);
+    Q_EMIT expandedDisksChanged();
+}
+
 void DiskManager::setHasCompletedInitialScan(bool hasCompletedInitialScan)
 {
     if (std::exchange(m_hasCompletedInitialScan, hasCompletedInitialScan) != hasCompletedInitialScan)
         Q_EMIT hasCompletedInitialScanChanged();
+}
+
+const EFIPartition *mountedEFIPartition(const PhysicalDisk &disk)
+{
+    const auto mounted = std::find_if(disk.efiPartitions.begin(), disk.efiPartitions.end(),
+                                      [](const EFIPartition &partition) { return partition.isMounted; });
+    return mounted == disk.efiPartitions.end() ? nullptr : &*mounted;
 }
 
 } // namespace brindle

@@ -1,19 +1,27 @@
 #pragma once
 
+#include "state/DiskutilListSections.h"
+#include "state/SpaceFigures.h"
+
 #include "base/CancellationToken.h"
+#include "detectors/BootloaderDetector.h"
 #include "detectors/DiskDetector.h"
 #include "detectors/EFIPartitionReader.h"
+#include "detectors/FilesystemDetector.h"
 #include "platform/Scheduler.h"
 #include "platform/UserDefaults.h"
 #include "records/PhysicalDisk.h"
 #include "records/ToolPaths.h"
 #include "records/ToolRunner.h"
-#include "state/DiskutilListSections.h"
+#include "sysinfo/SystemInfoDetector.h"
 
 #include <QCoroTask>
 #include <QObject>
 
+#include <chrono>
+#include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -22,7 +30,8 @@ namespace brindle {
 /// The one observable model of the disks: what every view and command reads.
 ///
 /// A scan turns the text of the disk tools into an ordered list of records and publishes it. A disk's lasting identity
-/// is its identifier: a scan makes new records. Main thread only.
+/// is its identifier: a scan makes new records. What it holds is written to the user defaults, so that the process that
+/// a switch of the launch mode starts shows it at once. Main thread only.
 class DiskManager : public QObject {
     Q_OBJECT
 
@@ -30,55 +39,107 @@ public:
     /// How many disks a scan reads side by side, so that the disk tools are not flooded.
     static constexpr std::size_t kMaxConcurrentScans = 3;
 
-    DiskManager(ToolRunner &tools, const ToolPaths &paths, const UserDefaults &defaults,
-                Scheduler &scheduler); ///< All of them outlive the manager.
+    /// A request of the user within this time after the last scan is passed over.
+    static constexpr std::chrono::milliseconds kMinimumManualRefresh{2000};
 
-    /// The visible disks in display order.
+    /// Writes the first-run settings where they are missing, and takes back what a former process left: the opened rows
+    /// always, the disks only after a switch of the launch mode. Starts no scan. All arguments outlive the manager.
+    DiskManager(ToolRunner &tools, const ToolPaths &paths, UserDefaults &defaults, Scheduler &scheduler,
+                SystemInfoDetector &systemInfoDetector);
+
+    /// The visible disks in display order. Replaced as a whole by a scan.
     [[nodiscard]] const std::vector<PhysicalDisk> &disks() const { return m_disks; }
+
+    /// For each disk by its identifier, whether any of its EFI partitions is mounted. Disks that went without being
+    /// ejected stay in it.
+    [[nodiscard]] const std::map<std::string, bool> &efiStates() const { return m_efiStates; }
+
+    /// The identifiers of the disks whose rows are open.
+    [[nodiscard]] const std::set<std::string> &expandedDisks() const { return m_expandedDisks; }
 
     /// A scan has claimed the pipeline. A scan that was cancelled on its way leaves it true, for a forced one to mend.
     [[nodiscard]] bool isLoadingDisks() const { return m_isLoadingDisks; }
 
-    /// A scan has filled disks() once; never false again.
+    /// A scan or what a former process left has filled disks() once; never false again.
     [[nodiscard]] bool hasCompletedInitialScan() const { return m_hasCompletedInitialScan; }
 
     /// Whether the user wants to see disks of the record's type; reads the preferences on each call.
     [[nodiscard]] bool isDiskVisible(const PhysicalDisk &disk) const;
 
+    /// The end of the last scan that published, of this process or a former one.
+    [[nodiscard]] std::optional<Scheduler::Date> lastRefreshTime() const;
+
+    /// A refresh that the user asks for: unless \a force, passed over shortly after the last scan.
+    QCoro::Task<> refresh(bool force);
+
     /// Cancels a scan under way and makes a new one; returns when that is over. Unless \a force, the new scan is
     /// skipped while the pipeline is claimed. Never throws: what a failing tool would have told is left out.
     QCoro::Task<> startScan(bool force);
 
+    /// Takes what the system information knows about the boot for the next disks that are read.
+    void syncBootloaderInfo();
+
+    /// Opens the disk's row, or closes it.
+    void toggleExpanded(const std::string &identifier);
+
+    /// Writes the disks and the opened rows to the user defaults.
+    void persistState();
+
 Q_SIGNALS:
     void disksChanged(); ///< At every publish: equality of records is narrower than what is shown.
     void isLoadingDisksChanged();
+    void efiStatesChanged(); ///< At every publish, whether it differs or not.
+    void expandedDisksChanged();
     void hasCompletedInitialScanChanged();
 
 private:
     struct ScanBatch;
 
+    /// What a scan's disks are compared with.
+    struct BootloaderInfo {
+        std::optional<std::string> bootDisk;
+        std::optional<std::string> bootloaderDisk;
+        std::optional<std::string> openCore;
+        std::optional<std::string> clover;
+
+        bool operator==(const BootloaderInfo &) const = default;
+    };
+
+    void initializePreferences();
+    void restorePersistedState();
+    void restorePersistedDisks();
+
     QCoro::Task<> scanDisks(bool force, CancellationToken token);
-    QCoro::Task<std::string> textOf(std::string tool, std::vector<std::string> arguments, CancellationToken token);
-    QCoro::Task<std::vector<PhysicalDisk>> processDisks(std::vector<std::string> identifiers,
+    QCoro::Task<std::vector<PhysicalDisk>> processDisks(std::vector<std::string> identifiers, DiskUsage usage,
                                                         DiskutilListSections sections, CancellationToken token);
     QCoro::Task<> processNextDisks(ScanBatch *batch, CancellationToken token);
-    QCoro::Task<std::optional<PhysicalDisk>> processDisk(std::string identifier, std::string section,
-                                                         CancellationToken token);
+    QCoro::Task<std::optional<PhysicalDisk>> processDisk(std::string identifier, const DiskUsage *usage,
+                                                         std::string section, CancellationToken token);
+    void detectBootloaders(PhysicalDisk &disk);
     void publishDisks(std::vector<PhysicalDisk> disks);
+    void closeRowsOfMissingDisks();
 
     void setDisks(std::vector<PhysicalDisk> disks);
+    void updateEFIStates();
     void setIsLoadingDisks(bool isLoadingDisks);
+    void setExpandedDisks(std::set<std::string> expandedDisks);
     void setHasCompletedInitialScan(bool hasCompletedInitialScan);
 
     ToolRunner &m_tools;
     ToolPaths m_paths;
-    const UserDefaults &m_defaults;
+    UserDefaults &m_defaults;
     Scheduler &m_scheduler;
     DiskDetector m_diskDetector;
+    FilesystemDetector m_filesystemDetector;
+    BootloaderDetector m_bootloaderDetector;
     EFIPartitionReader m_efiPartitionReader;
+    SystemInfoDetector &m_systemInfoDetector;
+    std::optional<BootloaderInfo> m_cachedBootloaderInfo;
 
     std::vector<PhysicalDisk> m_disks;
     bool m_isLoadingDisks = false;
+    std::map<std::string, bool> m_efiStates;
+    std::set<std::string> m_expandedDisks;
     bool m_hasCompletedInitialScan = false;
     CancellationToken m_refreshToken;
 };
@@ -86,5 +147,8 @@ private:
 /// Display order: the boot disk, then disks with OpenCore, with Clover, and all others; among alike by identifier as a
 /// person counts.
 [[nodiscard]] bool standsBefore(const PhysicalDisk &left, const PhysicalDisk &right);
+
+/// The first of the disk's EFI partitions that is mounted; null where none is.
+[[nodiscard]] const EFIPartition *mountedEFIPartition(const PhysicalDisk &disk);
 
 } // namespace brindle

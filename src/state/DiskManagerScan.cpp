@@ -1,6 +1,6 @@
 #include "state/DiskManager.h"
 
-#include "base/Error.h"
+#include "base/DefaultsKeys.h"
 #include "base/Log.h"
 #include "base/NaturalOrder.h"
 #include "base/Spawn.h"
@@ -17,10 +17,23 @@ using namespace std::chrono_literals;
 /// What the disks that are read side by side share: the ones still to begin, and the records in order of completion.
 struct DiskManager::ScanBatch {
     std::vector<std::string> identifiers;
+    DiskUsage usage;
     DiskutilListSections sections;
     std::size_t next = 0;
     std::vector<PhysicalDisk> records;
 };
+
+QCoro::Task<> DiskManager::refresh(bool force)
+{
+    const auto last = lastRefreshTime();
+    // A clock that was put back leaves a date in the future: that is no recent scan.
+    if (!force && last && std::chrono::abs(m_scheduler.date() - *last) < kMinimumManualRefresh) {
+        Log::line("⏸️ Throttling manual refresh");
+        co_return;
+    }
+    auto scan = startScan(false);
+    co_await scan;
+}
 
 QCoro::Task<> DiskManager::startScan(bool force)
 {
@@ -47,6 +60,13 @@ QCoro::Task<> DiskManager::scanDisks(bool force, CancellationToken token)
     setIsLoadingDisks(true);
     const auto start = m_scheduler.date();
 
+    if (!m_systemInfoDetector.isDetectionComplete()) {
+        Log::line("   ➡️ Starting system info detection");
+        auto detection = m_systemInfoDetector.refreshBootInfo();
+        co_await detection;
+        Log::line("   ✅ System info detection finished");
+    }
+
     Log::line("   ➡️ Fetching disk list");
     auto listing = m_diskDetector.listPhysicalDisks(token);
     std::vector<std::string> identifiers = co_await listing;
@@ -63,13 +83,21 @@ QCoro::Task<> DiskManager::scanDisks(bool force, CancellationToken token)
         co_return;
     }
 
+    m_bootloaderDetector.scanCache.clear();
+    syncBootloaderInfo();
+
+    Log::line("   ➡️ Running df -k");
+    auto usageText = m_tools.outputIfAny(m_paths.df(), {"-k"}, token);
+    DiskUsage usage = parseDfOutput((co_await usageText).value_or(""));
+    Log::line("   ✅ df -k finished");
+
     Log::line("   ➡️ Running diskutil list");
-    auto listText = textOf(m_paths.diskutil(), {"list"}, token);
-    DiskutilListSections sections = parseDiskutilListSections(co_await listText);
+    auto listText = m_tools.outputIfAny(m_paths.diskutil(), {"list"}, token);
+    DiskutilListSections sections = parseDiskutilListSections((co_await listText).value_or(""));
     Log::line("   ✅ diskutil list finished");
 
     Log::line("   ➡️ Processing disks in parallel");
-    auto processing = processDisks(std::move(identifiers), std::move(sections), token);
+    auto processing = processDisks(std::move(identifiers), std::move(usage), std::move(sections), token);
     std::vector<PhysicalDisk> disks = co_await processing;
     Log::line("   ✅ Processing disks finished");
     if (token.isCancelled()) {
@@ -80,21 +108,10 @@ QCoro::Task<> DiskManager::scanDisks(bool force, CancellationToken token)
     publishDisks(std::move(disks));
 }
 
-QCoro::Task<std::string> DiskManager::textOf(std::string tool, std::vector<std::string> arguments,
-                                             CancellationToken token)
-{
-    try {
-        auto run = m_tools.run(std::move(tool), std::move(arguments), {}, std::move(token));
-        co_return co_await run;
-    } catch (const Error &) {
-        co_return std::string();
-    }
-}
-
-QCoro::Task<std::vector<PhysicalDisk>> DiskManager::processDisks(std::vector<std::string> identifiers,
+QCoro::Task<std::vector<PhysicalDisk>> DiskManager::processDisks(std::vector<std::string> identifiers, DiskUsage usage,
                                                                  DiskutilListSections sections, CancellationToken token)
 {
-    ScanBatch batch{.identifiers = std::move(identifiers), .sections = std::move(sections)};
+    ScanBatch batch{.identifiers = std::move(identifiers), .usage = std::move(usage), .sections = std::move(sections)};
     std::vector<QCoro::Task<>> children;
     for (std::size_t i = 0; i < std::min(kMaxConcurrentScans, batch.identifiers.size()); ++i)
         children.push_back(processNextDisks(&batch, token));
@@ -112,33 +129,91 @@ QCoro::Task<> DiskManager::processNextDisks(ScanBatch *batch, CancellationToken 
     while (batch->next < batch->identifiers.size()) {
         const std::string identifier = batch->identifiers[batch->next++];
         const auto section = batch->sections.find(identifier);
-        auto reading =
-            processDisk(identifier, section == batch->sections.end() ? std::string() : section->second, token);
+        auto reading = processDisk(identifier, &batch->usage,
+                                   section == batch->sections.end() ? std::string() : section->second, token);
         if (std::optional<PhysicalDisk> disk = co_await reading)
             batch->records.push_back(std::move(*disk));
     }
 }
 
-QCoro::Task<std::optional<PhysicalDisk>> DiskManager::processDisk(std::string identifier, std::string section,
-                                                                  CancellationToken token)
+QCoro::Task<std::optional<PhysicalDisk>> DiskManager::processDisk(std::string identifier, const DiskUsage *usage,
+                                                                  std::string section, CancellationToken token)
 {
     auto reading = m_diskDetector.diskRecord(identifier, section, token);
-    std::optional<PhysicalDisk> disk = (co_await reading).disk;
-    if (!disk)
+    DiskDetector::DiskRecord record = co_await reading;
+    if (!record.disk)
         co_return std::nullopt;
+    PhysicalDisk disk = std::move(*record.disk);
+
+    auto detection = m_filesystemDetector.detectFilesystems(identifier, std::move(record.info), section, token);
+    const FilesystemFlags flags = co_await detection;
+    disk.hasMacOS = flags.hasMacOS;
+    disk.hasWindows = flags.hasWindows;
+    disk.hasLinux = flags.hasLinux;
+    disk.hasExFAT = flags.hasExFAT;
 
     auto partitions = m_efiPartitionReader.efiPartitions(identifier, section, token);
-    disk->efiPartitions = co_await partitions;
-    if (!disk->mediaUUID && !disk->efiPartitions.empty())
-        disk->mediaUUID = disk->efiPartitions.front().mediaUUID;
-    co_return std::move(disk);
+    disk.efiPartitions = co_await partitions;
+    detectBootloaders(disk);
+
+    const SpaceFigures space = spaceFigures(identifier, containerDisks(section), *usage);
+    disk.usedSpaceBytes = space.usedSpaceBytes;
+    disk.totalSpaceBytes = space.totalSpaceBytes;
+    if (!disk.mediaUUID && !disk.efiPartitions.empty())
+        disk.mediaUUID = disk.efiPartitions.front().mediaUUID;
+    co_return disk;
+}
+
+void DiskManager::detectBootloaders(PhysicalDisk &disk)
+{
+    const auto isNamedBy = [&](const std::optional<std::string> BootloaderInfo::*role) {
+        return m_cachedBootloaderInfo && (*m_cachedBootloaderInfo).*role == disk.identifier;
+    };
+    const EFIPartition *mounted = mountedEFIPartition(disk);
+    disk.isBootDisk = isNamedBy(&BootloaderInfo::bootDisk);
+    const BootloaderFlags flags = m_bootloaderDetector.detectBootloaders(
+        disk.identifier, disk.isBootDisk, isNamedBy(&BootloaderInfo::bootloaderDisk), mounted != nullptr,
+        mounted ? mounted->mountPoint : std::nullopt);
+    disk.hasOpenCore = flags.hasOpenCore;
+    disk.hasClover = flags.hasClover;
+}
+
+void DiskManager::syncBootloaderInfo()
+{
+    BootloaderInfo info{.bootDisk = m_systemInfoDetector.bootDiskIdentifier(),
+                        .bootloaderDisk = m_systemInfoDetector.bootloaderDiskIdentifier(),
+                        .openCore = m_systemInfoDetector.openCoreVersion(),
+                        .clover = m_systemInfoDetector.cloverVersion()};
+    if (m_cachedBootloaderInfo == info)
+        return;
+    m_bootloaderDetector.bootDiskIdentifier = info.bootDisk;
+    m_bootloaderDetector.bootloaderDiskIdentifier = info.bootloaderDisk;
+    m_bootloaderDetector.openCoreVersion = info.openCore;
+    m_bootloaderDetector.cloverVersion = info.clover;
+    Log::line("🔄 Synced bootloader info: boot={} loader={} OC={} Clover={}", info.bootDisk.value_or("?"),
+              info.bootloaderDisk.value_or("same"), info.openCore.value_or("none"), info.clover.value_or("none"));
+    m_cachedBootloaderInfo = std::move(info);
 }
 
 void DiskManager::publishDisks(std::vector<PhysicalDisk> disks)
 {
     setDisks(std::move(disks));
+    closeRowsOfMissingDisks();
+    persistState();
+    updateEFIStates();
     setIsLoadingDisks(false);
     setHasCompletedInitialScan(true);
+    m_defaults.set(DefaultsKeys::kLastRefreshTime, m_scheduler.date());
+}
+
+void DiskManager::closeRowsOfMissingDisks()
+{
+    std::set<std::string> stillThere;
+    for (const PhysicalDisk &disk : m_disks) {
+        if (m_expandedDisks.contains(disk.identifier))
+            stillThere.insert(disk.identifier);
+    }
+    setExpandedDisks(std::move(stillThere));
 }
 
 bool standsBefore(const PhysicalDisk &left, const PhysicalDisk &right)

@@ -1,8 +1,6 @@
 // The real program, as a process, on simulated machines.
 
-#include "support/SimulatedMachine.h"
-
-#include <QProcess>
+#include "cli/BrindlectlFixture.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
@@ -18,54 +16,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
-
-struct Outcome {
-    int status = -1;
-    std::string output;
-    std::string error;
-
-    [[nodiscard]] std::vector<std::string> identifiers() const
-    {
-        std::vector<std::string> result;
-        for (const auto &disk : nlohmann::json::parse(output))
-            result.push_back(disk.at("identifier"));
-        return result;
-    }
-};
-
-class Brindlectl : public testing::Test {
-protected:
-    Brindlectl() { std::filesystem::create_directory(temporary); }
-
-    void start(QProcess &process, const std::vector<std::string> &arguments)
-    {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("BRINDLE_TOOL_ROOT"), QString::fromStdString(machine.root().string()));
-        environment.insert(QStringLiteral("XDG_CONFIG_HOME"),
-                           QString::fromStdString((machine.root() / "config").string()));
-        environment.insert(QStringLiteral("TMPDIR"), QString::fromStdString(temporary.string()));
-        QStringList list;
-        for (const std::string &argument : arguments)
-            list << QString::fromStdString(argument);
-        process.setProcessEnvironment(environment);
-        process.start(QStringLiteral(BRINDLECTL), list);
-    }
-
-    Outcome run(const std::vector<std::string> &arguments, const QString &standardOutput = {})
-    {
-        QProcess process;
-        if (!standardOutput.isEmpty())
-            process.setStandardOutputFile(standardOutput);
-        start(process, arguments);
-        EXPECT_TRUE(process.waitForFinished(60'000));
-        EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
-        return {process.exitCode(), process.readAllStandardOutput().toStdString(),
-                process.readAllStandardError().toStdString()};
-    }
-
-    SimulatedMachine machine;
-    std::filesystem::path temporary = machine.root() / "tmp";
-};
 
 TEST_F(Brindlectl, ListsAMachineAsJsonAndPrintsNothingElse)
 {
@@ -94,8 +44,8 @@ TEST_F(Brindlectl, PrintsAPlainTableWhenNotOnATerminal)
     const Outcome list = run({"list"});
 
     EXPECT_EQ(list.status, 0);
-    EXPECT_EQ(list.output, "DISK       NAME       TYPE          SIZE  SMART     VOLUMES\n"
-                           "disk0      APPLE SSD  internal  500.3 GB  verified\n"
+    EXPECT_EQ(list.output, "DISK       NAME       TYPE          SIZE  USED  SMART     HOLDS  VOLUMES\n"
+                           "disk0      APPLE SSD  internal  500.3 GB     –  verified  –\n"
                            "  disk0s1  EFI        EFI       not mounted\n");
 }
 
@@ -117,8 +67,9 @@ TEST_F(Brindlectl, ShowsDiskImagesOnlyWhenTheSettingsFileSaysTheBooleanTrue)
     const auto store = machine.root() / "config/brindle/com.orlane.Brindle.plist";
     std::filesystem::create_directories(store.parent_path());
     const auto write = [&](const std::string &value) {
-        std::ofstream(store) << "<?xml version=\"1.0\"?>\n<plist version=\"1.0\"><dict><key>ShowDiskImages</key>"
-                             << value << "</dict></plist>\n";
+        std::ofstream(store) << "<?xml version=\"1.0\"?>\n<plist version=\"1.0\"><dict>"
+                             << "<key>PreferencesInitialized</key><true/><key>ShowDiskImages</key>" << value
+                             << "</dict></plist>\n";
     };
 
     write("<true/>");
@@ -182,7 +133,7 @@ TEST_F(Brindlectl, ListsTheDemoMachineAndLeavesNothingOfIt)
 {
     const Outcome list = run({"list", "--demo", "--json"});
 
-    EXPECT_EQ(list.identifiers(), (std::vector<std::string>{"disk0", "disk2", "disk3", "disk4", "disk5"}));
+    EXPECT_EQ(list.identifiers(), (std::vector<std::string>{"disk0", "disk3", "disk2", "disk4", "disk5"}));
     EXPECT_TRUE(std::filesystem::is_empty(temporary));
     EXPECT_TRUE(machine.calls().empty());
 }

@@ -2,8 +2,10 @@
 
 #include "detectors/DiskDetector.h"
 #include "detectors/EFIPartitionReader.h"
+#include "detectors/FilesystemDetector.h"
 #include "detectors/ToolText.h"
 #include "support/Fixtures.h"
+#include "support/LogCapture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -74,6 +76,17 @@ TEST(HostileText, OfKeywordsGivesItsName)
               keywords.substr(std::string_view("Apple_HFS").size()));
 }
 
+TEST(HostileText, OfWordsIsSearchedForSystemsOnce)
+{
+    const LogCapture log;
+    const std::string words = repeated("linux filesyste journaled file syste apple_partition_schem exfa");
+
+    EXPECT_EQ(FilesystemDetector::analyzePartitionInfo(words, "disk0s1"), FilesystemFlags{});
+    EXPECT_EQ(FilesystemDetector::analyzeDiskList(words, "disk0"), FilesystemFlags{});
+    EXPECT_TRUE(FilesystemDetector::analyzePartitionInfo(words + "t", "disk0s1").hasExFAT);
+    EXPECT_TRUE(FilesystemDetector::analyzeMainDiskInfo(repeated("Content (IOContent):") + "NTFS", "disk0").hasWindows);
+}
+
 TEST(HostileText, OfLabelsInOneLineHasNoValueLeft)
 {
     const auto facts = DiskDetector::readDiskInfo("Whole: Yes\n" + repeated("Protocol:"), "disk0");
@@ -104,6 +117,14 @@ TEST(HostileText, OfManyEFIPartitionsGivesEachOnce)
     const std::string lines = numberedLines("EFI disk0s{}\n", kManyLines);
 
     EXPECT_THAT(EFIPartitionReader::efiCandidates("disk0", lines + lines), SizeIs(kManyLines));
+}
+
+TEST(HostileText, OfManyPartitionsGivesEachOnce)
+{
+    const std::string lines = numberedLines("disk0s{}\n", kManyLines);
+
+    EXPECT_THAT(FilesystemDetector::partitionIdentifiers(lines + lines, "disk0"), SizeIs(kManyLines));
+    EXPECT_FALSE(FilesystemDetector::isEFIPartitionLine("disk0s200000", lines));
 }
 
 TEST(HostileText, OfManyContainersGivesEachOnce)
@@ -138,13 +159,15 @@ std::size_t findingsIn(std::string_view text)
     const auto volumes = DiskDetector::readSectionVolumes(text, "disk0");
     return DiskDetector::parseDiskIdentifiers(text).size() + volumes.entries.size() + volumes.containers.size() +
            volumes.unnamedPartitions.size() + DiskDetector::readAPFSVolumeNames(text, "disk1").size() +
-           EFIPartitionReader::efiCandidates("disk0", text).size();
+           EFIPartitionReader::efiCandidates("disk0", text).size() +
+           FilesystemDetector::partitionIdentifiers(text, "disk0").size();
 }
 
 class TruncatedText : public testing::TestWithParam<const char *> {};
 
 TEST_P(TruncatedText, NeverHoldsMoreThanTheWhole)
 {
+    const LogCapture log;
     const std::string whole = fixture(GetParam());
 
     for (std::size_t length = 0; length <= whole.size(); ++length) {
@@ -155,6 +178,8 @@ TEST_P(TruncatedText, NeverHoldsMoreThanTheWhole)
             EXPECT_FALSE(facts->name.empty()) << length;
         (void)DiskDetector::readVolumeName(start);
         (void)EFIPartitionReader::readPartitionInfo(start, "disk0s1");
+        (void)FilesystemDetector::analyzeMainDiskInfo(start, "disk0");
+        (void)FilesystemDetector::analyzePartitionInfo(start, "disk0s1");
     }
 }
 
@@ -171,7 +196,9 @@ TEST(HostileText, OfArbitraryBytesHoldsNothing)
     for (unsigned value = 0; value < kMillion; ++value)
         bytes += static_cast<char>(value * 7919U >> 3U);
 
+    const LogCapture log;
     EXPECT_EQ(findingsIn(bytes), 0U);
+    EXPECT_EQ(FilesystemDetector::analyzePartitionInfo(bytes, "disk0s1"), FilesystemFlags{});
     EXPECT_FALSE(DiskDetector::readDiskInfo(bytes, "disk0"));
     EXPECT_FALSE(DiskDetector::isExposedDiskImage(bytes));
 }

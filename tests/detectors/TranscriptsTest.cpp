@@ -7,10 +7,12 @@
 #include "base/Text.h"
 #include "detectors/DiskDetector.h"
 #include "detectors/EFIPartitionReader.h"
+#include "detectors/FilesystemDetector.h"
 #include "detectors/ToolText.h"
 #include "state/DiskutilListSections.h"
 #include "support/FakeToolRunner.h"
 #include "support/Fixtures.h"
+#include "support/LogCapture.h"
 #include "support/MemoryUserDefaults.h"
 
 #include <gtest/gtest.h>
@@ -69,6 +71,27 @@ std::string_view nameOf(DiskDetector::VolumeRank rank)
     return {};
 }
 
+std::vector<std::string> namesOf(const FilesystemFlags &flags)
+{
+    std::vector<std::string> names;
+    for (const auto &[isThere, name] : {std::pair(flags.hasMacOS, "macOS"), std::pair(flags.hasWindows, "Windows"),
+                                        std::pair(flags.hasLinux, "Linux"), std::pair(flags.hasExFAT, "ExFAT")}) {
+        if (isThere)
+            names.emplace_back(name);
+    }
+    return names;
+}
+
+/// The partitions of a section that the detector of systems asks the tool about.
+std::vector<std::string> partitionsToAskAbout(std::string_view disk, std::string_view section)
+{
+    std::vector<std::string> partitions = FilesystemDetector::partitionIdentifiers(section, disk);
+    std::erase_if(partitions, [&](const std::string &partition) {
+        return FilesystemDetector::isEFIPartitionLine(partition, section);
+    });
+    return partitions;
+}
+
 std::string readingOfSection(const std::string &disk, const std::string &section)
 {
     const DiskDetector::SectionVolumes volumes = DiskDetector::readSectionVolumes(section, disk);
@@ -78,7 +101,9 @@ std::string readingOfSection(const std::string &disk, const std::string &section
     return flag("disk image", DiskDetector::isExposedDiskImage(section)) + field("volumes", entries) +
            field("containers", volumes.containers) + field("unnamed", volumes.unnamedPartitions) +
            field("APFS names", DiskDetector::readAPFSVolumeNames(section, disk)) +
-           field("EFI", EFIPartitionReader::efiCandidates(disk, section));
+           field("EFI", EFIPartitionReader::efiCandidates(disk, section)) +
+           field("not EFI", partitionsToAskAbout(disk, section)) +
+           field("systems", namesOf(FilesystemDetector::analyzeDiskList(section, disk)));
 }
 
 std::string readingOfList(std::string_view list)
@@ -136,7 +161,10 @@ std::string readingOfPartition(std::string_view info, const std::string &identif
 std::string readingOfInfo(std::string_view info)
 {
     const std::string identifier = identifierIn(info);
-    return readingOfWholeDisk(info, identifier) + readingOfPartition(info, identifier);
+    return readingOfWholeDisk(info, identifier) +
+           field("systems", namesOf(FilesystemDetector::analyzeMainDiskInfo(info, identifier))) +
+           readingOfPartition(info, identifier) +
+           field("systems", namesOf(FilesystemDetector::analyzePartitionInfo(info, identifier)));
 }
 
 using Reader = std::string (*)(std::string_view text);
@@ -170,24 +198,76 @@ void write(const fs::path &file, const std::string &text)
     std::ofstream(file, std::ios::binary) << text;
 }
 
-TEST(Transcripts, ReadAsReviewed)
+/// Compares a reading with the kept one at \a path; writes it instead where that is asked for.
+void expectGolden(const fs::path &path, const std::string &reading)
 {
-    const char *folder = std::getenv("BRINDLE_TRANSCRIPTS");
-    if (!folder)
-        GTEST_SKIP() << "BRINDLE_TRANSCRIPTS names no folder";
-    const bool isUpdate = std::getenv("BRINDLE_UPDATE_GOLDEN") != nullptr;
+    const fs::path golden = fs::path(BRINDLE_TESTS) / "golden" / path;
+    if (std::getenv("BRINDLE_UPDATE_GOLDEN"))
+        write(golden, reading);
+    EXPECT_EQ(reading, contentsOf(golden));
+}
 
+class Transcripts : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        if (const char *named = std::getenv("BRINDLE_TRANSCRIPTS"))
+            folder = named;
+        else
+            GTEST_SKIP() << "BRINDLE_TRANSCRIPTS names no folder";
+    }
+
+    LogCapture log;
+    fs::path folder;
+};
+
+TEST_F(Transcripts, ReadAsReviewed)
+{
     int compared = 0;
     for (const auto &[path, kind] : indexOf(folder)) {
         SCOPED_TRACE(path);
-        const Reader reader = readerOf(kind);
-        if (!reader)
+        if (const Reader reader = readerOf(kind)) {
+            expectGolden(path, reader(contentsOf(folder / path)));
+            ++compared;
+        }
+    }
+    EXPECT_GT(compared, 0);
+}
+
+/// The text of `diskutil info` of a disk or a partition among the texts of its machine, where it is one of them.
+std::optional<std::string> infoAmong(const fs::path &machine, const std::string &identifier)
+{
+    const fs::path file = machine / fmt::format("info-{}.txt", identifier);
+    return fs::exists(file) ? std::optional(contentsOf(file)) : std::nullopt;
+}
+
+/// The systems of each disk of a list, as all texts of the machine tell them together.
+std::string systemsOfMachine(const fs::path &machine, const std::string &list)
+{
+    std::string reading;
+    for (const auto &[disk, section] : parseDiskutilListSections(list)) {
+        FakeToolRunner tools;
+        for (const std::string &partition : FilesystemDetector::partitionIdentifiers(section, disk)) {
+            if (auto info = infoAmong(machine, partition))
+                tools.answer("/usr/sbin/diskutil info " + partition, *std::move(info));
+        }
+        FilesystemDetector detector(tools, ToolPaths::system());
+        auto detection = detector.detectFilesystems(disk, infoAmong(machine, disk).value_or(""), section);
+        reading += fmt::format("{}: {}\n", disk, namesOf(blockOn(std::move(detection))));
+    }
+    return reading;
+}
+
+TEST_F(Transcripts, TellTheSystemsOfEachMachineAsReviewed)
+{
+    int compared = 0;
+    for (const auto &[path, kind] : indexOf(folder)) {
+        SCOPED_TRACE(path);
+        if (!path.starts_with("machines/") || !kind.starts_with("list"))
             continue;
-        const std::string reading = reader(contentsOf(fs::path(folder) / path));
-        const fs::path golden = fs::path(BRINDLE_TESTS) / "golden" / path;
-        if (isUpdate)
-            write(golden, reading);
-        EXPECT_EQ(reading, contentsOf(golden));
+        const fs::path machine = fs::path(path).parent_path();
+        const std::string reading = systemsOfMachine(folder / machine, contentsOf(folder / path));
+        expectGolden(machine / ("systems-of-" + fs::path(path).filename().string()), reading);
         ++compared;
     }
     EXPECT_GT(compared, 0);

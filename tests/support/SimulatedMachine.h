@@ -18,7 +18,7 @@ struct SimulatedAnswer {
     std::string standardOutput;
     std::string standardError;
     int status = 0;
-    std::string delay; ///< Milliseconds, or "hang".
+    std::string delay; ///< Milliseconds, "hang", or "die" for a tool that is killed.
 };
 
 /// One disk of a simulated machine. Each call changes the machine's answers at once.

@@ -2,14 +2,15 @@
 //
 // Called as ROOT/usr/sbin/diskutil it looks in ROOT/usr/sbin/diskutil.answers for a folder named by its arguments,
 // joined by blanks with "/" as "%". There "stdout" and "stderr" are printed, "delay" is waited in milliseconds before
-// ("hang": for ever) and "status" is the exit status. Each start and end is a line of ROOT/calls.log. Without an answer
-// it fails as the tools do for what they don't know.
+// ("hang": for ever; "die": it is killed instead) and "status" is the exit status. Each start and end is a line of
+// ROOT/calls.log. Without an answer it fails as the tools do for what they don't know.
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <string>
 
@@ -51,6 +52,8 @@ void note(const std::string &root, const std::string &line)
 
 void wait(const std::string &delay)
 {
+    if (delay == "die")
+        raise(SIGKILL);
     if (delay == "hang") {
         while (true)
             pause();

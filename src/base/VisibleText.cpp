@@ -1,0 +1,80 @@
+#include "base/VisibleText.h"
+
+#include "base/Text.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+namespace brindle {
+
+namespace {
+
+constexpr char32_t kReplacement = 0xFFFD;
+
+struct Range {
+    char32_t first;
+    char32_t last;
+};
+
+// General category Cc, Cf without the joiners that emoji and scripts are built with, Zl and Zp of Unicode 15, and the
+// blank fillers that show nothing.
+constexpr std::array kInvisible{
+    Range{0x00, 0x1F},     Range{0x7F, 0x9F},     Range{0xAD, 0xAD},     Range{0x61C, 0x61C},   Range{0x115F, 0x1160},
+    Range{0x180E, 0x180E}, Range{0x200B, 0x200B}, Range{0x200E, 0x200F}, Range{0x2028, 0x202E}, Range{0x2060, 0x206F},
+    Range{0x3164, 0x3164}, Range{0xFEFF, 0xFEFF}, Range{0xFFA0, 0xFFA0}, Range{0xFFF9, 0xFFFB}, Range{0xE0000, 0xE007F},
+};
+
+bool isInvisible(char32_t character)
+{
+    return std::any_of(kInvisible.begin(), kInvisible.end(),
+                       [&](const Range &range) { return character >= range.first && character <= range.last; });
+}
+
+std::size_t sequenceLength(unsigned char lead)
+{
+    if (lead < 0x80)
+        return 1;
+    if (lead >= 0xF0)
+        return 4;
+    return lead >= 0xE0 ? 3 : 2;
+}
+
+} // namespace
+
+std::string visibleText(std::string_view text)
+{
+    std::string result;
+    while (!text.empty()) {
+        const std::string_view before = text;
+        const char32_t character = takeCharacter(text);
+        if (character == kReplacement)
+            result += "\uFFFD";
+        else if (isInvisible(character))
+            result += fmt::format("<U+{:04X}>", static_cast<std::uint32_t>(character));
+        else
+            result += before.substr(0, before.size() - text.size());
+    }
+    return result;
+}
+
+char32_t takeCharacter(std::string_view &text)
+{
+    const auto lead = static_cast<unsigned char>(text.front());
+    const std::size_t length = sequenceLength(lead);
+    const std::string_view sequence = text.substr(0, length);
+    if (!isUtf8(sequence)) {
+        text.remove_prefix(1);
+        return kReplacement;
+    }
+    text.remove_prefix(length);
+    char32_t character = length == 1 ? lead : lead & (0x7FU >> length);
+    for (const char next : sequence.substr(1))
+        character = character << 6 | (static_cast<unsigned char>(next) & 0x3FU);
+    return character;
+}
+
+} // namespace brindle
