@@ -61,8 +61,8 @@ int info(Context &context, const Verb &verb, Arguments arguments)
     if (arguments.size() != 1)
         return complainAboutUsage(context, verb);
     const std::string_view name = arguments.front();
-    const Inventory inventory =
-        context.source.read({.name = std::string(name), .withContents = true, .withDetails = true, .withMounts = true});
+    const Inventory inventory = context.source.read(
+        {.name = std::string(name), .onlyNamed = true, .withContents = true, .withDetails = true, .withMounts = true});
     const auto device = findDevice(inventory, name);
     if (!device)
         return complainAboutName(context, name);
@@ -98,7 +98,8 @@ std::string helpText()
     for (const Verb &verb : kVerbs)
         fmt::format_to(std::back_inserter(text), "   {:<36} {}\n", fmt::format("{} {}", verb.name, verb.usage),
                        verb.help);
-    return text + "\nDISK is an identifier (disk2, disk2s1), a device node, a mount point or a volume's name.\n";
+    return text + "\nDISK is an identifier (disk2, disk2s1), a device node or a link to one, a mount point or a "
+                  "volume's name.\n";
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "command/Command.h"
 
 #include "kernel/KernelInventory.h"
+#include "kernel/UDisksModule.h"
 #include "machine/MachineFileActor.h"
 #include "machine/MachineFileInventory.h"
 
@@ -8,6 +9,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <utility>
 
 namespace brindle::tools {
 namespace {
@@ -29,7 +31,9 @@ int runCommand(int (*command)(Context &, Arguments), Arguments arguments, std::s
     };
     const auto root = MachineFile::findRoot(programPath());
     if (!root) {
-        KernelInventory kernel;
+        KernelRoots roots;
+        roots.systemBus = systemBusAddress();
+        KernelInventory kernel(std::move(roots));
         return run(kernel, nullptr);
     }
     const MachineFile file(*root);

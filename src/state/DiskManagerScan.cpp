@@ -87,12 +87,12 @@ QCoro::Task<> DiskManager::scanDisks(bool force, CancellationToken token)
     syncBootloaderInfo();
 
     Log::line("   ➡️ Running df -k");
-    auto usageText = m_tools.outputIfAny(m_paths.df(), {"-k"}, token);
+    auto usageText = m_tools.outputIfAny(m_paths.df(), {"-k"}, {}, token);
     DiskUsage usage = parseDfOutput((co_await usageText).value_or(""));
     Log::line("   ✅ df -k finished");
 
     Log::line("   ➡️ Running diskutil list");
-    auto listText = m_tools.outputIfAny(m_paths.diskutil(), {"list"}, token);
+    auto listText = m_tools.outputIfAny(m_paths.diskutil(), {"list"}, {}, token);
     DiskutilListSections sections = parseDiskutilListSections((co_await listText).value_or(""));
     Log::line("   ✅ diskutil list finished");
 
