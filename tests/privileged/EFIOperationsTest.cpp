@@ -30,7 +30,6 @@ protected:
     {
         std::filesystem::create_directories(root() + "/usr/sbin");
         std::ofstream(diskutil()) << "";
-        paths = ToolPaths::underRoot(root());
         (void)store.add(kPasswordKey, Secret("open sesame"));
         answerInfo(kUnmounted);
     }
@@ -80,17 +79,14 @@ protected:
     FakeToolRunner tools;
     FakeMountNotifier notifier{journal};
     FakeWorkspace workspace{journal};
-    EFIOperations &operations = makeOperations();
+    EFIOperations operations = makeOperations();
 
 private:
-    EFIOperations &makeOperations()
+    EFIOperations makeOperations()
     {
-        paths = ToolPaths::underRoot(root());
-        m_operations.emplace(tools, paths, keychain(), notifier, workspace, defaults);
-        return *m_operations;
+        paths = ToolPaths::underRoot(root()); // the keychain helper has a reference to them
+        return EFIOperations(tools, paths, keychain(), notifier, workspace, defaults);
     }
-
-    std::optional<EFIOperations> m_operations;
 };
 
 // --- mount

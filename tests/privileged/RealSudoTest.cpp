@@ -3,6 +3,7 @@
 
 #include "privileged/KeychainFixture.h"
 
+#include "platform/linux/FileDescriptor.h"
 #include "platform/linux/LinuxChildProcess.h"
 
 #include <gmock/gmock.h>
@@ -59,19 +60,21 @@ public:
     {
         mkfifo(begun().c_str(), 0666);
         mkfifo(goOn().c_str(), 0666);
-        run =
-            keychain.runPrivileged("/bin/sh", {"-c", "echo $PPID > \"$1\"; read line < \"$2\"", "sh", begun(), goOn()});
+        const std::string script = "exec 3<>\"$2\"; echo $PPID > \"$1\"; read line <&3";
+        run = keychain.runPrivileged("/bin/sh", {"-c", script, "sh", begun(), goOn()});
         std::ifstream(begun()) >> sudo;
     }
-    ~WaitingTool()
-    {
-        // Without a reader there is nobody to tell: the tool has ended already.
-        const int descriptor = open(goOn().c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
-        if (descriptor >= 0)
-            close(descriptor);
-    }
+    ~WaitingTool() { letEnd(); }
     WaitingTool(const WaitingTool &) = delete;
     WaitingTool &operator=(const WaitingTool &) = delete;
+
+    void letEnd()
+    {
+        const FileDescriptor pipe(open(goOn().c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC));
+        if (pipe) { // else nobody reads: the tool has ended already
+            EXPECT_EQ(write(pipe.value(), "\n", 1), 1);
+        }
+    }
 
     QCoro::Task<std::string> run;
     pid_t sudo = 0;
@@ -170,7 +173,10 @@ TEST_F(RealSudo, ShowsThePasswordInNoCommandLine)
 
     std::ifstream file("/proc/" + std::to_string(tool.sudo) + "/cmdline");
     const std::string commandLine{std::istreambuf_iterator<char>(file), {}};
+    tool.letEnd();
+    const std::string output = resultOf(std::move(tool.run));
 
+    EXPECT_EQ(output, "");
     EXPECT_THAT(commandLine, HasSubstr("sudo"));
     EXPECT_THAT(commandLine, Not(HasSubstr("sesame")));
 }
