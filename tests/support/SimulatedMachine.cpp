@@ -4,6 +4,7 @@
 #include "base/BlockOn.h"
 #include "base/Log.h"
 #include "platform/linux/LinuxChildProcess.h"
+#include "platform/qt/MachineFileEvents.h"
 #include "platform/qt/QtScheduler.h"
 #include "support/LogCapture.h"
 #include "support/MemoryUserDefaults.h"
@@ -233,6 +234,7 @@ Platform SimulatedMachine::platform() const
     return {.scheduler = std::make_unique<QtScheduler>(),
             .childProcesses = std::make_unique<LinuxChildProcessLauncher>(),
             .userDefaults = std::make_unique<MemoryUserDefaults>(),
+            .diskEvents = std::make_unique<MachineFileEvents>(m_root),
             .toolPaths = ToolPaths::underRoot(m_root.string())};
 }
 
