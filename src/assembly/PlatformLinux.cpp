@@ -2,8 +2,10 @@
 
 #include "platform/MemorySecretStore.h"
 #include "platform/linux/LinuxChildProcess.h"
+#include "platform/linux/LinuxDiskEvents.h"
 #include "platform/linux/LinuxSecretStore.h"
 #include "platform/linux/PlistUserDefaults.h"
+#include "platform/qt/MachineFileEvents.h"
 #include "platform/qt/QtScheduler.h"
 
 #include <QCoreApplication>
@@ -25,6 +27,14 @@ std::unique_ptr<SecretStore> secretStoreFor(const PlatformChanges &changes)
     return std::make_unique<LinuxSecretStore>();
 }
 
+/// The kernel's events say nothing of a simulated machine.
+std::unique_ptr<DiskEvents> makeDiskEvents(const PlatformChanges &changes)
+{
+    if (changes.toolRoot)
+        return std::make_unique<MachineFileEvents>(*changes.toolRoot);
+    return std::make_unique<LinuxDiskEvents>();
+}
+
 } // namespace
 
 Platform makePlatform(const PlatformChanges &changes)
@@ -35,6 +45,7 @@ Platform makePlatform(const PlatformChanges &changes)
         .userDefaults =
             std::make_unique<PlistUserDefaults>(changes.userDefaultsFile.value_or(PlistUserDefaults::defaultPath())),
         .secretStore = secretStoreFor(changes),
+        .diskEvents = makeDiskEvents(changes),
         .toolPaths = changes.toolRoot ? ToolPaths::underRoot(*changes.toolRoot) : suppliedTools(),
     };
 }

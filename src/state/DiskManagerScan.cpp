@@ -38,6 +38,8 @@ QCoro::Task<> DiskManager::refresh(bool force)
 QCoro::Task<> DiskManager::startScan(bool force)
 {
     m_refreshToken.cancel();
+    if (m_scansUnderWay++ == 0)
+        m_scansEnded = Completion<bool>();
     if (force && m_isLoadingDisks) {
         // The cancelled scan's tools are given time to end.
         auto pause = m_scheduler.sleep(200ms);
@@ -47,6 +49,17 @@ QCoro::Task<> DiskManager::startScan(bool force)
     m_refreshToken = token;
     auto scan = spawn([this, force, token] { return scanDisks(force, token); });
     co_await scan;
+    if (--m_scansUnderWay == 0)
+        m_scansEnded.complete(true);
+}
+
+QCoro::Task<> DiskManager::stopScan()
+{
+    m_refreshToken.cancel();
+    if (m_scansUnderWay == 0)
+        co_return;
+    const Completion<bool> ended = m_scansEnded;
+    co_await ended;
 }
 
 QCoro::Task<> DiskManager::scanDisks(bool force, CancellationToken token)

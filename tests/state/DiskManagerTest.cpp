@@ -172,6 +172,29 @@ TEST_F(DiskManagerTest, DropsTheResultOfAScanThatIsCancelledWhileItReadsDisks)
     EXPECT_THAT(log.lines(), Contains("   ❌ Task cancelled after processing disks"));
 }
 
+TEST_F(DiskManagerTest, StopsItsScanByEndingTheToolThatRuns)
+{
+    plugIn({"disk0"});
+    tools.hold("/usr/sbin/diskutil info disk0");
+    auto scanning = manager().startScan(false);
+    awaitCall("/usr/sbin/diskutil info disk0");
+
+    blockOn(manager().stopScan(), 1s);
+
+    EXPECT_TRUE(manager().disks().empty());
+    EXPECT_THAT(log.lines(), Contains("   ❌ Task cancelled after processing disks"));
+}
+
+TEST_F(DiskManagerTest, HasNothingToStopWhenNoScanIsUnderWay)
+{
+    plugIn({"disk0"});
+    scan();
+
+    blockOn(manager().stopScan(), 1s);
+
+    EXPECT_EQ(manager().disks().size(), 1U);
+}
+
 TEST_F(DiskManagerTest, GivesWayToTheSecondOfTwoScansOfOneTurn)
 {
     tools.answer("/usr/sbin/diskutil list physical", "");

@@ -5,6 +5,7 @@
 #include "base/Log.h"
 #include "platform/MemorySecretStore.h"
 #include "platform/linux/LinuxChildProcess.h"
+#include "platform/qt/MachineFileEvents.h"
 #include "platform/qt/QtScheduler.h"
 #include "support/LogCapture.h"
 #include "support/MemoryUserDefaults.h"
@@ -235,6 +236,7 @@ Platform SimulatedMachine::platform() const
             .childProcesses = std::make_unique<LinuxChildProcessLauncher>(),
             .userDefaults = std::make_unique<MemoryUserDefaults>(),
             .secretStore = std::make_unique<MemorySecretStore>(),
+            .diskEvents = std::make_unique<MachineFileEvents>(m_root),
             .toolPaths = ToolPaths::underRoot(m_root.string())};
 }
 
