@@ -198,6 +198,20 @@ TEST_F(DiskManagerTest, MendsTheFlagByAForcedScanThatWaitsForTheCancelledOnesToo
     EXPECT_TRUE(manager().hasCompletedInitialScan());
 }
 
+TEST_F(DiskManagerTest, ScansWithoutForceAlsoForAForcedRefresh)
+{
+    tools.answer("/usr/sbin/diskutil list physical", "");
+    tools.hold("/usr/sbin/diskutil list physical");
+    auto running = manager().startScan(false);
+    awaitCall("/usr/sbin/diskutil list physical");
+
+    blockOn(manager().refresh(true), 1s);
+    blockOn(std::move(running), 1s);
+
+    EXPECT_THAT(log.lines(), Contains("   ⏸️ Scan already in progress, skipping"));
+    EXPECT_TRUE(manager().isLoadingDisks());
+}
+
 TEST_F(DiskManagerTest, DropsTheResultOfAScanThatIsCancelledWhileItReadsDisks)
 {
     plugIn({"disk0"});
@@ -224,6 +238,8 @@ TEST_F(DiskManagerTest, GivesWayToTheSecondOfTwoScansOfOneTurn)
     blockOn(std::move(second), 1s);
 
     EXPECT_THAT(tools.calls(), ElementsAre("/usr/sbin/diskutil list physical"));
+    EXPECT_TRUE(manager().hasCompletedInitialScan());
+    EXPECT_FALSE(manager().isLoadingDisks());
 }
 
 } // namespace
