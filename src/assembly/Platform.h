@@ -2,6 +2,7 @@
 
 #include "platform/ChildProcess.h"
 #include "platform/Scheduler.h"
+#include "platform/SecretStore.h"
 #include "platform/UserDefaults.h"
 #include "records/ToolPaths.h"
 
@@ -17,12 +18,14 @@ struct Platform {
     std::unique_ptr<Scheduler> scheduler;
     std::unique_ptr<ChildProcessLauncher> childProcesses;
     std::unique_ptr<UserDefaults> userDefaults;
+    std::unique_ptr<SecretStore> secretStore;
     ToolPaths toolPaths;
 };
 
 /// What stands in place of the system's own; absent for what does not.
 struct PlatformChanges {
     /// A folder that is put in front of every tool's path, so that a folder of programs stands for a whole machine.
+    /// The real secret store is never opened then, so that a replaced sudo can't be handed a real password.
     std::optional<std::string> toolRoot;
     std::optional<std::filesystem::path> userDefaultsFile;
 };

@@ -1,6 +1,8 @@
 #include "assembly/Platform.h"
 
+#include "platform/MemorySecretStore.h"
 #include "platform/linux/LinuxChildProcess.h"
+#include "platform/linux/LinuxSecretStore.h"
 #include "platform/linux/PlistUserDefaults.h"
 #include "platform/qt/QtScheduler.h"
 
@@ -16,6 +18,13 @@ ToolPaths suppliedTools()
     return ToolPaths::withSuppliedTools(QCoreApplication::applicationDirPath().toStdString() + "/../libexec/brindle");
 }
 
+std::unique_ptr<SecretStore> secretStoreFor(const PlatformChanges &changes)
+{
+    if (changes.toolRoot)
+        return std::make_unique<MemorySecretStore>();
+    return std::make_unique<LinuxSecretStore>();
+}
+
 } // namespace
 
 Platform makePlatform(const PlatformChanges &changes)
@@ -25,6 +34,7 @@ Platform makePlatform(const PlatformChanges &changes)
         .childProcesses = std::make_unique<LinuxChildProcessLauncher>(),
         .userDefaults =
             std::make_unique<PlistUserDefaults>(changes.userDefaultsFile.value_or(PlistUserDefaults::defaultPath())),
+        .secretStore = secretStoreFor(changes),
         .toolPaths = changes.toolRoot ? ToolPaths::underRoot(*changes.toolRoot) : suppliedTools(),
     };
 }

@@ -3,6 +3,7 @@
 #include "assembly/Assembly.h"
 #include "base/BlockOn.h"
 #include "base/Log.h"
+#include "platform/MemorySecretStore.h"
 #include "platform/linux/LinuxChildProcess.h"
 #include "platform/qt/QtScheduler.h"
 #include "support/LogCapture.h"
@@ -233,6 +234,7 @@ Platform SimulatedMachine::platform() const
     return {.scheduler = std::make_unique<QtScheduler>(),
             .childProcesses = std::make_unique<LinuxChildProcessLauncher>(),
             .userDefaults = std::make_unique<MemoryUserDefaults>(),
+            .secretStore = std::make_unique<MemorySecretStore>(),
             .toolPaths = ToolPaths::underRoot(m_root.string())};
 }
 
