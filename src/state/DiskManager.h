@@ -115,12 +115,16 @@ private:
     void restorePersistedDisks();
 
     QCoro::Task<> scanDisks(bool force, CancellationToken token);
+    QCoro::Task<> detectSystemInfo();
+    QCoro::Task<DiskUsage> readUsage(CancellationToken token);
+    QCoro::Task<DiskutilListSections> readSections(CancellationToken token);
     QCoro::Task<std::vector<PhysicalDisk>> processDisks(std::vector<std::string> identifiers, DiskUsage usage,
                                                         DiskutilListSections sections, CancellationToken token);
     QCoro::Task<> processNextDisks(ScanBatch *batch, CancellationToken token);
     QCoro::Task<std::optional<PhysicalDisk>> processDisk(std::string identifier, const DiskUsage *usage,
                                                          std::string section, CancellationToken token);
     void detectBootloaders(PhysicalDisk &disk);
+    void endWithoutDisks();
     void publishDisks(std::vector<PhysicalDisk> disks);
     void closeRowsOfMissingDisks();
 
