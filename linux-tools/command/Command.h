@@ -1,5 +1,6 @@
 #pragma once
 
+#include "command/Answer.h"
 #include "inventory/InventorySource.h"
 
 #include <span>
@@ -10,11 +11,6 @@
 namespace brindle::tools {
 
 class Actor;
-
-// Exit statuses of the tools.
-constexpr int kDone = 0;
-constexpr int kFailed = 1;
-constexpr int kWrongUsage = 2;
 
 /// What a command works with.
 struct Context {
