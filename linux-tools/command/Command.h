@@ -22,6 +22,12 @@ struct Context {
 
 using Arguments = std::span<const std::string_view>;
 
+/// Whether a tool's or a verb's only argument asks for help.
+[[nodiscard]] inline bool isHelp(std::string_view argument)
+{
+    return argument == "--help" || argument == "-h";
+}
+
 /// The commands of the tools, with what stands behind the program's name. They return the exit status.
 [[nodiscard]] int runDiskutil(Context &context, Arguments arguments);
 [[nodiscard]] int runDf(Context &context, Arguments arguments);

@@ -4,7 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
 #include <string>
+#include <string_view>
 
 namespace brindle::tools {
 namespace {
@@ -31,6 +35,26 @@ INSTANTIATE_TEST_SUITE_P(Programs, FailsAloud,
                                          ProgramCase{"nvram", NVRAM_TOOL},
                                          ProgramCase{"system_profiler", SYSTEM_PROFILER_TOOL}),
                          [](const auto &info) { return info.param.name; });
+
+TEST(Diskutil, HasAPageThatShowsEachOfItsVerbs)
+{
+    std::ifstream file(DISKUTIL_PAGE);
+    const std::string page(std::istreambuf_iterator<char>(file), {});
+    std::istringstream help(runProgram({DISKUTIL_TOOL, "--help"}).output);
+
+    int verbs = 0;
+    for (std::string line; std::getline(help, line);) {
+        constexpr std::string_view kBeforeAVerb = "   ";
+        if (!line.starts_with(kBeforeAVerb) || line[kBeforeAVerb.size()] == ' ')
+            continue;
+        const std::string verb =
+            line.substr(kBeforeAVerb.size(), line.find(' ', kBeforeAVerb.size()) - kBeforeAVerb.size());
+        EXPECT_THAT(page, HasSubstr("\n.B diskutil " + verb + "\n"));
+        ++verbs;
+    }
+
+    EXPECT_GE(verbs, 8);
+}
 
 TEST(Df, TellsTheOtherVolumesWhereAMountPointLeadsToItself)
 {
