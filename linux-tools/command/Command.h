@@ -1,5 +1,6 @@
 #pragma once
 
+#include "command/Answer.h"
 #include "inventory/InventorySource.h"
 
 #include <span>
@@ -11,11 +12,6 @@ namespace brindle::tools {
 
 class Actor;
 
-// Exit statuses of the tools.
-constexpr int kDone = 0;
-constexpr int kFailed = 1;
-constexpr int kWrongUsage = 2;
-
 /// What a command works with.
 struct Context {
     InventorySource &source;
@@ -25,6 +21,12 @@ struct Context {
 };
 
 using Arguments = std::span<const std::string_view>;
+
+/// Whether a tool's or a verb's only argument asks for help.
+[[nodiscard]] inline bool isHelp(std::string_view argument)
+{
+    return argument == "--help" || argument == "-h";
+}
 
 /// The commands of the tools, with what stands behind the program's name. They return the exit status.
 [[nodiscard]] int runDiskutil(Context &context, Arguments arguments);

@@ -14,7 +14,7 @@ constexpr std::string_view kUsage = "Usage:  df [-k]\n"
 int runDf(Context &context, Arguments arguments)
 {
     const std::string_view option = arguments.empty() ? std::string_view() : arguments.front();
-    if (option == "--help") {
+    if (arguments.size() == 1 && isHelp(option)) {
         context.out += kUsage;
         return kDone;
     }

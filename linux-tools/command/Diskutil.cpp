@@ -22,9 +22,14 @@ struct Verb {
     int (*run)(Context &, const Verb &, Arguments);
 };
 
+std::string usageOf(const Verb &verb)
+{
+    return fmt::format("Usage:  diskutil {} {}\n{}.\n", verb.name, verb.usage, verb.help);
+}
+
 int complainAboutUsage(Context &context, const Verb &verb)
 {
-    context.err += fmt::format("Usage:  diskutil {} {}\n{}.\n", verb.name, verb.usage, verb.help);
+    context.err += usageOf(verb);
     return kWrongUsage;
 }
 
@@ -36,7 +41,7 @@ int complainAboutName(Context &context, std::string_view name)
 
 int list(Context &context, const Verb &verb, Arguments arguments)
 {
-    if (arguments.size() > 1)
+    if (arguments.size() > 1 || (arguments.size() == 1 && arguments.front().empty()))
         return complainAboutUsage(context, verb);
     if (arguments.empty()) {
         context.out += listText(context.source.read({.name = {}, .withContents = true}));
@@ -58,11 +63,11 @@ int list(Context &context, const Verb &verb, Arguments arguments)
 
 int info(Context &context, const Verb &verb, Arguments arguments)
 {
-    if (arguments.size() != 1)
+    if (arguments.size() != 1 || arguments.front().empty())
         return complainAboutUsage(context, verb);
     const std::string_view name = arguments.front();
-    const Inventory inventory =
-        context.source.read({.name = std::string(name), .withContents = true, .withDetails = true, .withMounts = true});
+    const Inventory inventory = context.source.read(
+        {.name = std::string(name), .onlyNamed = true, .withContents = true, .withDetails = true, .withMounts = true});
     const auto device = findDevice(inventory, name);
     if (!device)
         return complainAboutName(context, name);
@@ -94,11 +99,12 @@ constexpr std::array kVerbs{
 
 std::string helpText()
 {
-    std::string text = "Usage:  diskutil VERB [ARGUMENTS]\n\n";
+    std::string text = "Usage:  diskutil VERB [ARGUMENTS]\n        diskutil help [VERB]\n\n";
     for (const Verb &verb : kVerbs)
         fmt::format_to(std::back_inserter(text), "   {:<36} {}\n", fmt::format("{} {}", verb.name, verb.usage),
                        verb.help);
-    return text + "\nDISK is an identifier (disk2, disk2s1), a device node, a mount point or a volume's name.\n";
+    return text + "\nDISK is an identifier (disk2, disk2s1), a device node or a link to one, a mount point or a "
+                  "volume's name.\n";
 }
 
 } // namespace
@@ -109,15 +115,21 @@ int runDiskutil(Context &context, Arguments arguments)
         context.err += helpText();
         return kWrongUsage;
     }
-    if (arguments.front() == "--help") {
+    const bool asksForHelp = isHelp(arguments.front()) || arguments.front() == "help";
+    if (asksForHelp && arguments.size() == 1) {
         context.out += helpText();
         return kDone;
     }
-    const auto verb = std::ranges::find(kVerbs, arguments.front(), &Verb::name);
+    const std::string_view name = asksForHelp ? arguments[1] : arguments[0];
+    const auto verb = std::ranges::find(kVerbs, name, &Verb::name);
     if (verb == kVerbs.end()) {
         context.err += fmt::format("diskutil: did not recognize verb \"{}\"; type \"diskutil --help\" for a list\n",
-                                   printable(arguments.front()));
+                                   printable(name));
         return kWrongUsage;
+    }
+    if (asksForHelp || (arguments.size() == 2 && isHelp(arguments[1]))) {
+        context.out += usageOf(*verb);
+        return kDone;
     }
     return verb->run(context, *verb, arguments.subspan(1));
 }

@@ -13,9 +13,9 @@ constexpr std::string_view kUsage = "Usage:  nvram NAME\n"
 int runNvram(Context &context, Arguments arguments)
 {
     if (arguments.size() != 1 || arguments.front().starts_with('-')) {
-        const bool isHelp = arguments.size() == 1 && arguments.front() == "--help";
-        (isHelp ? context.out : context.err) += kUsage;
-        return isHelp ? kDone : kWrongUsage;
+        const bool isAsked = arguments.size() == 1 && isHelp(arguments.front());
+        (isAsked ? context.out : context.err) += kUsage;
+        return isAsked ? kDone : kWrongUsage;
     }
     const auto variable = context.source.nvramVariable(arguments.front());
     if (!variable) {

@@ -1,6 +1,7 @@
 #include "hardware/CpuInfo.h"
 
-#include "hardware/LineReading.h"
+#include "text/LineReading.h"
+#include "text/Words.h"
 
 #include <algorithm>
 #include <array>
@@ -23,7 +24,7 @@ std::string without(std::string_view text, std::string_view word)
 std::vector<std::string_view> wordsOf(std::string_view text)
 {
     std::vector<std::string_view> words;
-    while (!(text = withoutBlanks(text)).empty()) {
+    while (!(text = trimmed(text)).empty()) {
         const std::size_t length = std::min(text.find(' '), text.size());
         words.push_back(text.substr(0, length));
         text.remove_prefix(length);
@@ -43,10 +44,10 @@ std::uint64_t megahertzIn(std::string_view modelName)
     const std::size_t at = modelName.find('@');
     if (at == std::string_view::npos)
         return 0;
-    const std::string_view text = withoutBlanks(modelName.substr(at + 1));
+    const std::string_view text = trimmed(modelName.substr(at + 1));
     double number = 0;
     const auto result = std::from_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed);
-    const std::string_view unit = withoutBlanks({result.ptr, text.data() + text.size()});
+    const std::string_view unit = trimmed({result.ptr, text.data() + text.size()});
     constexpr double kMostMegahertz = 100000;
     const double megahertz = unit == "GHz" ? number * 1000 : unit == "MHz" ? number : 0;
     return megahertz > 0 && megahertz < kMostMegahertz ? static_cast<std::uint64_t>(std::lround(megahertz)) : 0;
@@ -62,7 +63,7 @@ Line split(std::string_view line)
     const std::size_t colon = line.find(':');
     if (colon == std::string_view::npos)
         return {};
-    return {withoutBlanks(line.substr(0, colon)), withoutBlanks(line.substr(colon + 1))};
+    return {trimmed(line.substr(0, colon)), trimmed(line.substr(colon + 1))};
 }
 
 } // namespace
@@ -77,7 +78,7 @@ std::string shortProcessorName(std::string_view modelName)
     for (const std::string_view word : words)
         if (!isFiller(word))
             shortName.append(shortName.empty() ? "" : " ").append(word);
-    return shortName.empty() ? std::string(withoutBlanks(modelName)) : shortName;
+    return shortName.empty() ? std::string(trimmed(modelName)) : shortName;
 }
 
 Processor readCpuInfo(std::string_view cpuInfo)

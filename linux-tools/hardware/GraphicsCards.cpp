@@ -1,10 +1,12 @@
 #include "hardware/GraphicsCards.h"
 
 #include "hardware/Edid.h"
-#include "hardware/LineReading.h"
 #include "hardware/PciNames.h"
-#include "hardware/SystemFiles.h"
 #include "hardware/UdevProperties.h"
+
+#include "kernel/Files.h"
+#include "text/LineReading.h"
+#include "text/Words.h"
 
 #include <fmt/format.h>
 
@@ -66,7 +68,7 @@ std::vector<Display> displaysOf(const fs::path &device)
             continue;
         for (const std::string &name : namesIn(device / "drm" / card)) {
             const fs::path connector = device / "drm" / card / name;
-            if (name.starts_with(card + '-') && withoutBlanks(fileBytes(connector / "status")) == "connected")
+            if (name.starts_with(card + '-') && trimmed(fileBytes(connector / "status")) == "connected")
                 displays.push_back(readDisplay(connector, name));
         }
     }

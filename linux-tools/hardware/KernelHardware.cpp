@@ -3,10 +3,12 @@
 #include "hardware/CpuInfo.h"
 #include "hardware/FirmwareText.h"
 #include "hardware/GraphicsCards.h"
-#include "hardware/LineReading.h"
 #include "hardware/Smbios.h"
-#include "hardware/SystemFiles.h"
 #include "hardware/UdevProperties.h"
+
+#include "kernel/Files.h"
+#include "text/LineReading.h"
+#include "text/Words.h"
 
 #include <algorithm>
 #include <array>
@@ -46,7 +48,7 @@ std::uint64_t memoryTotal(std::string_view memInfo)
     const std::size_t at = memInfo.find(kLabel);
     if (at == std::string_view::npos)
         return 0;
-    const std::uint64_t kibibytes = leadingNumber(withoutBlanks(memInfo.substr(at + kLabel.size()))).value_or(0);
+    const std::uint64_t kibibytes = leadingNumber(trimmed(memInfo.substr(at + kLabel.size()))).value_or(0);
     return (kibibytes + kKibibytesInGibibyte - 1) / kKibibytesInGibibyte << 30;
 }
 
@@ -129,7 +131,7 @@ std::uint64_t KernelHardware::memoryBlockBytes() const
     const std::uint64_t blockBytes = leadingNumber(fileBytes(folder / "block_size_bytes"), 16).value_or(0);
     const auto names = namesIn(folder);
     const auto isOnline = [&](const std::string &name) {
-        return name.starts_with("memory") && withoutBlanks(fileBytes(folder / name / "state")) == "online";
+        return name.starts_with("memory") && trimmed(fileBytes(folder / name / "state")) == "online";
     };
     return blockBytes * static_cast<std::uint64_t>(std::ranges::count_if(names, isOnline));
 }

@@ -1,7 +1,9 @@
 #include "hardware/PciNames.h"
 
-#include "hardware/LineReading.h"
 #include "hardware/UdevProperties.h"
+
+#include "text/LineReading.h"
+#include "text/Words.h"
 
 #include <fmt/format.h>
 
@@ -40,7 +42,7 @@ std::string_view behind(std::string_view text, std::string_view start)
     if (at == std::string_view::npos)
         return {};
     std::string_view rest = text.substr(at + start.size());
-    return withoutBlanks(takeLine(rest));
+    return trimmed(takeLine(rest));
 }
 
 /// The lines of the devices at the start of \a text, with the newline before each.

@@ -1,20 +1,19 @@
 // system_profiler: prints model, processor, memory and graphics of this machine, or of the simulated one that it
 // belongs to.
 
+#include "command/Answer.h"
 #include "hardware/HardwareJson.h"
 #include "hardware/KernelHardware.h"
 #include "hardware/ProfilerRequest.h"
 #include "machine/MachineFile.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
-#include <cstdio>
 
 namespace {
 
 using namespace brindle::tools;
-
-constexpr int kFailed = 1;
-constexpr int kWrongUsage = 2;
 
 constexpr const char *kHelp = R"(usage: system_profiler [-detailLevel mini|basic|full] [DATATYPE ...]
        system_profiler -listDataTypes
@@ -48,33 +47,27 @@ std::string namesOfDataTypes()
     return text;
 }
 
-std::string answer(const ProfilerRequest &request)
+std::string textFor(const ProfilerRequest &request)
 {
     if (request.wantsHelp)
         return kHelp;
     return request.wantsNames ? namesOfDataTypes() : profilerText(request, readFacts());
 }
 
-int run(std::span<const char *const> arguments)
+Answer answerOf(std::span<const char *const> arguments)
 {
-    const std::string text = answer(readProfilerRequest(arguments));
-    const bool isWritten = std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
-    if (!isWritten)
-        std::perror("system_profiler: standard output");
-    return isWritten ? 0 : kFailed;
+    try {
+        return {.status = kDone, .out = textFor(readProfilerRequest(arguments)), .err = {}};
+    } catch (const ProfilerUsageError &error) {
+        return {.status = kWrongUsage,
+                .out = {},
+                .err = fmt::format("system_profiler: {}\nTry 'system_profiler --help'.\n", error.what())};
+    }
 }
 
 } // namespace
 
 int main(int argc, char *argv[])
 {
-    try {
-        return run({argv + 1, static_cast<std::size_t>(std::max(argc - 1, 0))});
-    } catch (const ProfilerUsageError &error) {
-        std::fprintf(stderr, "system_profiler: %s\nTry 'system_profiler --help'.\n", error.what());
-        return kWrongUsage;
-    } catch (const std::exception &error) {
-        std::fprintf(stderr, "system_profiler: %s\n", error.what());
-        return kFailed;
-    }
+    return tellAnswer([&] { return answerOf({argv + 1, static_cast<std::size_t>(std::max(argc - 1, 0))}); });
 }

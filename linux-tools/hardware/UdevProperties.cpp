@@ -1,8 +1,10 @@
 #include "hardware/UdevProperties.h"
 
 #include "hardware/FirmwareText.h"
-#include "hardware/LineReading.h"
 #include "hardware/Smbios.h"
+
+#include "kernel/UdevRecord.h"
+#include "text/LineReading.h"
 
 #include <fmt/format.h>
 
@@ -12,16 +14,8 @@ namespace brindle::tools {
 
 UdevProperties::UdevProperties(std::string_view file)
 {
-    constexpr std::string_view kProperty = "E:";
-    while (!file.empty()) {
-        std::string_view line = takeLine(file);
-        if (!line.starts_with(kProperty))
-            continue;
-        line.remove_prefix(kProperty.size());
-        const std::size_t equals = line.find('=');
-        if (equals != std::string_view::npos)
-            m_properties.insert_or_assign(std::string(line.substr(0, equals)), std::string(line.substr(equals + 1)));
-    }
+    while (const auto property = takeUdevProperty(file))
+        m_properties.insert_or_assign(std::string(property->key), std::string(property->value));
 }
 
 std::string UdevProperties::property(const std::string &name) const

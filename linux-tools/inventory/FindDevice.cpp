@@ -101,6 +101,8 @@ std::optional<Device> findDevice(const Inventory &inventory, std::string_view na
         const std::string_view identifier = name.substr(name.rfind('/') + 1);
         return find(inventory, [&](const Names &names) { return names.identifier == identifier; });
     }
+    if (inventory.link && inventory.link->path == name)
+        name = inventory.link->target;
     if (auto device = find(inventory, [&](const Names &names) { return names.node == name; }))
         return device;
     if (auto device = findByMountPoint(inventory, name))

@@ -90,11 +90,18 @@ struct NvramVariable {
     std::string value; ///< Raw bytes, without the attributes before them.
 };
 
+/// A path that leads to a device under another name: "/dev/disk/by-label/ESP".
+struct Link {
+    std::string path;
+    std::string target; ///< The node or the mount point that stands in the inventory.
+};
+
 /// What one reading of a machine found.
 struct Inventory {
     std::vector<Disk> disks; ///< By their numbers, ascending.
     std::vector<ApfsContainer> containers;
     std::vector<Mount> mounts; ///< In the order in which they were mounted.
+    std::optional<Link> link;  ///< Where the name that was asked for is one.
 };
 
 } // namespace brindle::tools

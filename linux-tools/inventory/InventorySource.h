@@ -11,6 +11,7 @@ namespace brindle::tools {
 /// What a command is going to tell, so that a source reads no more than that. More may be read, never less.
 struct Scope {
     std::string name;          ///< Only what this name may stand for (see findDevice()); empty: everything.
+    bool onlyNamed = false;    ///< Of a disk only what is named, not the partitions below or beside it.
     bool withContents = false; ///< What the tables and file systems say: types, UUIDs, volumes.
     bool withDetails = false;  ///< The medium's name and qualities, and its health.
     bool withMounts = false;

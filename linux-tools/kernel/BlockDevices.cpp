@@ -1,15 +1,20 @@
 #include "kernel/BlockDevices.h"
 
 #include "kernel/Files.h"
+#include "text/LineReading.h"
 #include "text/Words.h"
 
 #include <algorithm>
 #include <charconv>
 #include <utility>
 
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+
 namespace brindle::tools {
 namespace {
 
+constexpr std::string_view kNodes = "/dev/";
 constexpr std::string_view kVirtual = "/devices/virtual/block/";
 
 std::string_view lastPart(std::string_view path)
@@ -20,13 +25,6 @@ std::string_view lastPart(std::string_view path)
 std::string_view directoryOf(std::string_view path)
 {
     return path.substr(0, path.rfind('/'));
-}
-
-std::uint64_t toNumber(std::string_view text)
-{
-    std::uint64_t value = 0;
-    std::from_chars(text.data(), text.data() + text.size(), value);
-    return value;
 }
 
 /// sysfs can't have the slash of "cciss/c0d0" in a name.
@@ -67,7 +65,7 @@ std::uint64_t BlockDevice::partitionNumber() const
     digits.remove_prefix(std::min(parent.size(), digits.size()));
     if (digits.starts_with('p'))
         digits.remove_prefix(1);
-    return parent.empty() ? 0 : toNumber(digits);
+    return parent.empty() ? 0 : leadingNumber(digits).value_or(0);
 }
 
 BlockDevices::BlockDevices(KernelRoots roots) : m_roots(std::move(roots))
@@ -105,6 +103,20 @@ const BlockDevice *BlockDevices::byName(std::string_view name) const
     return found == m_devices.end() ? nullptr : &*found;
 }
 
+const BlockDevice *BlockDevices::byNode(std::string_view node) const
+{
+    if (!node.starts_with(kNodes))
+        return nullptr;
+    const std::string_view name = node.substr(kNodes.size());
+    if (const BlockDevice *device = byName(name))
+        return device;
+    struct stat status {};
+    const std::string path = m_roots.dev + '/' + std::string(name);
+    if (::stat(path.c_str(), &status) != 0 || !S_ISBLK(status.st_mode))
+        return nullptr;
+    return byNumber({.major = major(status.st_rdev), .minor = minor(status.st_rdev)});
+}
+
 std::vector<const BlockDevice *> BlockDevices::partitionsOf(const BlockDevice &disk) const
 {
     std::vector<const BlockDevice *> partitions;
@@ -117,7 +129,7 @@ std::vector<const BlockDevice *> BlockDevices::partitionsOf(const BlockDevice &d
 
 std::string BlockDevices::node(const BlockDevice &device)
 {
-    return "/dev/" + nodeName(device);
+    return std::string(kNodes) + nodeName(device);
 }
 
 std::string BlockDevices::file(const BlockDevice &device) const
@@ -127,13 +139,12 @@ std::string BlockDevices::file(const BlockDevice &device) const
 
 std::string BlockDevices::attribute(const BlockDevice &device, std::string_view file) const
 {
-    const auto text = readFile(m_roots.sys + device.path + '/' + std::string(file));
-    return text ? std::string(trimmed(*text)) : std::string();
+    return std::string(trimmed(fileBytes(m_roots.sys + device.path + '/' + std::string(file))));
 }
 
 std::uint64_t BlockDevices::number(const BlockDevice &device, std::string_view file) const
 {
-    return toNumber(attribute(device, file));
+    return leadingNumber(attribute(device, file)).value_or(0);
 }
 
 std::vector<const BlockDevice *> BlockDevices::componentsOf(const BlockDevice &device) const
@@ -144,6 +155,21 @@ std::vector<const BlockDevice *> BlockDevices::componentsOf(const BlockDevice &d
             components.push_back(component);
     }
     return components;
+}
+
+const BlockDevice &BlockDevices::lowestOf(const BlockDevice &device) const
+{
+    constexpr int kDeepest = 16; // Devices that lie on one another in a ring would have no end.
+    const BlockDevice *current = &device;
+    for (int depth = 0; depth < kDeepest && current->isVirtual(); ++depth) {
+        // A partition of an md device has its components listed at the device.
+        const BlockDevice *whole = current->parent.empty() ? current : byName(current->parent);
+        const auto components = whole ? componentsOf(*whole) : std::vector<const BlockDevice *>();
+        if (components.empty())
+            return *current;
+        current = components.front();
+    }
+    return *current;
 }
 
 } // namespace brindle::tools

@@ -15,6 +15,7 @@ struct KernelRoots {
     std::string dev = "/dev";
     std::string udevData = "/run/udev/data";
     std::string mountInfo = "/proc/self/mountinfo";
+    std::string systemBus; ///< The address that UDisks2 is asked at; empty: it isn't.
 };
 
 struct DeviceNumber {
@@ -50,6 +51,10 @@ public:
     [[nodiscard]] const std::vector<BlockDevice> &all() const { return m_devices; }
     [[nodiscard]] const BlockDevice *byNumber(DeviceNumber number) const;
     [[nodiscard]] const BlockDevice *byName(std::string_view name) const;
+
+    /// The device of a node below "/dev/" or of a link to one, by the number that the node bears.
+    [[nodiscard]] const BlockDevice *byNode(std::string_view node) const;
+
     [[nodiscard]] std::vector<const BlockDevice *> partitionsOf(const BlockDevice &disk) const;
 
     /// "/dev/nvme0n1p2"
@@ -67,6 +72,9 @@ public:
 
     /// What the device is made of, by name: the disks and partitions below a device-mapper or md device.
     [[nodiscard]] std::vector<const BlockDevice *> componentsOf(const BlockDevice &device) const;
+
+    /// The first disk or partition below a device-mapper or md device; a device that has none below it, itself.
+    [[nodiscard]] const BlockDevice &lowestOf(const BlockDevice &device) const;
 
 private:
     KernelRoots m_roots;

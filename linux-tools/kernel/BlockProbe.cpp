@@ -7,11 +7,24 @@
 #include <string_view>
 
 #include <blkid/blkid.h>
+#include <fcntl.h>
 
 namespace brindle::tools {
 namespace {
 
 using Probe = std::unique_ptr<blkid_struct_probe, void (*)(blkid_probe)>;
+
+/// Asks the kernel to read at once what libblkid would wait for block by block: the places where it looks for nearly
+/// all file systems. It is a hint; a place that it misses is only read more slowly.
+void readAhead(int descriptor, off_t start, off_t size)
+{
+    constexpr off_t kKibibyte = 1024;
+    constexpr off_t kBlock = 4 * kKibibyte;
+    constexpr off_t kBeginning = 68 * kKibibyte;
+    ::posix_fadvise(descriptor, start, kBeginning, POSIX_FADV_WILLNEED);
+    for (const off_t place : {128 * kKibibyte, 256 * kKibibyte, 512 * kKibibyte, size - kBlock})
+        ::posix_fadvise(descriptor, start + place, kBlock, POSIX_FADV_WILLNEED);
+}
 
 Probe newProbe(int descriptor, std::uint64_t offsetBytes, std::uint64_t sizeBytes)
 {
@@ -21,6 +34,7 @@ Probe newProbe(int descriptor, std::uint64_t offsetBytes, std::uint64_t sizeByte
         blkid_probe_set_device(probe.get(), descriptor, static_cast<blkid_loff_t>(offsetBytes),
                                static_cast<blkid_loff_t>(sizeBytes)) != 0)
         return {nullptr, blkid_free_probe};
+    readAhead(descriptor, blkid_probe_get_offset(probe.get()), blkid_probe_get_size(probe.get()));
     blkid_probe_enable_superblocks(probe.get(), 1);
     blkid_probe_set_superblocks_flags(probe.get(), BLKID_SUBLKS_LABEL | BLKID_SUBLKS_UUID | BLKID_SUBLKS_TYPE |
                                                        BLKID_SUBLKS_VERSION);

@@ -4,14 +4,10 @@
 #include <optional>
 #include <utility>
 
-#include <sys/stat.h>
-#include <sys/sysmacros.h>
-
 namespace brindle::tools {
 namespace {
 
-constexpr std::size_t kDeepest = 16; // Mounts and devices that lie on one another; a ring would have no end.
-constexpr std::string_view kDevices = "/dev/";
+constexpr std::size_t kDeepest = 16; // Mounts that lie on one another; a ring would have no end.
 
 bool isWithin(std::string_view path, std::string_view folder)
 {
@@ -52,7 +48,7 @@ Carrier Carriers::follow(const MountEntry &entry, std::size_t depth) const
     if (entry.fileSystem == "overlay")
         return followOverlay(entry, depth);
     const BlockDevice *source = sourceOf(entry);
-    return source ? Carrier{.carrier = lowest(*source), .source = source} : Carrier{};
+    return source ? Carrier{.carrier = &m_devices.lowestOf(*source), .source = source} : Carrier{};
 }
 
 Carrier Carriers::behind(const MountEntry *holder, std::size_t depth) const
@@ -99,35 +95,8 @@ const BlockDevice *Carriers::sourceOf(const MountEntry &entry) const
         return m_devices.byNumber(entry.device);
     if (entry.fileSystem == "zfs")
         return m_findPoolMember(std::string_view(entry.source).substr(0, entry.source.find('/')));
-    if (!entry.source.starts_with(kDevices))
-        return nullptr;
-    return deviceAt(std::string_view(entry.source).substr(0, entry.source.find(':'))); // bcachefs names all of its own
-}
-
-const BlockDevice *Carriers::deviceAt(std::string_view node) const
-{
-    const std::string_view name = node.substr(kDevices.size());
-    if (const BlockDevice *device = m_devices.byName(name))
-        return device;
-    struct stat status {};
-    const std::string path = m_devices.roots().dev + '/' + std::string(name);
-    if (::stat(path.c_str(), &status) != 0 || !S_ISBLK(status.st_mode))
-        return nullptr;
-    return m_devices.byNumber({.major = major(status.st_rdev), .minor = minor(status.st_rdev)});
-}
-
-const BlockDevice *Carriers::lowest(const BlockDevice &device) const
-{
-    const BlockDevice *current = &device;
-    for (std::size_t depth = 0; depth < kDeepest && current->isVirtual(); ++depth) {
-        // A partition of an md device has its components listed at the device.
-        const BlockDevice *whole = current->parent.empty() ? current : m_devices.byName(current->parent);
-        const auto components = whole ? m_devices.componentsOf(*whole) : std::vector<const BlockDevice *>();
-        if (components.empty())
-            return current;
-        current = components.front();
-    }
-    return current;
+    return m_devices.byNode(
+        std::string_view(entry.source).substr(0, entry.source.find(':'))); // bcachefs names all of its own
 }
 
 const MountEntry *Carriers::holderOf(std::string_view path) const

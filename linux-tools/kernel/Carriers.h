@@ -36,8 +36,6 @@ private:
     [[nodiscard]] Carrier followOverlay(const MountEntry &entry, std::size_t depth) const;
     [[nodiscard]] Carrier behind(const MountEntry *holder, std::size_t depth) const;
     [[nodiscard]] const BlockDevice *sourceOf(const MountEntry &entry) const;
-    [[nodiscard]] const BlockDevice *deviceAt(std::string_view node) const;
-    [[nodiscard]] const BlockDevice *lowest(const BlockDevice &device) const;
     [[nodiscard]] const MountEntry *holderOf(std::string_view path) const;
     [[nodiscard]] const MountEntry *siblingOf(std::string_view hiddenPath) const;
 

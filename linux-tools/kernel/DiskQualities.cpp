@@ -49,8 +49,7 @@ bool isBehindAnExternalPort(const BlockDevices &devices, const BlockDevice &disk
     std::string path = disk.path;
     while (path.starts_with(kPci)) {
         path.resize(path.rfind('/'));
-        const auto removable = readFile(devices.roots().sys + path + "/removable");
-        if (removable && trimmed(*removable) == "removable")
+        if (trimmed(fileBytes(devices.roots().sys + path + "/removable")) == "removable")
             return true;
     }
     return false;

@@ -3,6 +3,7 @@
 #include "inventory/Identifier.h"
 #include "kernel/DriveHealth.h"
 #include "kernel/PartitionTypes.h"
+#include "kernel/UDisksModule.h"
 
 #include <algorithm>
 #include <climits> // CDSL_CURRENT needs it.
@@ -53,10 +54,11 @@ std::optional<UdevRecord> udevRecord(const BlockDevices &devices, const BlockDev
     return text ? std::optional(parseUdevRecord(*text)) : std::nullopt;
 }
 
-DiskReader::DiskReader(const BlockDevices &devices, const BlockDevice &disk, const Scope &scope)
+DiskReader::DiskReader(const BlockDevices &devices, const BlockDevice &disk, const Scope &scope, DiskParts parts)
     : m_devices(devices),
       m_device(disk),
-      m_scope(scope)
+      m_scope(scope),
+      m_asked(parts)
 {
 }
 
@@ -71,8 +73,7 @@ std::optional<Disk> DiskReader::read(std::uint64_t number)
     disk.protocol = m_attachment.protocol;
     disk.isExternal = m_attachment.isExternal;
     disk.isImage = m_device.isLoop();
-    for (const BlockDevice *device : m_devices.partitionsOf(m_device))
-        m_parts.push_back({device, m_scope.withContents ? udevRecord(m_devices, *device) : std::nullopt});
+    findPartitions();
     const ProbedContents contents = m_scope.withContents ? readContents() : ProbedContents{};
     disk.scheme = schemeName(contents.table);
     disk.volume = contents.volume;
@@ -80,6 +81,15 @@ std::optional<Disk> DiskReader::read(std::uint64_t number)
     if (m_scope.withDetails)
         readDetails(disk);
     return disk;
+}
+
+void DiskReader::findPartitions()
+{
+    for (const BlockDevice *device : m_devices.partitionsOf(m_device)) {
+        m_isScanned = true;
+        if (isAsked(device->partitionNumber()))
+            m_parts.push_back({device, m_scope.withContents ? udevRecord(m_devices, *device) : std::nullopt});
+    }
 }
 
 bool DiskReader::hasMedium()
@@ -111,7 +121,8 @@ ProbedContents DiskReader::readContents()
 bool DiskReader::needsProbe(const std::string &table) const
 {
     const auto isUnknown = [](const Part &part) { return !part.record || part.record->entryType.empty(); };
-    return !m_record || (m_parts.empty() && !table.empty()) || std::ranges::any_of(m_parts, isUnknown);
+    const bool isUnread = !m_isScanned && !table.empty() && m_asked != kNoPart;
+    return !m_record || isUnread || std::ranges::any_of(m_parts, isUnknown);
 }
 
 void DiskReader::readPartitions(Disk &disk, const ProbedContents &contents)
@@ -124,8 +135,8 @@ void DiskReader::readPartitions(Disk &disk, const ProbedContents &contents)
     };
     for (const Part &part : m_parts)
         add(scanned(part, contents), part.device->partitionNumber());
-    if (m_parts.empty()) {
-        for (const ProbedEntry &entry : contents.entries)
+    for (const ProbedEntry &entry : contents.entries) {
+        if (!m_isScanned && isAsked(entry.number))
             add(unscanned(entry, contents.table), entry.number);
     }
     std::ranges::stable_sort(disk.partitions, {}, &Partition::offsetBytes);
@@ -183,12 +194,22 @@ void DiskReader::readDetails(Disk &disk)
     disk.isReadOnly = m_devices.number(m_device, "ro") != 0;
     disk.isSolidState = m_devices.attribute(m_device, "queue/rotational") == "0";
     disk.supportsTrim = m_devices.number(m_device, "queue/discard_max_bytes") != 0;
-    disk.smart = health();
+    if (m_asked.value_or(kNoPart) == kNoPart)
+        disk.smart = health();
 }
 
 Smart DiskReader::health()
 {
-    if (isOptical(m_device) || m_attachment.commands == DriveCommands::none || !isAwake() || !opened().isValid())
+    if (isOptical(m_device) || m_device.isLoop())
+        return Smart::notSupported;
+    const Smart own = healthFromDrive();
+    return own == Smart::notSupported ? healthFromUDisks(m_devices.roots().systemBus, m_device.name) : own;
+}
+
+/// What the drive says to who may ask it: root alone.
+Smart DiskReader::healthFromDrive()
+{
+    if (m_attachment.commands == DriveCommands::none || !isAwake() || !opened().isValid())
         return Smart::notSupported;
     if (m_attachment.commands == DriveCommands::nvme)
         return nvmeHealth(opened().get());

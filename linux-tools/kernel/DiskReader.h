@@ -23,12 +23,17 @@ namespace brindle::tools {
 /// What udev knows of a device; `nullopt` where udev doesn't run or hasn't seen it.
 [[nodiscard]] std::optional<UdevRecord> udevRecord(const BlockDevices &devices, const BlockDevice &device);
 
+/// Which partitions of a disk are read: the one of a number, none (0), or all.
+using DiskParts = std::optional<std::uint64_t>;
+constexpr DiskParts kAllParts = std::nullopt;
+constexpr std::uint64_t kNoPart = 0;
+
 /// Reads one whole disk of the kernel with its partitions. An object is for one reading: it opens the disk at most
 /// once, and only when something is asked that udev doesn't know.
 class DiskReader {
 public:
     /// All outlive the reader.
-    DiskReader(const BlockDevices &devices, const BlockDevice &disk, const Scope &scope);
+    DiskReader(const BlockDevices &devices, const BlockDevice &disk, const Scope &scope, DiskParts parts);
 
     /// `nullopt` when there is no medium in the drive, or the disk is gone.
     [[nodiscard]] std::optional<Disk> read(std::uint64_t number);
@@ -39,7 +44,9 @@ private:
         std::optional<UdevRecord> record;
     };
 
+    [[nodiscard]] bool isAsked(std::uint64_t partition) const { return m_asked.value_or(partition) == partition; }
     [[nodiscard]] bool hasMedium();
+    void findPartitions();
     [[nodiscard]] ProbedContents readContents();
     [[nodiscard]] bool needsProbe(const std::string &table) const;
     void readPartitions(Disk &disk, const ProbedContents &contents);
@@ -47,6 +54,7 @@ private:
     [[nodiscard]] std::optional<Partition> unscanned(const ProbedEntry &entry, const std::string &table);
     void readDetails(Disk &disk);
     [[nodiscard]] Smart health();
+    [[nodiscard]] Smart healthFromDrive();
     [[nodiscard]] bool mayBeRead();
     [[nodiscard]] bool isAwake();
     [[nodiscard]] const Descriptor &opened();
@@ -54,9 +62,11 @@ private:
     const BlockDevices &m_devices;
     const BlockDevice &m_device;
     const Scope &m_scope;
+    const DiskParts m_asked;
     Attachment m_attachment;
     std::optional<UdevRecord> m_record;
-    std::vector<Part> m_parts;
+    std::vector<Part> m_parts; // That are asked.
+    bool m_isScanned = false;  // Whether the kernel has devices for any partitions.
     std::optional<Descriptor> m_descriptor;
 };
 

@@ -1,5 +1,8 @@
 #include "kernel/Files.h"
 
+#include "text/LineReading.h"
+#include "text/Words.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -40,6 +43,19 @@ std::optional<std::string> readFile(const std::string &path)
         if (count == 0)
             return bytes;
     }
+}
+
+std::string fileBytes(const std::string &path)
+{
+    return readFile(path).value_or(std::string());
+}
+
+std::optional<std::uint64_t> fileNumber(const std::string &path)
+{
+    constexpr int kHexadecimal = 16;
+    const std::string bytes = fileBytes(path);
+    const std::string_view text = trimmed(bytes);
+    return text.starts_with("0x") ? leadingNumber(text.substr(2), kHexadecimal) : leadingNumber(text);
 }
 
 std::vector<std::string> namesIn(const std::string &directory)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -26,6 +27,12 @@ private:
 
 /// The bytes of a file; `nullopt` when it can't be read. For the files of sysfs and procfs, which have no size.
 [[nodiscard]] std::optional<std::string> readFile(const std::string &path);
+
+/// The same; empty when it can't be read.
+[[nodiscard]] std::string fileBytes(const std::string &path);
+
+/// The number that a file begins with, in decimal or behind "0x"; `nullopt` for any other file.
+[[nodiscard]] std::optional<std::uint64_t> fileNumber(const std::string &path);
 
 /// The names in a directory, sorted, without "." and ".."; empty when it can't be read.
 [[nodiscard]] std::vector<std::string> namesIn(const std::string &directory);

@@ -1,12 +1,12 @@
 #include "kernel/MountReader.h"
 
-#include "kernel/Carriers.h"
 #include "kernel/DiskReader.h"
-#include "kernel/Files.h"
-#include "kernel/MountTable.h"
 
+#include <algorithm>
+#include <optional>
 #include <set>
 #include <unordered_map>
+#include <utility>
 
 #include <sys/stat.h>
 #include <sys/statvfs.h>
@@ -71,24 +71,48 @@ std::optional<Space> spaceOf(const MountEntry &entry)
 
 } // namespace
 
-std::vector<Mount> readMounts(const BlockDevices &devices, const std::vector<Disk> &disks, const Scope &scope)
+MountReader::MountReader(const BlockDevices &devices, std::string_view mountTable)
+    : m_devices(devices),
+      m_entries(parseMountTable(mountTable)),
+      m_carriers(devices, m_entries, [this](std::string_view pool) { return poolMember(pool); })
 {
-    const std::vector<MountEntry> entries =
-        parseMountTable(readFile(devices.roots().mountInfo).value_or(std::string()));
+}
+
+const BlockDevice *MountReader::poolMember(std::string_view pool) const
+{
+    for (const BlockDevice &device : m_devices.all()) {
+        const auto record = udevRecord(m_devices, device);
+        if (record && record->volume && record->volume->fileSystem == "zfs_member" && record->volume->name == pool)
+            return &device;
+    }
+    return nullptr;
+}
+
+const BlockDevice *MountReader::carrierAt(std::string_view mountPoint) const
+{
+    // Of several mounts at one place the last hides the others.
+    for (auto entry = m_entries.rbegin(); entry != m_entries.rend(); ++entry) {
+        const BlockDevice *carrier = entry->mountPoint == mountPoint ? m_carriers.of(*entry).carrier : nullptr;
+        if (carrier)
+            return carrier;
+    }
+    return nullptr;
+}
+
+std::string MountReader::mountPointOf(const BlockDevice &device) const
+{
+    const auto isOfDevice = [&](const MountEntry &entry) { return m_carriers.of(entry).source == &device; };
+    const auto entry = std::ranges::find_if(m_entries, isOfDevice);
+    return entry == m_entries.end() ? std::string() : entry->mountPoint;
+}
+
+std::vector<Mount> MountReader::read(const std::vector<Disk> &disks, bool withSpace) const
+{
     const Places places = placesOf(disks);
-    const auto findPoolMember = [&](std::string_view pool) -> const BlockDevice * {
-        for (const BlockDevice &device : devices.all()) {
-            const auto record = udevRecord(devices, device);
-            if (record && record->volume && record->volume->fileSystem == "zfs_member" && record->volume->name == pool)
-                return &device;
-        }
-        return nullptr;
-    };
-    const Carriers carriers(devices, entries, findPoolMember);
     std::set<DeviceNumber> counted;
     std::vector<Mount> mounts;
-    for (const MountEntry &entry : entries) {
-        const Carrier carrier = carriers.of(entry);
+    for (const MountEntry &entry : m_entries) {
+        const Carrier carrier = m_carriers.of(entry);
         const auto place = carrier.carrier ? places.find(BlockDevices::node(*carrier.carrier)) : places.end();
         if (place == places.end())
             continue;
@@ -96,8 +120,8 @@ std::vector<Mount> readMounts(const BlockDevices &devices, const std::vector<Dis
                     .mountPoint = entry.mountPoint,
                     .isWhole = entry.root == "/",
                     .isReadOnly = entry.isReadOnly};
-        mount.volume = mountedVolume(devices, entry, carrier, place->second);
-        if (scope.withSpace && !carrier.isBehindFiles && !counted.contains(entry.device)) {
+        mount.volume = mountedVolume(m_devices, entry, carrier, place->second);
+        if (withSpace && !carrier.isBehindFiles && !counted.contains(entry.device)) {
             mount.space = spaceOf(entry);
             if (mount.space)
                 counted.insert(entry.device);

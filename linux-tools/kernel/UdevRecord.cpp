@@ -1,6 +1,7 @@
 #include "kernel/UdevRecord.h"
 
-#include <algorithm>
+#include "text/LineReading.h"
+
 #include <array>
 #include <charconv>
 
@@ -33,8 +34,9 @@ constexpr std::array kVolumeFields{
     VolumeField{"ID_FS_UUID", &Volume::uuid},
 };
 
-void readProperty(UdevRecord &record, Volume &volume, std::string_view key, std::string_view value)
+void readProperty(UdevRecord &record, Volume &volume, const UdevProperty &property)
 {
+    const auto &[key, value] = property;
     for (const Field &field : kFields) {
         if (field.key == key)
             record.*field.member = decodeUdevText(value);
@@ -49,16 +51,25 @@ void readProperty(UdevRecord &record, Volume &volume, std::string_view key, std:
 
 } // namespace
 
+std::optional<UdevProperty> takeUdevProperty(std::string_view &text)
+{
+    constexpr std::string_view kProperty = "E:";
+    while (!text.empty()) {
+        const std::string_view line = takeLine(text);
+        const std::size_t equals = line.find('=');
+        if (line.starts_with(kProperty) && equals != std::string_view::npos)
+            return UdevProperty{line.substr(kProperty.size(), equals - kProperty.size()), line.substr(equals + 1)};
+    }
+    return std::nullopt;
+}
+
 UdevRecord parseUdevRecord(std::string_view text)
 {
     UdevRecord record;
     Volume volume;
-    while (!text.empty()) {
-        const std::string_view line = text.substr(0, text.find('\n'));
-        text.remove_prefix(std::min(text.size(), line.size() + 1));
-        const std::size_t equals = line.find('=');
-        if (line.starts_with("E:ID_") && equals != std::string_view::npos)
-            readProperty(record, volume, line.substr(2, equals - 2), line.substr(equals + 1));
+    while (const auto property = takeUdevProperty(text)) {
+        if (property->key.starts_with("ID_"))
+            readProperty(record, volume, *property);
     }
     if (!volume.fileSystem.empty())
         record.volume = volume;

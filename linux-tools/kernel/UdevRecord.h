@@ -20,7 +20,16 @@ struct UdevRecord {
     bool hasOpticalMedium = false;
 };
 
-/// Reads the text of a file of udev's database: its lines "E:KEY=VALUE".
+/// A line "E:KEY=VALUE" of a file of udev's database.
+struct UdevProperty {
+    std::string_view key;
+    std::string_view value; ///< As it stands there.
+};
+
+/// Takes the next property off the \a text of such a file, with the lines before it; `nullopt` when there is none.
+[[nodiscard]] std::optional<UdevProperty> takeUdevProperty(std::string_view &text);
+
+/// Reads all of such a text.
 [[nodiscard]] UdevRecord parseUdevRecord(std::string_view text);
 
 /// \a text with each "\xNN" replaced by the byte that it stands for, as udev writes what a device says.

@@ -49,7 +49,8 @@ std::string folderName(std::string_view label)
 
 fs::path existingOr(const fs::path &first, const fs::path &second)
 {
-    return fs::exists(first) ? first : second;
+    std::error_code unreadable; // A folder of links that lead to each other, or one that isn't ours, is none.
+    return fs::exists(first, unreadable) ? first : second;
 }
 
 } // namespace

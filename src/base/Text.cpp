@@ -19,13 +19,26 @@ std::string upperCased(std::string_view text)
     return result;
 }
 
-std::string_view trimmed(std::string_view text)
+namespace {
+
+std::string_view trimmedOf(std::string_view characters, std::string_view text)
 {
-    constexpr std::string_view blanks = " \t\r";
-    const std::size_t first = text.find_first_not_of(blanks);
+    const std::size_t first = text.find_first_not_of(characters);
     if (first == std::string_view::npos)
         return {};
-    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+    return text.substr(first, text.find_last_not_of(characters) - first + 1);
+}
+
+} // namespace
+
+std::string_view trimmed(std::string_view text)
+{
+    return trimmedOf(" \t\r", text);
+}
+
+std::string_view trimmedWithNewlines(std::string_view text)
+{
+    return trimmedOf(" \t\r\n", text);
 }
 
 bool contains(std::string_view text, std::string_view word)

@@ -30,6 +30,9 @@ namespace brindle {
 /// Without the blanks, tabs and carriage returns at both ends.
 [[nodiscard]] std::string_view trimmed(std::string_view text);
 
+/// Without the newlines at both ends either, for what stands in a text of several lines.
+[[nodiscard]] std::string_view trimmedWithNewlines(std::string_view text);
+
 [[nodiscard]] bool contains(std::string_view text, std::string_view word);
 
 /// Position of \a word, which is given in lower case, in \a text without regard to case; npos if it isn't there.

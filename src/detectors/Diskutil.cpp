@@ -14,7 +14,7 @@ QCoro::Task<std::string> Diskutil::run(std::vector<std::string> arguments, Cance
 QCoro::Task<std::optional<std::string>> Diskutil::outputIfAny(std::vector<std::string> arguments,
                                                               CancellationToken token) const
 {
-    return m_tools.outputIfAny(m_paths.diskutil(), std::move(arguments), std::move(token));
+    return m_tools.outputIfAny(m_paths.diskutil(), std::move(arguments), std::nullopt, std::move(token));
 }
 
 } // namespace brindle

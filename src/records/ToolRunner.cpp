@@ -39,12 +39,13 @@ QCoro::Task<std::string> ToolRunner::run(std::string path, std::vector<std::stri
     co_return standardOutputOf(std::move(end), "CommandError");
 }
 
-QCoro::Task<std::optional<std::string>> ToolRunner::outputIfAny(std::string path, std::vector<std::string> args,
-                                                                CancellationToken token)
+QCoro::Task<std::optional<std::string>> ToolRunner::outputIfAny(
+    std::string path, std::vector<std::string> args, std::optional<std::map<std::string, std::string>> environment,
+    CancellationToken token)
 {
     try {
-        auto tool = run(std::move(path), std::move(args), {}, std::move(token));
-        co_return co_await tool;
+        auto output = run(std::move(path), std::move(args), std::move(environment), std::move(token));
+        co_return co_await output;
     } catch (const Error &) {
         co_return std::nullopt;
     }

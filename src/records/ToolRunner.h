@@ -37,10 +37,10 @@ public:
         std::string path, std::vector<std::string> args,
         std::optional<std::map<std::string, std::string>> environment = {}, CancellationToken token = {});
 
-    /// As run(), with this process's environment; nullopt where that throws: for questions whose failure only loses the
-    /// answer.
-    [[nodiscard]] QCoro::Task<std::optional<std::string>> outputIfAny(std::string path, std::vector<std::string> args,
-                                                                      CancellationToken token = {});
+    /// What run() gives; nullopt where it throws, for questions whose failure only loses the answer.
+    [[nodiscard]] QCoro::Task<std::optional<std::string>> outputIfAny(
+        std::string path, std::vector<std::string> args,
+        std::optional<std::map<std::string, std::string>> environment = {}, CancellationToken token = {});
 
 private:
     ChildProcessRunner m_processes;

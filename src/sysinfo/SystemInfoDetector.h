@@ -1,11 +1,13 @@
 #pragma once
 
 #include "base/CancellationToken.h"
+#include "detectors/Diskutil.h"
 #include "records/ToolPaths.h"
 #include "records/ToolRunner.h"
 
 #include <QCoroTask>
 #include <QObject>
+#include <QPointer>
 
 #include <optional>
 #include <string>
@@ -14,52 +16,65 @@
 
 namespace brindle {
 
-/// What is known of the running machine: which disk its system and its boot loader came from, and which loader it is.
+/// What is known of the running machine: where it booted from, and by which boot loader.
 ///
-/// A failing tool loses what it would have told; nothing is logged, nothing thrown. Outlives the passes that it has
-/// begun. Main thread only.
+/// A failing tool gives no value, never an error, and nothing is logged. The static functions read texts and run
+/// nothing. May be destroyed while a pass is under way: the pass then ends without a further step. Main thread only.
 class SystemInfoDetector : public QObject {
     Q_OBJECT
 
 public:
-    SystemInfoDetector(ToolRunner &tools, ToolPaths paths); ///< The tool runner outlives the detector.
+    /// What `diskutil info /` tells of the disk that the system runs from.
+    struct BootDisk {
+        std::optional<std::string> identifier;
+        std::optional<std::string> volumeName; ///< As the tool prints it; present and empty where it prints none.
 
-    /// The whole disk ("disk0") of the running system.
+        bool operator==(const BootDisk &) const = default;
+    };
+
+    SystemInfoDetector(ToolRunner &tools, const ToolPaths &paths); ///< The tool runner outlives the detector.
+
+    /// The whole disk of the running system.
     [[nodiscard]] const std::optional<std::string> &bootDiskIdentifier() const { return m_bootDiskIdentifier; }
 
-    /// The whole disk that OpenCore started from.
+    /// The whole disk that OpenCore started from. Keeps its value where a later pass finds none.
     [[nodiscard]] const std::optional<std::string> &bootloaderDiskIdentifier() const
     {
         return m_bootloaderDiskIdentifier;
     }
 
-    /// The version as OpenCore left it in the firmware ("REL-100-2024-04-01").
+    /// As the firmware's variable says it, such as "REL-099-2024-03-04".
     [[nodiscard]] const std::optional<std::string> &openCoreVersion() const { return m_openCoreVersion; }
-
     [[nodiscard]] const std::optional<std::string> &cloverVersion() const { return m_cloverVersion; }
 
-    /// The name of the volume that the system runs from: no path, in spite of its own name.
+    /// The name of the volume that is mounted at "/": a name, no path.
     [[nodiscard]] const std::optional<std::string> &bootVolumePath() const { return m_bootVolumePath; }
 
-    /// A pass has finished, and none that started since is still under way.
+    /// A pass has ended that no later one replaced.
     [[nodiscard]] bool isDetectionComplete() const { return m_isDetectionComplete; }
 
-    /// The full pass.
+    /// The full pass: reads everything anew, side by side.
     QCoro::Task<> detectSystemInfo();
 
-    /// Reads what belongs to the boot; takes the place of a running pass of its own kind. The tools of that one run on,
-    /// and what they tell is still kept.
+    /// Reads anew what is known of booting. Replaces a pass of its own kind that is under way: the tools of that one
+    /// run on and what they tell is still published, but it no longer completes the detection.
     QCoro::Task<> refreshBootInfo();
 
-    /// The whole disk of a device name or path: "disk0" of "/dev/disk0s2". A name without a number stays as it is.
-    [[nodiscard]] static std::string normalizeDiskIdentifier(std::string_view text);
+    /// The whole disk of a device path or an identifier: "disk3" for "/dev/disk3s1s1"; another text as it is, but for
+    /// a "/dev/" at its front.
+    [[nodiscard]] static std::string normalizeDiskIdentifier(std::string_view device);
 
-    /// The value in a line of `nvram`: what stands behind the first tab or, where that says nothing, behind the first
-    /// colon.
+    /// The value in a line or an output of `nvram`: what stands behind the first tab, or else behind the first colon,
+    /// where that says something.
     [[nodiscard]] static std::optional<std::string> parseNvramValue(std::string_view text);
 
-    /// The first UUID of capital hexadecimal groups, in any case, in \a text.
-    [[nodiscard]] static std::optional<std::string> uuidIn(std::string_view text);
+    [[nodiscard]] static BootDisk readBootDisk(std::string_view info);
+
+    /// The first value in the lines of \a output that name OpenCore.
+    [[nodiscard]] static std::optional<std::string> readOpenCoreVersion(std::string_view output);
+
+    /// The first partition UUID of each boot path in \a output, in line order, with its case as written.
+    [[nodiscard]] static std::vector<std::string> readBootPathUUIDs(std::string_view output);
 
 Q_SIGNALS:
     void bootDiskIdentifierChanged();
@@ -70,11 +85,10 @@ Q_SIGNALS:
     void isDetectionCompleteChanged();
 
 private:
-    using Signal = void (SystemInfoDetector::*)();
-
     struct Search;
 
-    QCoro::Task<> readBootInfo(CancellationToken token);
+    /// Static, for the detector may be gone before the pass begins.
+    static QCoro::Task<> runBootInfoPass(QPointer<SystemInfoDetector> self, CancellationToken pass);
     QCoro::Task<> detectBootDisk();
     QCoro::Task<> detectBootloaderVersions();
     QCoro::Task<> detectOpenCoreVersion();
@@ -82,19 +96,28 @@ private:
     QCoro::Task<> detectCloverVersion();
     QCoro::Task<std::optional<std::string>> diskContainingUUID(std::string uuid);
     QCoro::Task<> searchDisk(std::string disk, Search *search);
+    QCoro::Task<std::optional<std::string>> nvram(std::string variable);
 
-    void setText(std::optional<std::string> &field, std::optional<std::string> text, Signal changed);
+    void setBootDiskIdentifier(std::optional<std::string> bootDiskIdentifier);
+    void setBootloaderDiskIdentifier(std::optional<std::string> bootloaderDiskIdentifier);
+    void setOpenCoreVersion(std::optional<std::string> openCoreVersion);
+    void setCloverVersion(std::optional<std::string> cloverVersion);
+    void setBootVolumePath(std::optional<std::string> bootVolumePath);
     void setIsDetectionComplete(bool isDetectionComplete);
+    template <typename Value>
+    void publish(Value &field, Value value, void (SystemInfoDetector::*changed)());
 
     ToolRunner &m_tools;
     ToolPaths m_paths;
+    Diskutil m_diskutil;
+
     std::optional<std::string> m_bootDiskIdentifier;
     std::optional<std::string> m_bootloaderDiskIdentifier;
     std::optional<std::string> m_openCoreVersion;
     std::optional<std::string> m_cloverVersion;
     std::optional<std::string> m_bootVolumePath;
     bool m_isDetectionComplete = false;
-    CancellationToken m_detectionToken;
+    CancellationToken m_detectionTask; ///< Of the latest refreshBootInfo().
 };
 
 } // namespace brindle

@@ -31,6 +31,13 @@ TEST(Text, TrimsBlanksTabsAndCarriageReturns)
     EXPECT_EQ(trimmed(""), "");
 }
 
+TEST(Text, IsTrimmedOfNewlinesOnlyWhereThatIsAskedFor)
+{
+    EXPECT_EQ(trimmed("\n name \n"), "\n name \n");
+    EXPECT_EQ(trimmedWithNewlines(" \n\tfirst\nsecond \r\n \n"), "first\nsecond");
+    EXPECT_EQ(trimmedWithNewlines("\r\n"), "");
+}
+
 TEST(Text, LowersAndRaisesAsciiAlone)
 {
     EXPECT_EQ(lowerCased("NTFS ÄÖ 42"), "ntfs ÄÖ 42");

@@ -155,6 +155,80 @@ TEST_F(Brindlectl, LeavesNothingOfTheDemoMachineWhenItIsInterrupted)
     EXPECT_GT(interrupted, 0) << "every list ended before it could be interrupted";
 }
 
+// --- the running machine
+
+TEST_F(Brindlectl, TellsWhatTheMachineBootedFromAsJsonAndPrintsNothingElse)
+{
+    machine.addDisk("disk0").withEFI("EFI");
+    machine.addDisk("disk2").withPartition("Microsoft Basic Data", "DATA", "8.0 GB").withEFI("OPENCORE");
+    const std::string guid = "4D1FDA02-38C7-4A6A-9CC6-4BCCA8B30102";
+    machine.answer("diskutil", "info /",
+                   {.standardOutput = "Part of Whole: disk1\nVolume Name: Mac\nAPFS Physical Store: disk0s2\n"});
+    machine.answer("diskutil", "info disk0s1", {.standardOutput = "Disk / Partition UUID: none\n"});
+    machine.answer("nvram", guid + ":opencore-version",
+                   {.standardOutput = guid + ":opencore-version\tREL-099-2024-03-04\n"});
+    machine.answer("nvram", guid + ":boot-path",
+                   {.standardOutput = guid + ":boot-path\tHD(2,GPT,0E239BC6-F960-3107-89CF-1C97F78BB46B,0x28)\n"});
+
+    const Outcome system = run({"system", "--json"});
+
+    EXPECT_EQ(system.status, 0);
+    EXPECT_THAT(system.error, IsEmpty());
+    EXPECT_EQ(system.output, "{\n"
+                             "  \"bootDiskIdentifier\": \"disk0\",\n"
+                             "  \"bootloaderDiskIdentifier\": \"disk2\",\n"
+                             "  \"openCoreVersion\": \"REL-099-2024-03-04\",\n"
+                             "  \"bootVolumePath\": \"Mac\"\n"
+                             "}\n");
+}
+
+TEST_F(Brindlectl, TellsWhatTheMachineBootedFromAsAPlainTable)
+{
+    machine.answer("diskutil", "info /", {.standardOutput = "Part of Whole: disk1\nVolume Name: Evil\x1b[2J\n"});
+    machine.answer("nvram", "clover-version", {.standardOutput = "clover-version\t5152\n"});
+
+    const Outcome system = run({"system"});
+
+    EXPECT_EQ(system.status, 0);
+    EXPECT_EQ(system.output, "Boot disk         disk1\n"
+                             "Boot loader disk  unknown\n"
+                             "OpenCore          not found\n"
+                             "Clover            5152\n"
+                             "Boot volume       Evil<U+001B>[2J\n");
+}
+
+TEST_F(Brindlectl, TellsNothingOfAMachineOfWhichNothingIsKnown)
+{
+    machine.replaceTool("diskutil", std::nullopt);
+    machine.replaceTool("nvram", "#!/bin/sh\nexit 3\n");
+
+    const Outcome system = run({"system", "--json"});
+
+    EXPECT_EQ(system.status, 0);
+    EXPECT_EQ(system.output, "{}\n");
+    EXPECT_THAT(system.error, IsEmpty());
+}
+
+TEST_F(Brindlectl, CallsAVolumeWithoutANameUnknownInTheTableAndKeepsItInTheJson)
+{
+    machine.answer("diskutil", "info /", {.standardOutput = "Volume Name:\n"});
+
+    EXPECT_THAT(run({"system"}).output, HasSubstr("Boot volume       unknown\n"));
+    EXPECT_EQ(run({"system", "--json"}).output, "{\n  \"bootVolumePath\": \"\"\n}\n");
+}
+
+TEST_F(Brindlectl, TellsWhatTheDemoMachineBootedFrom)
+{
+    const Outcome system = run({"system", "--demo", "--json"});
+
+    EXPECT_EQ(nlohmann::json::parse(system.output), (nlohmann::json{{"bootDiskIdentifier", "disk0"},
+                                                                    {"bootloaderDiskIdentifier", "disk3"},
+                                                                    {"openCoreVersion", "REL-099-2024-03-04"},
+                                                                    {"bootVolumePath", "Macintosh HD"}}));
+    EXPECT_TRUE(std::filesystem::is_empty(temporary));
+    EXPECT_TRUE(machine.calls().empty());
+}
+
 // --- the command line
 
 TEST_F(Brindlectl, TellsItsVersionAndItsHelp)
@@ -168,8 +242,12 @@ TEST_F(Brindlectl, TellsItsVersionAndItsHelp)
 
 TEST_F(Brindlectl, EndsWithTwoOnWrongUsage)
 {
-    for (const std::vector<std::string> &arguments :
-         {std::vector<std::string>{}, {"lst"}, {"list", "--yaml"}, {"list", "disk0"}, {"completion", "tcsh"}}) {
+    for (const std::vector<std::string> &arguments : {std::vector<std::string>{},
+                                                      {"lst"},
+                                                      {"list", "--yaml"},
+                                                      {"list", "disk0"},
+                                                      {"system", "disk0"},
+                                                      {"completion", "tcsh"}}) {
         const Outcome wrong = run(arguments);
         EXPECT_EQ(wrong.status, 2);
         EXPECT_THAT(wrong.output, IsEmpty());
@@ -198,10 +276,12 @@ complete_line() { COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _brindlectl; echo "
 complete_line brindlectl li
 complete_line brindlectl list --j
 complete_line brindlectl completion z
+complete_line brindlectl wa
+complete_line brindlectl watch --j
 )")});
     ASSERT_TRUE(bash.waitForFinished(10'000));
 
-    EXPECT_EQ(bash.readAllStandardOutput().toStdString(), "list\n--json\nzsh\n");
+    EXPECT_EQ(bash.readAllStandardOutput().toStdString(), "list\n--json\nzsh\nwatch\n--json\n");
     EXPECT_THAT(bash.readAllStandardError().toStdString(), IsEmpty());
 }
 

@@ -1,7 +1,4 @@
-// Texts that the tools printed on real machines, read by all readers and compared with what was reviewed by hand.
-//
-// BRINDLE_TRANSCRIPTS names the folder of the texts, whose INDEX.tsv tells the kind of each; without it there is
-// nothing to read. BRINDLE_UPDATE_GOLDEN=1 writes tests/golden anew: review the difference before you keep it.
+#include "support/Transcripts.h"
 
 #include "base/BlockOn.h"
 #include "base/Text.h"
@@ -12,7 +9,6 @@
 #include "state/DiskutilListSections.h"
 #include "support/FakeToolRunner.h"
 #include "support/Fixtures.h"
-#include "support/LogCapture.h"
 #include "support/MemoryUserDefaults.h"
 
 #include <gtest/gtest.h>
@@ -20,11 +16,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include <algorithm>
-#include <array>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -35,23 +27,6 @@ namespace brindle {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// In quotes, with everything that can't be seen written as an escape.
-std::string inQuotes(std::string_view text)
-{
-    const std::string list = fmt::format("{}", std::array{text});
-    return list.substr(1, list.size() - 2);
-}
-
-std::string field(std::string_view name, const std::optional<std::string> &value)
-{
-    return value ? fmt::format("  {}: {}\n", name, inQuotes(*value)) : std::string();
-}
-
-std::string field(std::string_view name, const std::vector<std::string> &values)
-{
-    return values.empty() ? std::string() : fmt::format("  {}: {}\n", name, values);
-}
 
 std::string flag(std::string_view name, bool value)
 {
@@ -167,10 +142,8 @@ std::string readingOfInfo(std::string_view info)
            field("systems", namesOf(FilesystemDetector::analyzePartitionInfo(info, identifier)));
 }
 
-using Reader = std::string (*)(std::string_view text);
-
 /// Null for kinds of texts that other readers are for.
-Reader readerOf(std::string_view kind)
+TranscriptReader readerOf(std::string_view kind)
 {
     if (kind == "list" || kind == "list-one" || kind == "list-physical")
         return readingOfList;
@@ -179,59 +152,11 @@ Reader readerOf(std::string_view kind)
     return nullptr;
 }
 
-/// The path and the kind of each text.
-std::vector<std::pair<std::string, std::string>> indexOf(const fs::path &folder)
-{
-    std::vector<std::pair<std::string, std::string>> index;
-    const std::string text = contentsOf(folder / "INDEX.tsv");
-    for (const std::string_view line : Lines(text)) {
-        const std::size_t first = std::min(line.find('\t'), line.size());
-        const std::string_view rest = line.substr(std::min(first + 1, line.size()));
-        index.emplace_back(line.substr(0, first), rest.substr(0, rest.find('\t')));
-    }
-    return index;
-}
-
-void write(const fs::path &file, const std::string &text)
-{
-    fs::create_directories(file.parent_path());
-    std::ofstream(file, std::ios::binary) << text;
-}
-
-/// Compares a reading with the kept one at \a path; writes it instead where that is asked for.
-void expectGolden(const fs::path &path, const std::string &reading)
-{
-    const fs::path golden = fs::path(BRINDLE_TESTS) / "golden" / path;
-    if (std::getenv("BRINDLE_UPDATE_GOLDEN"))
-        write(golden, reading);
-    EXPECT_EQ(reading, contentsOf(golden));
-}
-
-class Transcripts : public testing::Test {
-protected:
-    void SetUp() override
-    {
-        if (const char *named = std::getenv("BRINDLE_TRANSCRIPTS"))
-            folder = named;
-        else
-            GTEST_SKIP() << "BRINDLE_TRANSCRIPTS names no folder";
-    }
-
-    LogCapture log;
-    fs::path folder;
-};
+class Transcripts : public TranscriptsTest {};
 
 TEST_F(Transcripts, ReadAsReviewed)
 {
-    int compared = 0;
-    for (const auto &[path, kind] : indexOf(folder)) {
-        SCOPED_TRACE(path);
-        if (const Reader reader = readerOf(kind)) {
-            expectGolden(path, reader(contentsOf(folder / path)));
-            ++compared;
-        }
-    }
-    EXPECT_GT(compared, 0);
+    expectReadAsReviewed("", readerOf);
 }
 
 /// The text of `diskutil info` of a disk or a partition among the texts of its machine, where it is one of them.
@@ -261,13 +186,13 @@ std::string systemsOfMachine(const fs::path &machine, const std::string &list)
 TEST_F(Transcripts, TellTheSystemsOfEachMachineAsReviewed)
 {
     int compared = 0;
-    for (const auto &[path, kind] : indexOf(folder)) {
+    for (const auto &[path, kind] : index()) {
         SCOPED_TRACE(path);
-        if (!path.starts_with("machines/") || !kind.starts_with("list"))
+        const fs::path machine = path.parent_path();
+        if (!path.string().starts_with("machines/") || !kind.starts_with("list"))
             continue;
-        const fs::path machine = fs::path(path).parent_path();
         const std::string reading = systemsOfMachine(folder / machine, contentsOf(folder / path));
-        expectGolden(machine / ("systems-of-" + fs::path(path).filename().string()), reading);
+        expectGolden(machine / ("systems-of-" + path.filename().string()), reading);
         ++compared;
     }
     EXPECT_GT(compared, 0);

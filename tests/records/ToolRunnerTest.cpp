@@ -433,6 +433,19 @@ TEST(ToolRunner, SetsAnUnchangedCopyOfItsOwnEnvironmentForAnEmptyOne)
     EXPECT_EQ(copied, inherited);
 }
 
+TEST(ToolRunner, GivesTheOutputWhereAnyIsAskedForAndNoneOfAToolThatFails)
+{
+    const InheritedVariable variable;
+    RealTools tools;
+    const auto shell = [&](const std::string &script) {
+        return tools.runner.outputIfAny("/bin/sh", {"-c", script}, Environment{{variable.kName, "given"}});
+    };
+
+    EXPECT_EQ(blockOn(shell("echo $BRINDLE_TEST_VARIABLE"), kPatience), "given\n");
+    EXPECT_EQ(blockOn(shell("echo out; exit 1"), kPatience), std::nullopt);
+    EXPECT_EQ(blockOn(tools.runner.outputIfAny("/nowhere/tool", {}), kPatience), std::nullopt);
+}
+
 TEST(ToolRunner, LeavesTheEnvironmentUntouchedWhereNoneIsGiven)
 {
     const InheritedVariable variable;

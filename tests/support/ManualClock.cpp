@@ -15,12 +15,6 @@ namespace {
 
 constexpr std::chrono::sys_days kFirstDate = std::chrono::year{2024} / std::chrono::January / 1;
 
-void drainEventLoop()
-{
-    while (QAbstractEventDispatcher::instance()->processEvents(QEventLoop::AllEvents)) {
-    }
-}
-
 struct Entry {
     Scheduler::Duration deadline;
     Scheduler::Duration interval; ///< Zero: fires once.
@@ -28,6 +22,12 @@ struct Entry {
 };
 
 } // namespace
+
+void drainEventLoop()
+{
+    while (QAbstractEventDispatcher::instance()->processEvents(QEventLoop::AllEvents)) {
+    }
+}
 
 struct ManualClock::State {
     Duration passed{};

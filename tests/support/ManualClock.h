@@ -6,6 +6,9 @@
 
 namespace brindle {
 
+/// Runs the event loop until nothing is left to be done.
+void drainEventLoop();
+
 /// A clock that stands still until a test moves it, so that a rule of time is tested in no time, exactly at its border.
 class ManualClock : public Scheduler {
 public:

@@ -93,10 +93,14 @@ TEST_F(CommandTest, DiskutilComplainsAboutAnUnknownDisk)
     EXPECT_EQ(m_context.out, "");
 }
 
-TEST_F(CommandTest, DiskutilTakesAnEmptyNameForNoDisk)
+TEST_F(CommandTest, DiskutilReadsNothingForAnEmptyName)
 {
-    EXPECT_EQ(run(runDiskutil, {"info", ""}), 1);
-    EXPECT_EQ(m_context.err, "Could not find disk: \n");
+    EXPECT_EQ(run(runDiskutil, {"info", ""}), 2);
+    EXPECT_EQ(m_context.err, "Usage:  diskutil info DISK\nTells what is known of a disk or partition.\n");
+    EXPECT_EQ(run(runDiskutil, {"list", ""}), 2);
+
+    EXPECT_TRUE(m_source.scopes.empty());
+    EXPECT_EQ(m_context.out, "");
 }
 
 TEST_F(CommandTest, DiskutilComplainsAboutWrongUsage)
@@ -115,10 +119,33 @@ TEST_F(CommandTest, DiskutilComplainsAboutWrongUsage)
 
 TEST_F(CommandTest, DiskutilHelps)
 {
-    EXPECT_EQ(run(runDiskutil, {"--help"}), 0);
-
-    EXPECT_THAT(m_context.out, HasSubstr("list [physical | DISK]"));
+    for (const char *word : {"--help", "-h", "help"}) {
+        m_context.out.clear();
+        EXPECT_EQ(run(runDiskutil, {word}), 0) << word;
+        EXPECT_THAT(m_context.out, HasSubstr("list [physical | DISK]")) << word;
+    }
     EXPECT_EQ(m_context.err, "");
+}
+
+TEST_F(CommandTest, DiskutilHelpsWithAVerb)
+{
+    const std::vector<std::vector<std::string_view>> lines{
+        {"eraseDisk", "--help"}, {"eraseDisk", "-h"}, {"help", "eraseDisk"}, {"--help", "eraseDisk"}};
+    for (const auto &line : lines) {
+        m_context.out.clear();
+        EXPECT_EQ(run(runDiskutil, line), 0);
+        EXPECT_EQ(m_context.out, "Usage:  diskutil eraseDisk FORMAT NAME [GPT] DISK\n"
+                                 "Makes a new table and file system on a whole disk.\n");
+    }
+    EXPECT_EQ(m_context.err, "");
+    EXPECT_TRUE(m_source.scopes.empty());
+}
+
+TEST_F(CommandTest, DiskutilHelpsWithNoVerbThatItDoesNotKnow)
+{
+    EXPECT_EQ(run(runDiskutil, {"help", "lst"}), 2);
+
+    EXPECT_THAT(m_context.err, HasSubstr("did not recognize verb \"lst\""));
 }
 
 TEST_F(CommandTest, DiskutilSaysThatItCannotActYet)
@@ -154,8 +181,12 @@ TEST_F(CommandTest, DfComplainsAboutOptionsThatItDoesNotKnow)
     EXPECT_EQ(run(runDf, {"-k", "/"}), 2);
     EXPECT_THAT(m_context.err, StartsWith("Usage:  df [-k]\n"));
 
-    EXPECT_EQ(run(runDf, {"--help"}), 0);
-    EXPECT_THAT(m_context.out, StartsWith("Usage:  df [-k]\n"));
+    EXPECT_EQ(run(runDf, {"-h", "-k"}), 2);
+    for (const char *word : {"--help", "-h"}) {
+        m_context.out.clear();
+        EXPECT_EQ(run(runDf, {word}), 0) << word;
+        EXPECT_THAT(m_context.out, StartsWith("Usage:  df [-k]\n")) << word;
+    }
 }
 
 TEST_F(CommandTest, NvramPrintsAVariable)
@@ -180,8 +211,11 @@ TEST_F(CommandTest, NvramComplainsAboutWrongUsage)
     EXPECT_EQ(run(runNvram, {"a", "b"}), 2);
     EXPECT_THAT(m_context.err, StartsWith("Usage:  nvram NAME\n"));
 
-    EXPECT_EQ(run(runNvram, {"--help"}), 0);
-    EXPECT_THAT(m_context.out, StartsWith("Usage:  nvram NAME\n"));
+    for (const char *word : {"--help", "-h"}) {
+        m_context.out.clear();
+        EXPECT_EQ(run(runNvram, {word}), 0) << word;
+        EXPECT_THAT(m_context.out, StartsWith("Usage:  nvram NAME\n")) << word;
+    }
 }
 
 } // namespace

@@ -2,6 +2,8 @@
 
 #include "base/Text.h"
 
+#include <fmt/format.h>
+
 #include <optional>
 #include <vector>
 
@@ -61,7 +63,7 @@ std::string typeAndSpeed(std::string_view memoryText)
         const std::string type = valueOf(lines[at], "Type:");
         for (std::size_t behind = at + 1; tells(type) && behind < lines.size() && behind <= at + 4; ++behind)
             if (const std::string speed = valueOf(lines[behind], "Speed:"); tells(speed))
-                return type + ' ' + speed;
+                return fmt::format("{} {}", type, speed);
     }
     return {};
 }

@@ -47,6 +47,15 @@ INSTANTIATE_TEST_SUITE_P(
                     NameCase{"BareDevices", "/dev/", "none"}, NameCase{"UnknownPath", "/nowhere", "none"}),
     [](const auto &info) { return info.param.name; });
 
+TEST(FindDevice, FollowsTheLinkThatWasAskedFor)
+{
+    Inventory machine = sampleMachine();
+    machine.link = Link{.path = "/dev/disk/by-label/EFI", .target = "/dev/nvme0n1p1"};
+
+    EXPECT_EQ(identifierOf(findDevice(machine, "/dev/disk/by-label/EFI")), "disk0s1");
+    EXPECT_EQ(identifierOf(findDevice(machine, "/dev/disk/by-label/ESP")), "none");
+}
+
 TEST(FindDevice, TakesTheIdentifierBeforeAVolumeOfThatName)
 {
     Inventory machine = sampleMachine();

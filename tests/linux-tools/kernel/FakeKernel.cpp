@@ -1,10 +1,15 @@
 #include "linux-tools/kernel/FakeKernel.h"
 
+#include <fmt/format.h>
+
 #include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <fstream>
 #include <stdexcept>
+
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
 
 namespace brindle::tools {
 namespace {
@@ -114,6 +119,19 @@ fs::path FakeKernel::node(const std::string &name) const
 void FakeKernel::writeNode(const std::string &name, const std::string &bytes) const
 {
     write(node(name), bytes);
+}
+
+std::optional<std::string> FakeKernel::linkToSomeBlockDevice(const std::string &name) const
+{
+    for (const fs::directory_entry &entry : fs::directory_iterator("/dev")) {
+        struct stat status {};
+        if (::stat(entry.path().c_str(), &status) != 0 || !S_ISBLK(status.st_mode))
+            continue;
+        fs::create_directories(node(name).parent_path());
+        fs::create_symlink(entry.path(), node(name));
+        return fmt::format("{}:{}", major(status.st_rdev), minor(status.st_rdev));
+    }
+    return std::nullopt;
 }
 
 std::string mbrWith(const std::vector<MbrEntry> &entries)

@@ -3,6 +3,7 @@
 #include "kernel/BlockDevices.h"
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -39,6 +40,10 @@ public:
     /// The file that stands for the node of a device; what is written to it can be read by libblkid.
     [[nodiscard]] std::filesystem::path node(const std::string &name) const;
     void writeNode(const std::string &name, const std::string &bytes) const;
+
+    /// Links \a name, below the directory of nodes, to any block device of this machine; its number, or `nullopt`
+    /// where there is none.
+    [[nodiscard]] std::optional<std::string> linkToSomeBlockDevice(const std::string &name) const;
 
     [[nodiscard]] std::filesystem::path root() const { return m_root; }
     [[nodiscard]] KernelRoots roots() const;

@@ -8,7 +8,6 @@
 namespace brindle::tools {
 namespace {
 
-using testing::Each;
 using testing::EndsWith;
 using testing::HasSubstr;
 

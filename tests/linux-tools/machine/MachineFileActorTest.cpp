@@ -8,9 +8,6 @@
 namespace brindle::tools {
 namespace {
 
-using testing::HasSubstr;
-using testing::StartsWith;
-
 constexpr std::string_view kTryReadOnly =
     "If you think the volume is supported but damaged, try the \"readOnly\" option\n";
 

@@ -15,7 +15,6 @@ namespace {
 
 using testing::EndsWith;
 using testing::HasSubstr;
-using testing::StartsWith;
 
 struct FaultCase {
     const char *name;

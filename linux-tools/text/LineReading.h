@@ -16,15 +16,6 @@ namespace brindle::tools {
     return line;
 }
 
-/// Without the blanks, tabs and newlines at both ends.
-[[nodiscard]] inline std::string_view withoutBlanks(std::string_view text)
-{
-    constexpr std::string_view kBlanks = " \t\r\n";
-    const std::size_t first = text.find_first_not_of(kBlanks);
-    return first == std::string_view::npos ? std::string_view()
-                                           : text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
-
 /// The number that \a text begins with; `nullopt` without one or where it does not fit.
 template <typename Number = std::uint64_t>
 [[nodiscard]] std::optional<Number> leadingNumber(std::string_view text, int base = 10)

@@ -1,0 +1,43 @@
+#include "kernel/UDisksModule.h"
+
+#include <cstdlib>
+#include <string_view>
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+namespace brindle::tools {
+namespace {
+
+constexpr const char *kModule = "brindle-udisks.so"; // Found by the program's run path.
+
+/// Whether it may be worth to load the module. A socket that is named by its path is looked for.
+bool isThere(const std::string &busAddress)
+{
+    constexpr std::string_view kByPath = "unix:path=";
+    if (!busAddress.starts_with(kByPath))
+        return !busAddress.empty();
+    return ::access(busAddress.substr(kByPath.size(), busAddress.find(',') - kByPath.size()).c_str(), F_OK) == 0;
+}
+
+} // namespace
+
+Smart healthFromUDisks(const std::string &busAddress, const std::string &device)
+{
+    if (!isThere(busAddress))
+        return Smart::notSupported;
+    void *const module = ::dlopen(kModule, RTLD_NOW | RTLD_LOCAL); // Stays: the program ends soon.
+    void *const function = module ? ::dlsym(module, "brindleUDisksHealth") : nullptr;
+    if (!function)
+        return Smart::notSupported;
+    return static_cast<Smart>(
+        reinterpret_cast<decltype(&brindleUDisksHealth)>(function)(busAddress.c_str(), device.c_str()));
+}
+
+std::string systemBusAddress()
+{
+    const char *const address = std::getenv("DBUS_SYSTEM_BUS_ADDRESS");
+    return address ? address : "unix:path=/run/dbus/system_bus_socket";
+}
+
+} // namespace brindle::tools
