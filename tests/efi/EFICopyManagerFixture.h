@@ -9,8 +9,8 @@
 #include "support/FileTree.h"
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
+#include "support/WaitUntil.h"
 
-#include <QCoreApplication>
 #include <QTemporaryDir>
 
 #include <fmt/format.h>
@@ -70,14 +70,6 @@ protected:
         const auto press = (*manager.confirmationData()).*choice;
         press();
         waitUntil([this] { return !manager.showConfirmationDialog() && !manager.isOperationInProgress(); });
-    }
-
-    static void waitUntil(const std::function<bool()> &isTrue)
-    {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-        while (!isTrue() && std::chrono::steady_clock::now() < end)
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
-        EXPECT_TRUE(isTrue());
     }
 
     void forget()

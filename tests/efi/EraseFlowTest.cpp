@@ -2,8 +2,7 @@
 
 #include "support/FakeEraseOperations.h"
 #include "support/LogCapture.h"
-
-#include <QCoreApplication>
+#include "support/WaitUntil.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -28,8 +27,7 @@ protected:
     {
         manager.setConfirmInput(input);
         manager.confirm();
-        for (int turn = 0; turn < 100 && manager.stage() == Stage::inProgress; ++turn)
-            QCoreApplication::processEvents();
+        waitUntil([this] { return manager.stage() != Stage::inProgress; });
     }
 
     EraseOperationManager manager;

@@ -1,0 +1,92 @@
+#include "views/EFICopyFlow.h"
+
+#include "base/Log.h"
+#include "base/Spawn.h"
+#include "base/Text.h"
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+namespace brindle {
+
+EFICopyFlow::EFICopyFlow(EFICopyManager &manager, PublishedDisks disks, Scheduler &scheduler, QObject *parent)
+    : QObject(parent),
+      m_manager(manager),
+      m_disks(std::move(disks)),
+      m_delayedCalls(scheduler)
+{
+    connect(&manager, &EFICopyManager::isOperationInProgressChanged, this, &EFICopyFlow::closeAfterSuccess);
+}
+
+void EFICopyFlow::onCopyEFI(const PhysicalDisk &disk, const EFIPartition &efiPartition)
+{
+    if (disk.efiPartitions.empty() || !efiPartition.isMounted)
+        return;
+    auto destinations = EFICopyManager::availableDestinations(m_disks(), disk, efiPartition);
+    if (destinations.empty()) {
+        spawn([this, disk, efiPartition] { return copyToLocation(disk, efiPartition); });
+        return;
+    }
+    m_selectedSourceDisk = disk;
+    m_selectedSourceEFI = efiPartition;
+    m_availableDestinations = std::move(destinations);
+    m_showingDestinationSelection = true;
+    Q_EMIT changed();
+}
+
+void EFICopyFlow::onDestinationSelected(const EFICopyManager::EFIPartitionInfo &destination,
+                                        bool overwriteWithoutBackup)
+{
+    if (!m_selectedSourceDisk || !m_selectedSourceEFI)
+        return;
+    spawn([this, disk = *m_selectedSourceDisk, efi = *m_selectedSourceEFI, destination, overwriteWithoutBackup] {
+        return copy(disk, efi, destination, overwriteWithoutBackup);
+    });
+}
+
+void EFICopyFlow::onCancel()
+{
+    m_showingDestinationSelection = false;
+    m_selectedSourceDisk.reset();
+    m_selectedSourceEFI.reset();
+    m_availableDestinations.clear();
+    Q_EMIT changed();
+}
+
+QCoro::Task<> EFICopyFlow::copy(PhysicalDisk sourceDisk, EFIPartition sourceEFI,
+                                EFICopyManager::EFIPartitionInfo destination, bool overwriteWithoutBackup)
+{
+    const auto &disks = m_disks();
+    const auto disk = std::ranges::find(disks, destination.diskIdentifier, &PhysicalDisk::identifier);
+    if (disk == disks.end())
+        co_return;
+    try {
+        auto copy = m_manager.copyEFI(sourceDisk, sourceEFI, *disk, destination.efiPartition, overwriteWithoutBackup);
+        co_await copy;
+    } catch (const std::exception &error) {
+        Log::line("EFI copy failed: {}", error.what());
+    }
+}
+
+QCoro::Task<> EFICopyFlow::copyToLocation(PhysicalDisk disk, EFIPartition efiPartition)
+{
+    try {
+        auto copy = m_manager.copyEFIToLocation(disk, efiPartition);
+        co_await copy;
+    } catch (const std::exception &error) {
+        Log::line("EFI copy to location failed: {}", error.what());
+    }
+}
+
+void EFICopyFlow::closeAfterSuccess()
+{
+    if (m_manager.isOperationInProgress() || !contains(m_manager.operationStatus(), "successfully"))
+        return;
+    m_delayedCalls.after(kAutoClose, [this] {
+        if (!m_manager.isOperationInProgress())
+            onCancel();
+    });
+}
+
+} // namespace brindle
