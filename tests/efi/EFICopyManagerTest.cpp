@@ -269,6 +269,18 @@ TEST_F(EFICopyManagerTest, VerifiesADestinationThatDiffersOnlyDeepInside)
     EXPECT_THAT(statuses, ElementsAre("Verifying copied files...", "Verification completed successfully"));
 }
 
+TEST_F(EFICopyManagerTest, VerifiesNamesThatTheFileSystemsListInAnotherOrder)
+{
+    for (const char *name : {"a", "b", "c"})
+        writeFile(sourceEFI() / name, "");
+    for (const char *name : {"c", "a", "b"})
+        writeFile(destinationEFI() / name, "");
+    ASSERT_NE(blockOn(files.contentsOfDirectory(sourceEFI()), 30s),
+              blockOn(files.contentsOfDirectory(destinationEFI()), 30s));
+
+    EXPECT_NO_THROW(blockOn(manager.verifyEFICopy(sourceEFI(), destinationEFI()), 30s));
+}
+
 TEST(EFICopyManager, OffersEveryOtherMountedPartitionInTheOrderOfTheList)
 {
     const auto mounted = [](std::string identifier) {
