@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <map>
 #include <string>
+#include <utility>
 
 #include <unistd.h>
 
@@ -22,6 +23,7 @@ namespace {
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Key;
 using testing::Not;
 using testing::Pair;
 
@@ -184,12 +186,17 @@ TEST_F(NamedDeviceTest, TakesTheNameOfAMappedVolumeForThePartitionThatCarriesIt)
 
 TEST_F(NamedDeviceTest, ReadsTheDetailsOfNoOtherDiskForTheNameOfAVolume)
 {
-    m_kernel.addDisk("259:8", "pci0000:00/0000:00:1e.0/0000:4d:00.0/nvme/nvme1/nvme1n1", 8192, {{"diskseq", "6"}});
-    m_kernel.addUdevRecord("259:8", {"ID_FS_TYPE=vfat", "ID_FS_LABEL_ENC=OTHER"});
-    m_kernel.writeNode("nvme1n1", "");
+    constexpr const char *kOthers = "pci0000:00/0000:00:1e.0/0000:4d:00.0/nvme/nvme1/";
+    for (const auto &[number, name] : {std::pair("259:8", "nvme1n1"), std::pair("259:9", "nvme1n2")}) {
+        m_kernel.addDisk(number, std::string(kOthers) + name, 8192);
+        m_kernel.addUdevRecord(number, {"ID_FS_TYPE=vfat", std::string("ID_FS_LABEL_ENC=ON ") + name});
+        m_kernel.writeNode(name, "");
+    }
 
-    EXPECT_THAT(openedFor("DATA"), Not(Contains(Pair("nvme1n1", testing::_))));
-    EXPECT_THAT(openedFor("OTHER"), Contains(Pair("nvme1n1", 1)));
+    const auto opened = openedFor("ON nvme1n1"); // Asked for its health.
+
+    EXPECT_THAT(opened, Contains(Pair("nvme1n1", 1)));
+    EXPECT_THAT(opened, Not(Contains(Key("nvme1n2"))));
 }
 
 TEST_F(NamedDeviceTest, SaysWhyWhatIsMountedLiesOnNoDisk)
