@@ -10,7 +10,9 @@ Assembly::Assembly(Platform platform)
       m_systemInfoDetector(m_toolRunner, m_platform.toolPaths),
       m_diskManager(m_toolRunner, m_platform.toolPaths, *m_platform.userDefaults, *m_platform.scheduler,
                     m_systemInfoDetector),
-      m_viewHeightCalculator(*m_platform.userDefaults)
+      m_viewHeightCalculator(*m_platform.userDefaults),
+      m_diskEventMonitor(*m_platform.diskEvents, *m_platform.scheduler,
+                         [this](bool force) { return m_diskManager.startScan(force); })
 {
 }
 

@@ -3,6 +3,7 @@
 #include "assembly/Platform.h"
 #include "records/ToolRunner.h"
 #include "shell/ViewHeightCalculator.h"
+#include "state/DiskEventMonitor.h"
 #include "state/DiskManager.h"
 #include "sysinfo/SystemInfoDetector.h"
 
@@ -18,6 +19,7 @@ public:
     [[nodiscard]] SystemInfoDetector &systemInfoDetector() { return m_systemInfoDetector; }
     [[nodiscard]] DiskManager &diskManager() { return m_diskManager; }
     [[nodiscard]] const ViewHeightCalculator &viewHeightCalculator() const { return m_viewHeightCalculator; }
+    [[nodiscard]] DiskEventMonitor &diskEventMonitor() { return m_diskEventMonitor; }
 
 private:
     Platform m_platform;
@@ -25,6 +27,7 @@ private:
     SystemInfoDetector m_systemInfoDetector;
     DiskManager m_diskManager;
     ViewHeightCalculator m_viewHeightCalculator;
+    DiskEventMonitor m_diskEventMonitor;
 };
 
 } // namespace brindle

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "platform/ChildProcess.h"
+#include "platform/DiskEvents.h"
 #include "platform/Scheduler.h"
+#include "platform/SecretStore.h"
 #include "platform/UserDefaults.h"
 #include "records/ToolPaths.h"
 
@@ -17,12 +19,16 @@ struct Platform {
     std::unique_ptr<Scheduler> scheduler;
     std::unique_ptr<ChildProcessLauncher> childProcesses;
     std::unique_ptr<UserDefaults> userDefaults;
+    std::unique_ptr<SecretStore> secretStore;
+    std::unique_ptr<DiskEvents> diskEvents;
     ToolPaths toolPaths;
 };
 
 /// What stands in place of the system's own; absent for what does not.
 struct PlatformChanges {
-    /// A folder that is put in front of every tool's path, so that a folder of programs stands for a whole machine.
+    /// A folder that is put in front of every tool's path, so that a folder of programs stands for a whole machine,
+    /// whose events are those of its machine file. The real secret store is never opened then, so that a replaced
+    /// sudo can't be handed a real password.
     std::optional<std::string> toolRoot;
     std::optional<std::filesystem::path> userDefaultsFile;
 };

@@ -1,7 +1,11 @@
 #include "assembly/Platform.h"
 
+#include "platform/MemorySecretStore.h"
 #include "platform/linux/LinuxChildProcess.h"
+#include "platform/linux/LinuxDiskEvents.h"
+#include "platform/linux/LinuxSecretStore.h"
 #include "platform/linux/PlistUserDefaults.h"
+#include "platform/qt/MachineFileEvents.h"
 #include "platform/qt/QtScheduler.h"
 
 #include <QCoreApplication>
@@ -16,6 +20,21 @@ ToolPaths suppliedTools()
     return ToolPaths::withSuppliedTools(QCoreApplication::applicationDirPath().toStdString() + "/../libexec/brindle");
 }
 
+std::unique_ptr<SecretStore> secretStoreFor(const PlatformChanges &changes)
+{
+    if (changes.toolRoot)
+        return std::make_unique<MemorySecretStore>();
+    return std::make_unique<LinuxSecretStore>();
+}
+
+/// The kernel's events say nothing of a simulated machine.
+std::unique_ptr<DiskEvents> makeDiskEvents(const PlatformChanges &changes)
+{
+    if (changes.toolRoot)
+        return std::make_unique<MachineFileEvents>(*changes.toolRoot);
+    return std::make_unique<LinuxDiskEvents>();
+}
+
 } // namespace
 
 Platform makePlatform(const PlatformChanges &changes)
@@ -25,6 +44,8 @@ Platform makePlatform(const PlatformChanges &changes)
         .childProcesses = std::make_unique<LinuxChildProcessLauncher>(),
         .userDefaults =
             std::make_unique<PlistUserDefaults>(changes.userDefaultsFile.value_or(PlistUserDefaults::defaultPath())),
+        .secretStore = secretStoreFor(changes),
+        .diskEvents = makeDiskEvents(changes),
         .toolPaths = changes.toolRoot ? ToolPaths::underRoot(*changes.toolRoot) : suppliedTools(),
     };
 }

@@ -10,6 +10,7 @@
 #include "cli/ListCommand.h"
 #include "cli/RowsCommand.h"
 #include "cli/SystemCommand.h"
+#include "cli/WatchCommand.h"
 
 #include <CLI/CLI.hpp>
 
@@ -58,6 +59,7 @@ int runCommandLine(int argc, char **argv)
     addHeightCommand(app, options, command);
     addIconStateCommand(app, options, command);
     addSystemCommand(app, options, command);
+    addWatchCommand(app, options, command);
     addCompletionCommand(app, command);
 
     try {

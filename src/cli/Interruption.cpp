@@ -29,35 +29,46 @@ void noteSignal(int signalNumber)
 
 void setHandlers(void (*handler)(int))
 {
-    for (const int signalNumber : kSignals)
-        std::signal(signalNumber, handler);
+    for (const int signalNumber : kSignals) {
+        const auto before = std::signal(signalNumber, handler);
+        if (signalNumber == SIGHUP && before == SIG_IGN) // nohup(1) wants the program to outlive its terminal
+            std::signal(signalNumber, SIG_IGN);
+    }
 }
 
 } // namespace
 
-Interruption::Interruption(std::function<void()> beforeTheEnd) : m_beforeTheEnd(std::move(beforeTheEnd))
+Interruption::Interruption(std::function<void()> function, Then then)
+    : m_function(std::move(function)),
+      m_then(then),
+      m_outerPipe(signalPipe)
 {
-    if (pipe2(signalPipe.data(), O_CLOEXEC | O_NONBLOCK) != 0)
+    std::array<int, 2> ownPipe{};
+    if (pipe2(ownPipe.data(), O_CLOEXEC | O_NONBLOCK) != 0)
         throw Error::fromErrno(errno, "A pipe can't be made");
+    signalPipe = ownPipe;
     m_notifier = std::make_unique<QSocketNotifier>(signalPipe[0], QSocketNotifier::Read);
-    QObject::connect(m_notifier.get(), &QSocketNotifier::activated, [this] { end(); });
+    QObject::connect(m_notifier.get(), &QSocketNotifier::activated, [this] { interrupt(); });
     setHandlers(noteSignal);
 }
 
 Interruption::~Interruption()
 {
-    setHandlers(SIG_DFL);
+    if (m_outerPipe[0] < 0)
+        setHandlers(SIG_DFL);
     m_notifier.reset();
-    for (int &descriptor : signalPipe)
-        close(std::exchange(descriptor, -1));
+    for (const int descriptor : std::exchange(signalPipe, m_outerPipe))
+        close(descriptor);
 }
 
-void Interruption::end()
+void Interruption::interrupt()
 {
     char signalNumber = 0;
     if (read(signalPipe[0], &signalNumber, 1) != 1)
         return;
-    m_beforeTheEnd();
+    m_function();
+    if (m_then == Then::goOn)
+        return;
     setHandlers(SIG_DFL);
     std::raise(signalNumber);
 }

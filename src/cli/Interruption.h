@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <functional>
 #include <memory>
 
@@ -7,19 +8,25 @@ class QSocketNotifier;
 
 namespace brindle {
 
-/// While it lives, the signals that end a program (SIGHUP, SIGINT, SIGTERM) call a function from the event loop first;
-/// then the program ends by the signal after all, so that whoever waits for it sees why. One at a time.
+/// While it lives, the signals that end a program (SIGHUP unless it was ignored, SIGINT, SIGTERM) call a function from
+/// the event loop. Of several that live, the last one made gets the signals.
 class Interruption {
 public:
-    explicit Interruption(std::function<void()> beforeTheEnd);
+    /// What becomes of the program after the function: it ends by the signal after all, so that whoever waits for it
+    /// sees why; or it goes on, and the function has seen to its end.
+    enum class Then { endBySignal, goOn };
+
+    explicit Interruption(std::function<void()> function, Then then = Then::endBySignal);
     ~Interruption();
     Interruption(const Interruption &) = delete;
     Interruption &operator=(const Interruption &) = delete;
 
 private:
-    void end();
+    void interrupt();
 
-    std::function<void()> m_beforeTheEnd;
+    std::function<void()> m_function;
+    Then m_then;
+    std::array<int, 2> m_outerPipe; ///< Of the one that lived before; below 0 where there was none.
     std::unique_ptr<QSocketNotifier> m_notifier;
 };
 

@@ -35,6 +35,9 @@ public:
     [[nodiscard]] QCoro::Task<std::vector<EFIPartition>> efiPartitions(std::string disk, std::string section,
                                                                        CancellationToken token = {});
 
+protected:
+    [[nodiscard]] const Diskutil &diskutil() const { return m_diskutil; }
+
 private:
     Diskutil m_diskutil;
 };

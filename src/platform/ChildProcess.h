@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Error.h"
+#include "base/Secret.h"
 
 #include <functional>
 #include <map>
@@ -17,16 +18,19 @@ struct ChildProcessCommand {
     std::string path;                   ///< Absolute.
     std::vector<std::string> arguments; ///< Without the program's name.
     /// The child's whole environment; the parent's own, untouched, where it is absent.
-    std::optional<std::map<std::string, std::string>> environment;
+    std::optional<std::map<std::string, std::string>> environment = {};
+    /// All that the child's standard input holds; the parent's own standard input where it is absent. The start fails
+    /// where it doesn't fit into a pipe, which holds 4 KiB at least.
+    std::optional<Secret> standardInput = {};
 };
 
 /// How a child process ended and what it had written by then.
 struct ChildProcessEnd {
     /// Why it could not be started or its output not be read; the other fields say nothing then.
-    std::optional<Error> failure;
+    std::optional<Error> failure = {};
     int terminationStatus = 0; ///< The exit status, or the number of the signal that ended it.
-    std::string standardOutput;
-    std::string standardError;
+    std::string standardOutput = {};
+    std::string standardError = {};
 };
 
 /// A child process that was asked for. Its end waits for nothing and leaves the child to itself.
@@ -51,8 +55,8 @@ public:
 
     virtual ~ChildProcessLauncher() = default;
 
-    /// Starts \a command; its standard input is the caller's. \a ended is called exactly once, from the event loop,
-    /// never inside launch(), also where the start fails; a dropped ChildProcess still reports.
+    /// Starts \a command. \a ended is called exactly once, from the event loop, never inside launch(), also where the
+    /// start fails; a dropped ChildProcess still reports.
     virtual std::unique_ptr<ChildProcess> launch(ChildProcessCommand command, Ended ended) = 0;
 };
 

@@ -1,8 +1,5 @@
 #include "records/ToolRunner.h"
 
-#include "base/Completion.h"
-#include "base/Text.h"
-
 #include <string_view>
 #include <utility>
 
@@ -25,24 +22,9 @@ std::map<std::string, std::string> addedToOwnEnvironment(std::map<std::string, s
     return entries;
 }
 
-std::string outputOf(ChildProcessEnd end)
-{
-    if (end.failure)
-        throw *end.failure;
-    if (end.terminationStatus != 0) {
-        std::string description = isUtf8(end.standardError) ? std::move(end.standardError) : "Unknown error";
-        throw Error("CommandError", end.terminationStatus, std::move(description));
-    }
-    return isUtf8(end.standardOutput) ? std::move(end.standardOutput) : std::string();
-}
-
 } // namespace
 
-ToolRunner::ToolRunner(ChildProcessLauncher &launcher, Scheduler &scheduler)
-    : m_launcher(launcher),
-      m_scheduler(scheduler)
-{
-}
+ToolRunner::ToolRunner(ChildProcessLauncher &launcher, Scheduler &scheduler) : m_processes(launcher, scheduler) {}
 
 QCoro::Task<std::string> ToolRunner::run(std::string path, std::vector<std::string> args,
                                          std::optional<std::map<std::string, std::string>> environment,
@@ -52,15 +34,9 @@ QCoro::Task<std::string> ToolRunner::run(std::string path, std::vector<std::stri
     if (environment)
         command.environment = addedToOwnEnvironment(std::move(*environment));
 
-    const Completion<ChildProcessEnd> ended;
-    const std::unique_ptr<ChildProcess> tool =
-        m_launcher.launch(std::move(command), [ended](ChildProcessEnd end) { ended.complete(std::move(end)); });
-    const auto terminate = [&tool] { tool->terminate(); };
-    const auto cancellation = token.onCancel(terminate);
-    const auto timeLimit = tool->isRunning() ? m_scheduler.after(kTimeLimit, terminate) : nullptr;
-
-    ChildProcessEnd end = co_await ended;
-    co_return outputOf(std::move(end));
+    auto tool = m_processes.run(std::move(command), kTimeLimit, std::move(token));
+    ChildProcessEnd end = co_await tool;
+    co_return standardOutputOf(std::move(end), "CommandError");
 }
 
 QCoro::Task<std::optional<std::string>> ToolRunner::outputIfAny(

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "records/ChildProcessRunner.h"
+
 #include "base/CancellationToken.h"
-#include "platform/ChildProcess.h"
-#include "platform/Scheduler.h"
 
 #include <QCoroTask>
 
@@ -43,8 +43,7 @@ public:
         std::optional<std::map<std::string, std::string>> environment = {}, CancellationToken token = {});
 
 private:
-    ChildProcessLauncher &m_launcher;
-    Scheduler &m_scheduler;
+    ChildProcessRunner m_processes;
 };
 
 } // namespace brindle

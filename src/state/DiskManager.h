@@ -4,6 +4,7 @@
 #include "state/SpaceFigures.h"
 
 #include "base/CancellationToken.h"
+#include "base/Completion.h"
 #include "detectors/BootloaderDetector.h"
 #include "detectors/DiskDetector.h"
 #include "detectors/EFIPartitionReader.h"
@@ -76,6 +77,10 @@ public:
     /// skipped while the pipeline is claimed. Never throws: what a failing tool would have told is left out.
     QCoro::Task<> startScan(bool force);
 
+    /// Cancels the scan under way and returns once its tools have ended, for a program that is about to end; called
+    /// once at most.
+    QCoro::Task<> stopScan();
+
     /// Takes what the system information knows about the boot for the next disks that are read.
     void syncBootloaderInfo();
 
@@ -110,12 +115,16 @@ private:
     void restorePersistedDisks();
 
     QCoro::Task<> scanDisks(bool force, CancellationToken token);
+    QCoro::Task<> detectSystemInfo();
+    QCoro::Task<DiskUsage> readUsage(CancellationToken token);
+    QCoro::Task<DiskutilListSections> readSections(CancellationToken token);
     QCoro::Task<std::vector<PhysicalDisk>> processDisks(std::vector<std::string> identifiers, DiskUsage usage,
                                                         DiskutilListSections sections, CancellationToken token);
     QCoro::Task<> processNextDisks(ScanBatch *batch, CancellationToken token);
     QCoro::Task<std::optional<PhysicalDisk>> processDisk(std::string identifier, const DiskUsage *usage,
                                                          std::string section, CancellationToken token);
     void detectBootloaders(PhysicalDisk &disk);
+    void endWithoutDisks();
     void publishDisks(std::vector<PhysicalDisk> disks);
     void closeRowsOfMissingDisks();
 
@@ -142,6 +151,8 @@ private:
     std::set<std::string> m_expandedDisks;
     bool m_hasCompletedInitialScan = false;
     CancellationToken m_refreshToken;
+    std::size_t m_scansUnderWay = 0;
+    Completion<bool> m_scansEnded; ///< Of all that are under way; a new one once none was.
 };
 
 /// Display order: the boot disk, then disks with OpenCore, with Clover, and all others; among alike by identifier as a

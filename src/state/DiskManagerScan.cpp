@@ -38,6 +38,8 @@ QCoro::Task<> DiskManager::refresh(bool force)
 QCoro::Task<> DiskManager::startScan(bool force)
 {
     m_refreshToken.cancel();
+    if (m_scansUnderWay++ == 0)
+        m_scansEnded = Completion<bool>();
     if (force && m_isLoadingDisks) {
         // The cancelled scan's tools are given time to end.
         auto pause = m_scheduler.sleep(200ms);
@@ -47,6 +49,17 @@ QCoro::Task<> DiskManager::startScan(bool force)
     m_refreshToken = token;
     auto scan = spawn([this, force, token] { return scanDisks(force, token); });
     co_await scan;
+    if (--m_scansUnderWay == 0)
+        m_scansEnded.complete(true);
+}
+
+QCoro::Task<> DiskManager::stopScan()
+{
+    m_refreshToken.cancel();
+    if (m_scansUnderWay == 0)
+        co_return;
+    const Completion<bool> ended = m_scansEnded;
+    co_await ended;
 }
 
 QCoro::Task<> DiskManager::scanDisks(bool force, CancellationToken token)
@@ -60,13 +73,8 @@ QCoro::Task<> DiskManager::scanDisks(bool force, CancellationToken token)
     setIsLoadingDisks(true);
     const auto start = m_scheduler.date();
 
-    if (!m_systemInfoDetector.isDetectionComplete()) {
-        Log::line("   ➡️ Starting system info detection");
-        auto detection = m_systemInfoDetector.refreshBootInfo();
-        co_await detection;
-        Log::line("   ✅ System info detection finished");
-    }
-
+    auto detection = detectSystemInfo();
+    co_await detection;
     Log::line("   ➡️ Fetching disk list");
     auto listing = m_diskDetector.listPhysicalDisks(token);
     std::vector<std::string> identifiers = co_await listing;
@@ -76,26 +84,15 @@ QCoro::Task<> DiskManager::scanDisks(bool force, CancellationToken token)
         co_return;
     }
     if (identifiers.empty()) {
-        setDisks({});
-        setIsLoadingDisks(false);
-        setHasCompletedInitialScan(true);
-        Log::line("   ⚠️ No disks found, exiting scan");
+        endWithoutDisks();
         co_return;
     }
-
     m_bootloaderDetector.scanCache.clear();
     syncBootloaderInfo();
-
-    Log::line("   ➡️ Running df -k");
-    auto usageText = m_tools.outputIfAny(m_paths.df(), {"-k"}, {}, token);
-    DiskUsage usage = parseDfOutput((co_await usageText).value_or(""));
-    Log::line("   ✅ df -k finished");
-
-    Log::line("   ➡️ Running diskutil list");
-    auto listText = m_tools.outputIfAny(m_paths.diskutil(), {"list"}, {}, token);
-    DiskutilListSections sections = parseDiskutilListSections((co_await listText).value_or(""));
-    Log::line("   ✅ diskutil list finished");
-
+    auto usageReading = readUsage(token);
+    DiskUsage usage = co_await usageReading;
+    auto sectionsReading = readSections(token);
+    DiskutilListSections sections = co_await sectionsReading;
     Log::line("   ➡️ Processing disks in parallel");
     auto processing = processDisks(std::move(identifiers), std::move(usage), std::move(sections), token);
     std::vector<PhysicalDisk> disks = co_await processing;
@@ -106,6 +103,34 @@ QCoro::Task<> DiskManager::scanDisks(bool force, CancellationToken token)
     }
     Log::line("✅ Disk scan completed in {:.2f}s", std::chrono::duration<double>(m_scheduler.date() - start).count());
     publishDisks(std::move(disks));
+}
+
+QCoro::Task<> DiskManager::detectSystemInfo()
+{
+    if (m_systemInfoDetector.isDetectionComplete())
+        co_return;
+    Log::line("   ➡️ Starting system info detection");
+    auto detection = m_systemInfoDetector.refreshBootInfo();
+    co_await detection;
+    Log::line("   ✅ System info detection finished");
+}
+
+QCoro::Task<DiskUsage> DiskManager::readUsage(CancellationToken token)
+{
+    Log::line("   ➡️ Running df -k");
+    auto reading = m_tools.outputIfAny(m_paths.df(), {"-k"}, {}, token);
+    const std::optional<std::string> text = co_await reading;
+    Log::line("   ✅ df -k finished");
+    co_return parseDfOutput(text.value_or(""));
+}
+
+QCoro::Task<DiskutilListSections> DiskManager::readSections(CancellationToken token)
+{
+    Log::line("   ➡️ Running diskutil list");
+    auto reading = m_tools.outputIfAny(m_paths.diskutil(), {"list"}, {}, token);
+    const std::optional<std::string> text = co_await reading;
+    Log::line("   ✅ diskutil list finished");
+    co_return parseDiskutilListSections(text.value_or(""));
 }
 
 QCoro::Task<std::vector<PhysicalDisk>> DiskManager::processDisks(std::vector<std::string> identifiers, DiskUsage usage,
@@ -193,6 +218,14 @@ void DiskManager::syncBootloaderInfo()
     Log::line("🔄 Synced bootloader info: boot={} loader={} OC={} Clover={}", info.bootDisk.value_or("?"),
               info.bootloaderDisk.value_or("same"), info.openCore.value_or("none"), info.clover.value_or("none"));
     m_cachedBootloaderInfo = std::move(info);
+}
+
+void DiskManager::endWithoutDisks()
+{
+    setDisks({});
+    setIsLoadingDisks(false);
+    setHasCompletedInitialScan(true);
+    Log::line("   ⚠️ No disks found, exiting scan");
 }
 
 void DiskManager::publishDisks(std::vector<PhysicalDisk> disks)

@@ -15,7 +15,7 @@ constexpr std::string_view kFolder = "/dev/";
 
 std::optional<std::string_view> diskOfHeader(std::string_view header)
 {
-    const std::string_view device = header.substr(0, header.find(' '));
+    const std::string_view device = header.substr(0, header.find_first_of(" \t"));
     return ToolText::numbered(device.substr(kFolder.size()), "disk");
 }
 

@@ -1,19 +1,16 @@
-// The log of one scan of the demo machine, line by line. BRINDLE_UPDATE_GOLDEN=1 writes tests/golden anew: review the
-// difference before you keep it.
+// The log of one scan of the demo machine, line by line.
 
 #include "assembly/Assembly.h"
 #include "assembly/DemoMachine.h"
 #include "base/BlockOn.h"
 #include "base/Text.h"
+#include "support/Fixtures.h"
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <deque>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <string>
 #include <utility>
@@ -82,13 +79,8 @@ TEST(DemoScan, LogsEachStepAsReviewed)
         for (const std::string &line : capture.lines())
             log += replacedAll(line, changes.toolRoot.value(), "DEMO") + '\n';
     }
-    const std::string golden = BRINDLE_TESTS "/golden/demo-scan.log";
-    if (std::getenv("BRINDLE_UPDATE_GOLDEN"))
-        std::ofstream(golden) << log;
 
-    std::ifstream file(golden);
-    const std::string reviewed{std::istreambuf_iterator<char>(file), {}};
-    EXPECT_EQ(log, reviewed);
+    expectGolden("demo-scan.log", log);
 }
 
 } // namespace

@@ -35,8 +35,14 @@ protected:
 
     void start(QProcess &process, const std::vector<std::string> &arguments)
     {
+        start(process, arguments, machine.root().string());
+    }
+
+    void start(QProcess &process, const std::vector<std::string> &arguments, const std::string &toolRoot,
+               const std::string &program = BRINDLECTL)
+    {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("BRINDLE_TOOL_ROOT"), QString::fromStdString(machine.root().string()));
+        environment.insert(QStringLiteral("BRINDLE_TOOL_ROOT"), QString::fromStdString(toolRoot));
         environment.insert(QStringLiteral("XDG_CONFIG_HOME"),
                            QString::fromStdString((machine.root() / "config").string()));
         environment.insert(QStringLiteral("TMPDIR"), QString::fromStdString(temporary.string()));
@@ -44,7 +50,7 @@ protected:
         for (const std::string &argument : arguments)
             list << QString::fromStdString(argument);
         process.setProcessEnvironment(environment);
-        process.start(QStringLiteral(BRINDLECTL), list);
+        process.start(QString::fromStdString(program), list);
     }
 
     Outcome run(const std::vector<std::string> &arguments, const QString &standardOutput = {})

@@ -276,10 +276,12 @@ complete_line() { COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _brindlectl; echo "
 complete_line brindlectl li
 complete_line brindlectl list --j
 complete_line brindlectl completion z
+complete_line brindlectl wa
+complete_line brindlectl watch --j
 )")});
     ASSERT_TRUE(bash.waitForFinished(10'000));
 
-    EXPECT_EQ(bash.readAllStandardOutput().toStdString(), "list\n--json\nzsh\n");
+    EXPECT_EQ(bash.readAllStandardOutput().toStdString(), "list\n--json\nzsh\nwatch\n--json\n");
     EXPECT_THAT(bash.readAllStandardError().toStdString(), IsEmpty());
 }
 

@@ -18,12 +18,15 @@ using testing::Not;
 
 class ViewCommands : public Brindlectl {
 protected:
-    void switchOn(const std::string &key)
+    void switchOn(const std::string &key) { store("<key>" + key + "</key><true/>"); }
+
+    /// Makes \a entries, in the XML of property lists, all that is in the settings.
+    void store(const std::string &entries)
     {
-        const auto store = machine.root() / "config/brindle/com.orlane.Brindle.plist";
-        std::filesystem::create_directories(store.parent_path());
-        std::ofstream(store) << "<?xml version=\"1.0\"?>\n<plist version=\"1.0\"><dict><key>" << key
-                             << "</key><true/></dict></plist>\n";
+        const auto file = machine.root() / "config/brindle/com.orlane.Brindle.plist";
+        std::filesystem::create_directories(file.parent_path());
+        std::ofstream(file) << "<?xml version=\"1.0\"?>\n<plist version=\"1.0\"><dict>" << entries
+                            << "</dict></plist>\n";
     }
 };
 
@@ -84,6 +87,17 @@ TEST_F(ViewCommands, TellTheHeightWithTheRowsOpenedThatAreNamed)
     EXPECT_EQ(run({"height"}).output, "222\n");
     EXPECT_EQ(run({"height", "--expand", "disk0"}).output, "315\n");
     EXPECT_EQ(run({"height", "--expand", "disk0,disk2,disk7", "--json"}).output, "{\"height\": 409}\n");
+    EXPECT_EQ(run({"height", "--expand", ""}).output, "222\n");
+}
+
+TEST_F(ViewCommands, TellTheHeightWithTheRowsThatWereLeftOpenUnlessOthersAreNamed)
+{
+    machine.addDisk("disk0").withEFI("EFI").withEFI("");
+    machine.addDisk("disk2").withEFI("A").withEFI("B");
+    store("<key>DiskManager.PersistedExpandedDisks</key><array><string>disk0</string></array>");
+
+    EXPECT_EQ(run({"height"}).output, "315\n");
+    EXPECT_EQ(run({"height", "--expand", "disk2"}).output, "316\n");
     EXPECT_EQ(run({"height", "--expand", ""}).output, "222\n");
 }
 

@@ -71,6 +71,15 @@ TEST_F(DiskManagerPersistence, WritesTheFirstRunSettingsInOrderBeforeAnyScan)
     EXPECT_THAT(tools.calls(), IsEmpty());
 }
 
+TEST_F(DiskManagerPersistence, TurnsTheNotificationsOnThatAreOffInAnEmptyStore)
+{
+    EXPECT_FALSE(defaults.boolForKey("ShowNotifications"));
+
+    manager();
+
+    EXPECT_TRUE(defaults.boolForKey("ShowNotifications"));
+}
+
 TEST_F(DiskManagerPersistence, LeavesTheSettingsAloneOnceTheyAreInitialized)
 {
     defaults.set("PreferencesInitialized", true);

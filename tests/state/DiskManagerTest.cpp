@@ -23,7 +23,13 @@ class DiskManagerTest : public DiskManagerFixture {};
 
 // --- visibility
 
-TEST_F(DiskManagerTest, HidesDiskImagesAndShowsAllElseWhenNothingWasEverWritten)
+/// The first-run settings, which would stand in for missing ones, count as written long ago.
+class DiskVisibility : public DiskManagerFixture {
+protected:
+    DiskVisibility() { defaults.set(DefaultsKeys::kPreferencesInitialized, true); }
+};
+
+TEST_F(DiskVisibility, HidesDiskImagesAndShowsAllElseWhenNothingWasEverWritten)
 {
     EXPECT_TRUE(manager().isDiskVisible(diskOf(PhysicalDisk::DiskType::physicalInternal)));
     EXPECT_TRUE(manager().isDiskVisible(diskOf(PhysicalDisk::DiskType::physicalExternal)));
@@ -38,11 +44,10 @@ struct VisibilityCase {
     bool byDefault;
 };
 
-class Visibility : public DiskManagerTest, public testing::WithParamInterface<VisibilityCase> {};
+class VisibilityOfAType : public DiskVisibility, public testing::WithParamInterface<VisibilityCase> {};
 
-TEST_P(Visibility, FollowsTheKeyOfTheDisksType)
+TEST_P(VisibilityOfAType, FollowsItsKey)
 {
-    manager(); // which writes the first-run settings
     const PhysicalDisk disk = diskOf(GetParam().diskType);
 
     defaults.set(GetParam().key, false);
@@ -51,7 +56,7 @@ TEST_P(Visibility, FollowsTheKeyOfTheDisksType)
     EXPECT_TRUE(manager().isDiskVisible(disk));
 }
 
-TEST_P(Visibility, PassesOverAValueThatIsNoBoolean)
+TEST_P(VisibilityOfAType, PassesOverAValueThatIsNoBoolean)
 {
     defaults.set(GetParam().key, GetParam().byDefault ? 0 : 1);
 
@@ -59,7 +64,7 @@ TEST_P(Visibility, PassesOverAValueThatIsNoBoolean)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    DiskManager, Visibility,
+    DiskManager, VisibilityOfAType,
     testing::Values(VisibilityCase{"Internal", "ShowInternalDisks", PhysicalDisk::DiskType::physicalInternal, true},
                     VisibilityCase{"External", "ShowExternalDisks", PhysicalDisk::DiskType::physicalExternal, true},
                     VisibilityCase{"Removable", "ShowRemovableDisks", PhysicalDisk::DiskType::removable, true},
@@ -119,6 +124,21 @@ TEST_F(DiskManagerTest, EndsAScanWithoutDisksAtOnce)
     EXPECT_THAT(tools.calls(), ElementsAre("/usr/sbin/diskutil list physical"));
 }
 
+TEST_F(DiskManagerTest, EmptiesTheListAndLeavesTheTimeOfTheLastScanWhenNoDiskIsLeft)
+{
+    plugIn({"disk0"});
+    scan();
+    const Scheduler::Date scanned = clock.date();
+    clock.advance(10s);
+    tools.answer("/usr/sbin/diskutil list physical", "");
+
+    scan();
+
+    EXPECT_TRUE(manager().disks().empty());
+    EXPECT_FALSE(manager().isLoadingDisks());
+    EXPECT_EQ(manager().lastRefreshTime(), scanned);
+}
+
 TEST_F(DiskManagerTest, LeavesTheFlagSetWhenACancelledScanMakesWayForOneWithoutForce)
 {
     tools.answer("/usr/sbin/diskutil list physical", "/dev/disk0 (internal, physical):\n");
@@ -134,6 +154,28 @@ TEST_F(DiskManagerTest, LeavesTheFlagSetWhenACancelledScanMakesWayForOneWithoutF
     EXPECT_FALSE(manager().hasCompletedInitialScan());
     EXPECT_THAT(log.lines(), Contains("   ⏸️ Scan already in progress, skipping"));
     EXPECT_THAT(log.lines(), Contains("   ❌ Task cancelled before processing disks"));
+}
+
+TEST_F(DiskManagerTest, SkipsEveryScanWithoutForceWhileTheFlagIsLeftSet)
+{
+    plugIn({"disk0"});
+    tools.hold("/usr/sbin/diskutil list physical");
+    auto first = manager().startScan(false);
+    awaitCall("/usr/sbin/diskutil list physical");
+    auto second = manager().startScan(false);
+    blockOn(std::move(second), 1s);
+    blockOn(std::move(first), 1s);
+    tools.release("/usr/sbin/diskutil list physical");
+
+    scan();
+    EXPECT_TRUE(manager().isLoadingDisks());
+    EXPECT_THAT(log.lines(), Contains("   ⏸️ Scan already in progress, skipping").Times(2));
+
+    auto forced = manager().startScan(true);
+    clock.advance(200ms);
+    blockOn(std::move(forced), 1s);
+    EXPECT_FALSE(manager().isLoadingDisks());
+    EXPECT_EQ(manager().disks().size(), 1U);
 }
 
 TEST_F(DiskManagerTest, MendsTheFlagByAForcedScanThatWaitsForTheCancelledOnesTools)
@@ -156,6 +198,20 @@ TEST_F(DiskManagerTest, MendsTheFlagByAForcedScanThatWaitsForTheCancelledOnesToo
     EXPECT_TRUE(manager().hasCompletedInitialScan());
 }
 
+TEST_F(DiskManagerTest, ScansWithoutForceAlsoForAForcedRefresh)
+{
+    tools.answer("/usr/sbin/diskutil list physical", "");
+    tools.hold("/usr/sbin/diskutil list physical");
+    auto running = manager().startScan(false);
+    awaitCall("/usr/sbin/diskutil list physical");
+
+    blockOn(manager().refresh(true), 1s);
+    blockOn(std::move(running), 1s);
+
+    EXPECT_THAT(log.lines(), Contains("   ⏸️ Scan already in progress, skipping"));
+    EXPECT_TRUE(manager().isLoadingDisks());
+}
+
 TEST_F(DiskManagerTest, DropsTheResultOfAScanThatIsCancelledWhileItReadsDisks)
 {
     plugIn({"disk0"});
@@ -172,6 +228,29 @@ TEST_F(DiskManagerTest, DropsTheResultOfAScanThatIsCancelledWhileItReadsDisks)
     EXPECT_THAT(log.lines(), Contains("   ❌ Task cancelled after processing disks"));
 }
 
+TEST_F(DiskManagerTest, StopsItsScanByEndingTheToolThatRuns)
+{
+    plugIn({"disk0"});
+    tools.hold("/usr/sbin/diskutil info disk0");
+    auto scanning = manager().startScan(false);
+    awaitCall("/usr/sbin/diskutil info disk0");
+
+    blockOn(manager().stopScan(), 1s);
+
+    EXPECT_TRUE(manager().disks().empty());
+    EXPECT_THAT(log.lines(), Contains("   ❌ Task cancelled after processing disks"));
+}
+
+TEST_F(DiskManagerTest, HasNothingToStopWhenNoScanIsUnderWay)
+{
+    plugIn({"disk0"});
+    scan();
+
+    blockOn(manager().stopScan(), 1s);
+
+    EXPECT_EQ(manager().disks().size(), 1U);
+}
+
 TEST_F(DiskManagerTest, GivesWayToTheSecondOfTwoScansOfOneTurn)
 {
     tools.answer("/usr/sbin/diskutil list physical", "");
@@ -182,6 +261,8 @@ TEST_F(DiskManagerTest, GivesWayToTheSecondOfTwoScansOfOneTurn)
     blockOn(std::move(second), 1s);
 
     EXPECT_THAT(tools.calls(), ElementsAre("/usr/sbin/diskutil list physical"));
+    EXPECT_TRUE(manager().hasCompletedInitialScan());
+    EXPECT_FALSE(manager().isLoadingDisks());
 }
 
 } // namespace

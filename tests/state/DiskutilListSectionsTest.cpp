@@ -53,6 +53,7 @@ TEST(DiskutilListSections, KeepTheDiskAtAHeaderThatNamesNone)
 TEST(DiskutilListSections, TakeTheFirstDiskOfTheFirstFieldAlone)
 {
     EXPECT_THAT(parseDiskutilListSections("/dev/diskdisk3 disk4\nrow"), ElementsAre(Pair("disk3", testing::_)));
+    EXPECT_THAT(parseDiskutilListSections("/dev/disk\tdisk7\nrow"), IsEmpty());
     EXPECT_THAT(parseDiskutilListSections("/dev/disk3s1 x"), ElementsAre(Pair("disk3", testing::_)));
 }
 

@@ -256,6 +256,26 @@ TEST_F(ScanOfOneDisk, TakesTheFirstPartitionsUUIDWhereTheDiskHasNone)
     EXPECT_EQ(disk().mediaUUID, "WHOLE");
 }
 
+TEST_F(ScanOfOneDisk, GoesByTheFirstPartitionForTheUUIDAndByTheFirstMountedOneForTheFiles)
+{
+    const QTemporaryDir last;
+    std::filesystem::create_directories(std::filesystem::path(last.path().toStdString()) / "EFI/CLOVER/config.plist");
+    addFile("EFI/OC/OpenCore.efi");
+    tools.answer("/usr/sbin/diskutil list", "/dev/disk0 (internal, physical):\n"
+                                            "   1:   EFI A   209.7 MB   disk0s3\n"
+                                            "   2:   EFI B   209.7 MB   disk0s1\n"
+                                            "   3:   EFI C   209.7 MB   disk0s2\n");
+    tools.answer("/usr/sbin/diskutil info disk0s3", "   Disk / Partition UUID:   UUID-3\n");
+    tools.answer("/usr/sbin/diskutil info disk0s2", "   Mount Point:   " + last.path().toStdString() + "\n");
+
+    scan();
+
+    EXPECT_EQ(disk().mediaUUID, "UUID-3");
+    EXPECT_TRUE(disk().hasOpenCore);
+    EXPECT_FALSE(disk().hasClover);
+    EXPECT_TRUE(manager().efiStates().at("disk0"));
+}
+
 TEST_F(ScanOfOneDisk, AwaitsTheBootInformationOnceAndBeforeTheDiskList)
 {
     FakeToolRunner slow;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 
@@ -18,6 +19,16 @@ std::string contentsOf(const std::filesystem::path &file)
 std::string fixture(std::string_view name)
 {
     return contentsOf(std::filesystem::path(BRINDLE_TESTS) / "fixtures" / name);
+}
+
+void expectGolden(const std::filesystem::path &path, const std::string &text)
+{
+    const std::filesystem::path golden = std::filesystem::path(BRINDLE_TESTS) / "golden" / path;
+    if (std::getenv("BRINDLE_UPDATE_GOLDEN")) {
+        std::filesystem::create_directories(golden.parent_path());
+        std::ofstream(golden, std::ios::binary) << text;
+    }
+    EXPECT_EQ(text, contentsOf(golden));
 }
 
 std::string withCarriageReturns(std::string_view text)

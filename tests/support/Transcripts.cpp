@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <fstream>
 
 namespace brindle {
 
@@ -21,12 +20,6 @@ std::string inQuotes(std::string_view text)
 {
     const std::string list = fmt::format("{}", std::array{text});
     return list.substr(1, list.size() - 2);
-}
-
-void write(const fs::path &file, const std::string &text)
-{
-    fs::create_directories(file.parent_path());
-    std::ofstream(file, std::ios::binary) << text;
 }
 
 } // namespace
@@ -63,14 +56,6 @@ void TranscriptsTest::expectReadAsReviewed(const fs::path &golden,
         }
     }
     EXPECT_GT(compared, 0);
-}
-
-void TranscriptsTest::expectGolden(const fs::path &path, const std::string &reading)
-{
-    const fs::path golden = fs::path(BRINDLE_TESTS) / "golden" / path;
-    if (std::getenv("BRINDLE_UPDATE_GOLDEN"))
-        write(golden, reading);
-    EXPECT_EQ(reading, contentsOf(golden));
 }
 
 std::string field(std::string_view name, const std::optional<std::string> &value)

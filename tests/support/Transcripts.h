@@ -18,7 +18,7 @@ using TranscriptReader = std::string (*)(std::string_view text);
 /// Texts that the tools printed on real machines, read by all readers and compared with what was reviewed by hand.
 ///
 /// BRINDLE_TRANSCRIPTS names the folder of the texts, whose INDEX.tsv tells the kind of each; the tests are skipped
-/// without it. BRINDLE_UPDATE_GOLDEN=1 writes the readings anew: review the difference before you keep it.
+/// without it. The readings are compared by expectGolden().
 class TranscriptsTest : public testing::Test {
 protected:
     struct Transcript {
@@ -34,9 +34,6 @@ protected:
     /// folder \a golden of tests/golden.
     void expectReadAsReviewed(const std::filesystem::path &golden,
                               TranscriptReader (*readerOf)(std::string_view kind)) const;
-
-    /// Compares a reading with the one at \a path of tests/golden.
-    static void expectGolden(const std::filesystem::path &path, const std::string &reading);
 
     LogCapture log; ///< What the readers say is of no interest.
     std::filesystem::path folder;

@@ -1,5 +1,6 @@
 #include "platform/linux/LinuxChildProcess.h"
 
+#include "platform/linux/InputPipe.h"
 #include "platform/linux/OutputPipe.h"
 #include "platform/linux/PosixSpawn.h"
 
@@ -134,13 +135,15 @@ struct StartedChild {
     FileDescriptor standardError;
 };
 
-// The write ends are closed again when it returns: their room is what the descriptor of the child's end needs, so that
-// a process short of descriptors finds out before the child is started.
+// The child's ends are closed again when it returns: their room is what the descriptor of the child's end needs, so
+// that a process short of descriptors finds out before the child is started.
 StartedChild start(const ChildProcessCommand &command)
 {
     OutputPipe standardOutput = OutputPipe::open();
     OutputPipe standardError = OutputPipe::open();
-    const pid_t pid = posixSpawn(command, standardOutput.writeEnd, standardError.writeEnd);
+    const FileDescriptor standardInput =
+        command.standardInput ? inputPipeHolding(command.standardInput->view()) : FileDescriptor();
+    const pid_t pid = posixSpawn(command, {standardInput, standardOutput.writeEnd, standardError.writeEnd});
     return {pid, std::move(standardOutput.readEnd), std::move(standardError.readEnd)};
 }
 

@@ -36,12 +36,14 @@ private:
 /// What the child's side does before the program begins.
 class SpawnSetup {
 public:
-    SpawnSetup(const FileDescriptor &standardOutput, const FileDescriptor &standardError)
+    explicit SpawnSetup(const StandardDescriptors &descriptors)
     {
         posix_spawn_file_actions_init(&m_fileActions);
         // In this order: where this process has no standard error, its number may be that of the output's pipe.
-        posix_spawn_file_actions_adddup2(&m_fileActions, standardOutput.value(), STDOUT_FILENO);
-        posix_spawn_file_actions_adddup2(&m_fileActions, standardError.value(), STDERR_FILENO);
+        posix_spawn_file_actions_adddup2(&m_fileActions, descriptors.output.value(), STDOUT_FILENO);
+        posix_spawn_file_actions_adddup2(&m_fileActions, descriptors.error.value(), STDERR_FILENO);
+        if (descriptors.input)
+            posix_spawn_file_actions_adddup2(&m_fileActions, descriptors.input.value(), STDIN_FILENO);
         posix_spawn_file_actions_addclosefrom_np(&m_fileActions, STDERR_FILENO + 1);
 
         // What this process ignores or blocks for its own sake must not make a program deaf to its termination. A
@@ -90,12 +92,11 @@ CStrings assignmentsOf(const std::map<std::string, std::string> &environment)
 
 } // namespace
 
-pid_t posixSpawn(const ChildProcessCommand &command, const FileDescriptor &standardOutput,
-                 const FileDescriptor &standardError)
+pid_t posixSpawn(const ChildProcessCommand &command, const StandardDescriptors &descriptors)
 {
     const CStrings arguments = argumentsOf(command);
     const CStrings assignments = assignmentsOf(command.environment.value_or(std::map<std::string, std::string>{}));
-    const SpawnSetup setup(standardOutput, standardError);
+    const SpawnSetup setup(descriptors);
     pid_t pid = 0;
 
     const int error = posix_spawn(&pid, command.path.c_str(), setup.fileActions(), setup.attributes(), arguments.data(),

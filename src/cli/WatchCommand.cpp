@@ -1,0 +1,131 @@
+#include "cli/WatchCommand.h"
+
+#include "assembly/Assembly.h"
+#include "base/BlockOn.h"
+#include "base/Completion.h"
+#include "base/Error.h"
+#include "base/Log.h"
+#include "cli/DiskTable.h"
+#include "cli/Interruption.h"
+#include "cli/Terminal.h"
+
+#include <CLI/CLI.hpp>
+#include <QObject>
+#include <QSocketNotifier>
+#include <fmt/chrono.h>
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace brindle {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+// A tool that doesn't end when it is asked to holds nobody up for longer.
+constexpr std::chrono::milliseconds kPatienceAtTheEnd = 2s;
+
+/// Why the watch ends: nothing where whoever started it or reads it has had enough.
+using End = std::optional<Error>;
+
+QCoro::Task<End> awaited(Completion<End> end)
+{
+    co_return co_await end;
+}
+
+std::string jsonOf(const std::vector<PhysicalDisk> &disks, Scheduler::Date date)
+{
+    const auto sinceEpoch = std::chrono::floor<std::chrono::milliseconds>(date.time_since_epoch());
+    const std::time_t seconds = std::chrono::floor<std::chrono::seconds>(sinceEpoch).count();
+    return fmt::format("{{\"date\":\"{:%FT%T}.{:03}Z\",\"disks\":{}}}\n", fmt::gmtime(seconds),
+                       sinceEpoch.count() - seconds * 1000, encodeDisks(disks, JSONLayout::Compact));
+}
+
+std::string tableOf(const std::vector<PhysicalDisk> &disks, Scheduler::Date date)
+{
+    const Terminal terminal = Terminal::ofStandardOutput();
+    const std::time_t seconds = std::chrono::system_clock::to_time_t(date);
+    const std::string heading = styled(fmt::format("{:%F %T}", fmt::localtime(seconds)), Style::dim, terminal);
+    return fmt::format("{}\n{}\n", heading, diskTable(disks, terminal));
+}
+
+void print(const std::string &text, const Completion<End> &end)
+{
+    const bool isWritten = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
+    if (isWritten && std::fflush(stdout) == 0)
+        return;
+    end.complete(errno == EPIPE ? End() : End(Error::fromErrno(errno, "standard output")));
+}
+
+/// Calls back when the reader of standard output has gone: a pipe without a reader is told as an exception.
+std::unique_ptr<QSocketNotifier> watchForReader(std::function<void()> readerHasGone)
+{
+    auto notifier = std::make_unique<QSocketNotifier>(STDOUT_FILENO, QSocketNotifier::Exception);
+    QObject::connect(notifier.get(), &QSocketNotifier::activated, notifier.get(),
+                     [self = notifier.get(), readerHasGone = std::move(readerHasGone)] {
+                         self->setEnabled(false);
+                         readerHasGone();
+                     });
+    return notifier;
+}
+
+/// Ends what runs for the watch, so that no tool outlives it.
+void stop(Assembly &assembly)
+{
+    assembly.diskEventMonitor().stopMonitoring();
+    try {
+        blockOn(assembly.diskManager().stopScan(), kPatienceAtTheEnd);
+    } catch (const Error &error) {
+        Log::line("⚠️ The scan does not stop: {}", error.what());
+    }
+}
+
+ExitStatus watch(Platform platform, bool asJson)
+{
+    std::signal(SIGPIPE, SIG_IGN); // a reader that goes ends the watch, which has something to clean up
+    const Scheduler &clock = *platform.scheduler;
+    Assembly assembly(std::move(platform));
+    DiskManager &manager = assembly.diskManager();
+    const Completion<End> end;
+    const auto endWell = [end] { end.complete(std::nullopt); };
+    const Interruption interruption(endWell, Interruption::Then::goOn);
+    const auto reader = watchForReader(endWell);
+    QObject::connect(&manager, &DiskManager::disksChanged, &manager, [&] {
+        if (!end.isComplete())
+            print((asJson ? jsonOf : tableOf)(manager.disks(), clock.date()), end);
+    });
+
+    assembly.diskEventMonitor().startMonitoring();
+    const auto scan = manager.startScan(false);
+    const End reason = blockOn(awaited(end));
+    stop(assembly);
+    if (reason)
+        throw Error(*reason);
+    return ExitStatus::done;
+}
+
+} // namespace
+
+void addWatchCommand(CLI::App &app, const GlobalOptions &options, Command &command)
+{
+    CLI::App *subcommand =
+        app.add_subcommand("watch", "Tell the disks now and whenever one comes, goes, is mounted or unmounted");
+    const auto asJson = std::make_shared<bool>(false);
+    subcommand->add_flag("--json", *asJson, "Print each list as a JSON object, with its date, on a line of its own");
+    subcommand->callback([&options, &command, asJson] {
+        command = [&options, asJson] {
+            return onMachine(options, [&](Platform platform) { return watch(std::move(platform), *asJson); });
+        };
+    });
+}
+
+} // namespace brindle

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <string>
+#include <vector>
+
+namespace brindle {
+
+/// A D-Bus session of the test's own, with a real gnome-keyring on it whose keyring is open: this process and those
+/// that it starts know no other session while it lives. Nothing of the user's own is touched. Nobody is there to be
+/// asked.
+class PrivateSession {
+public:
+    /// Why there can be no such session on this machine; empty where there can.
+    [[nodiscard]] static std::string obstacle();
+
+    PrivateSession();
+    ~PrivateSession();
+    PrivateSession(const PrivateSession &) = delete;
+    PrivateSession &operator=(const PrivateSession &) = delete;
+
+    void lockKeyring();
+    void endKeyring();
+    void endBus();
+
+    /// Whether the keyring has tried to ask somebody.
+    [[nodiscard]] bool hasAsked();
+
+    /// What `secret-tool ARGUMENTS` prints: another program's view of the same service.
+    [[nodiscard]] std::string secretTool(const std::vector<std::string> &arguments);
+
+private:
+    void startBus();
+    void startKeyring();
+
+    QTemporaryDir m_home;
+    QProcess m_bus;
+    QProcess m_keyring;
+    QByteArray m_addressBefore;
+};
+
+} // namespace brindle
