@@ -27,8 +27,7 @@ constexpr NameRule kOtherRule{255, bytes, "/:"sv, false, false};
 
 bool isAllowed(const CodePoint &codePoint, const NameRule &rule)
 {
-    const bool isControl = codePoint.value < 0x20 || (codePoint.value >= 0x7F && codePoint.value < 0xA0);
-    if (isControl || codePoint.value == 0x2028 || codePoint.value == 0x2029)
+    if (isInvisible(codePoint.value))
         return false;
     if (codePoint.value > 0x7F)
         return !rule.isAscii;

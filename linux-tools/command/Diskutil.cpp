@@ -21,9 +21,16 @@ std::string usageOf(const Verb &verb)
     return fmt::format("Usage:  diskutil {} {}\n{}.\n", verb.name, verb.usage, verb.help);
 }
 
-int complainAboutName(Context &context, std::string_view name)
+void tellNotes(Context &context, const Inventory &inventory)
+{
+    for (const std::string &note : inventory.notes)
+        context.err += fmt::format("diskutil: {}\n", printable(note));
+}
+
+int complainAboutName(Context &context, const Inventory &inventory, std::string_view name)
 {
     context.err += fmt::format("Could not find disk: {}\n", printable(name));
+    tellNotes(context, inventory);
     return kFailed;
 }
 
@@ -31,21 +38,20 @@ int list(Context &context, const Verb &, Arguments arguments)
 {
     if (arguments.size() > 1 || (arguments.size() == 1 && arguments.front().empty()))
         return kWrongUsage;
-    if (arguments.empty()) {
-        context.out += listText(context.source.read({.name = {}, .withContents = true}));
-        return kDone;
-    }
-    const std::string_view name = arguments.front();
-    if (name == "physical") {
-        context.out += listPhysicalText(context.source.read({.name = {}, .withContents = true}));
+    const std::string_view name = arguments.empty() ? std::string_view() : arguments.front();
+    if (name.empty() || name == "physical") {
+        const Inventory inventory = context.source.read({.name = {}, .withContents = true});
+        context.out += name.empty() ? listText(inventory) : listPhysicalText(inventory);
+        tellNotes(context, inventory);
         return kDone;
     }
     const Inventory inventory =
         context.source.read({.name = std::string(name), .withContents = true, .withMounts = true});
     const auto device = findDevice(inventory, name);
     if (!device)
-        return complainAboutName(context, name);
+        return complainAboutName(context, inventory, name);
     context.out += listText(*device);
+    tellNotes(context, inventory);
     return kDone;
 }
 
@@ -58,8 +64,9 @@ int info(Context &context, const Verb &, Arguments arguments)
         {.name = std::string(name), .onlyNamed = true, .withContents = true, .withDetails = true, .withMounts = true});
     const auto device = findDevice(inventory, name);
     if (!device)
-        return complainAboutName(context, name);
+        return complainAboutName(context, inventory, name);
     context.out += infoText(*device);
+    tellNotes(context, inventory);
     return kDone;
 }
 

@@ -1,5 +1,7 @@
 #include "hardware/CpuInfo.h"
 
+#include "hardware/Believable.h"
+
 #include "text/LineReading.h"
 #include "text/Words.h"
 
@@ -48,9 +50,10 @@ std::uint64_t megahertzIn(std::string_view modelName)
     double number = 0;
     const auto result = std::from_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed);
     const std::string_view unit = trimmed({result.ptr, text.data() + text.size()});
-    constexpr double kMostMegahertz = 100000;
     const double megahertz = unit == "GHz" ? number * 1000 : unit == "MHz" ? number : 0;
-    return megahertz > 0 && megahertz < kMostMegahertz ? static_cast<std::uint64_t>(std::lround(megahertz)) : 0;
+    return megahertz > 0 && megahertz < static_cast<double>(kMostMegahertz)
+               ? static_cast<std::uint64_t>(std::lround(megahertz))
+               : 0;
 }
 
 struct Line {

@@ -1,5 +1,6 @@
 #include "hardware/Edid.h"
 
+#include "hardware/Believable.h"
 #include "hardware/FirmwareText.h"
 
 #include <cmath>
@@ -49,7 +50,7 @@ void readTiming(std::string_view timing, Display &display)
     display.width = twelveBits(2, 4);
     display.height = twelveBits(5, 7);
     const std::uint64_t dots = (display.width + blanking(3, 4)) * (display.height + blanking(6, 7));
-    display.refreshHertz = dots == 0 ? 0 : (pixelClockHertz + dots / 2) / dots;
+    display.refreshHertz = dots == 0 ? 0 : believed((pixelClockHertz + dots / 2) / dots, kMostHertz);
 }
 
 void readDescriptor(std::string_view descriptor, Display &display)

@@ -37,21 +37,6 @@ constexpr std::array<std::string_view, 27> kFillers{"TO BE FILLED BY O.E.M.",
                                                     "<OUT OF SPEC>",
                                                     "OTHER"};
 
-bool isBlank(char character)
-{
-    const auto byte = static_cast<unsigned char>(character);
-    return byte <= 0x20 || byte == 0x7F;
-}
-
-std::string_view trimmedOf(std::string_view text)
-{
-    while (!text.empty() && isBlank(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && isBlank(text.back()))
-        text.remove_suffix(1);
-    return text;
-}
-
 /// "0000", "....", "-": the same meaningless character over and over.
 bool isPadding(std::string_view text)
 {
@@ -64,7 +49,7 @@ bool isPadding(std::string_view text)
 
 std::string firmwareText(std::string_view raw)
 {
-    const std::string_view text = trimmedOf(raw);
+    const std::string_view text = trimmed(raw);
     if (text.empty() || isPadding(text) || std::ranges::find(kFillers, upperCased(text)) != kFillers.end())
         return {};
     return std::string(text);

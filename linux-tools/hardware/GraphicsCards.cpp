@@ -1,5 +1,6 @@
 #include "hardware/GraphicsCards.h"
 
+#include "hardware/Believable.h"
 #include "hardware/Edid.h"
 #include "hardware/PciNames.h"
 #include "hardware/UdevProperties.h"
@@ -41,8 +42,8 @@ void readFirstMode(const fs::path &connector, Display &display)
     const std::size_t times = modes.find('x');
     if (times == std::string::npos)
         return;
-    display.width = leadingNumber(modes).value_or(0);
-    display.height = leadingNumber(std::string_view(modes).substr(times + 1)).value_or(0);
+    display.width = believed(leadingNumber(modes).value_or(0), kMostPixels);
+    display.height = believed(leadingNumber(std::string_view(modes).substr(times + 1)).value_or(0), kMostPixels);
 }
 
 /// \a name as in "card0-HDMI-A-1".
@@ -95,7 +96,7 @@ GraphicsCard readCard(const fs::path &root, const fs::path &device, std::string_
             .vendorId = vendorId,
             .deviceId = deviceId,
             .isBuiltIn = address.find(kOnRootBus) != std::string_view::npos,
-            .memoryBytes = fileNumber(device / "mem_info_vram_total").value_or(0),
+            .memoryBytes = believed(fileNumber(device / "mem_info_vram_total").value_or(0), kMostModuleBytes),
             .displays = displaysOf(device)};
 }
 

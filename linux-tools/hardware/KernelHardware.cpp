@@ -1,5 +1,6 @@
 #include "hardware/KernelHardware.h"
 
+#include "hardware/Believable.h"
 #include "hardware/CpuInfo.h"
 #include "hardware/FirmwareText.h"
 #include "hardware/GraphicsCards.h"
@@ -12,7 +13,6 @@
 
 #include <algorithm>
 #include <array>
-#include <numeric>
 #include <utility>
 
 namespace brindle::tools {
@@ -48,8 +48,17 @@ std::uint64_t memoryTotal(std::string_view memInfo)
     const std::size_t at = memInfo.find(kLabel);
     if (at == std::string_view::npos)
         return 0;
-    const std::uint64_t kibibytes = leadingNumber(trimmed(memInfo.substr(at + kLabel.size()))).value_or(0);
+    const std::uint64_t kibibytes =
+        believed(leadingNumber(trimmed(memInfo.substr(at + kLabel.size()))).value_or(0), kMostMemoryBytes / 1024);
     return (kibibytes + kKibibytesInGibibyte - 1) / kKibibytesInGibibyte << 30;
+}
+
+std::uint64_t sumOf(const std::vector<MemorySlot> &slots)
+{
+    std::uint64_t sum = 0;
+    for (const MemorySlot &slot : slots)
+        sum = std::min(sum + slot.sizeBytes, kMostMemoryBytes + 1); // Never so much that it begins again at 0.
+    return believed(sum, kMostMemoryBytes);
 }
 
 } // namespace
@@ -105,7 +114,7 @@ Processor KernelHardware::readProcessor() const
         if (processor.speedMegahertz != 0)
             break;
         const auto file = m_root / "sys/devices/system/cpu/cpu0" / speed.file;
-        processor.speedMegahertz = fileNumber(file).value_or(0) / speed.unitsInMegahertz;
+        processor.speedMegahertz = believed(fileNumber(file).value_or(0) / speed.unitsInMegahertz, kMostMegahertz);
     }
     return processor;
 }
@@ -115,8 +124,7 @@ Memory KernelHardware::readMemory() const
     Memory memory{.slots = memorySlots(fileBytes(m_root / "sys/firmware/dmi/tables/DMI"))};
     if (memory.slots.empty())
         memory.slots = memorySlots(UdevProperties(fileBytes(m_root / "run/udev/data/+dmi:id")));
-    memory.sizeBytes = std::accumulate(memory.slots.begin(), memory.slots.end(), std::uint64_t{0},
-                                       [](std::uint64_t sum, const MemorySlot &slot) { return sum + slot.sizeBytes; });
+    memory.sizeBytes = sumOf(memory.slots);
     if (memory.sizeBytes == 0)
         memory.sizeBytes = memoryBlockBytes();
     if (memory.sizeBytes == 0)
@@ -128,12 +136,14 @@ Memory KernelHardware::readMemory() const
 std::uint64_t KernelHardware::memoryBlockBytes() const
 {
     const auto folder = m_root / "sys/devices/system/memory";
-    const std::uint64_t blockBytes = leadingNumber(fileBytes(folder / "block_size_bytes"), 16).value_or(0);
+    const std::uint64_t blockBytes =
+        believed(leadingNumber(fileBytes(folder / "block_size_bytes"), 16).value_or(0), kMostModuleBytes);
     const auto names = namesIn(folder);
     const auto isOnline = [&](const std::string &name) {
         return name.starts_with("memory") && trimmed(fileBytes(folder / name / "state")) == "online";
     };
-    return blockBytes * static_cast<std::uint64_t>(std::ranges::count_if(names, isOnline));
+    const auto count = static_cast<std::uint64_t>(std::ranges::count_if(names, isOnline));
+    return count > kMostMemoryBytes / std::max<std::uint64_t>(blockBytes, 1) ? 0 : blockBytes * count;
 }
 
 } // namespace brindle::tools

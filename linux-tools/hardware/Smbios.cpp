@@ -1,5 +1,6 @@
 #include "hardware/Smbios.h"
 
+#include "hardware/Believable.h"
 #include "hardware/FirmwareText.h"
 
 #include <algorithm>
@@ -111,7 +112,7 @@ std::uint64_t speed(const Structure &device, std::size_t offset, std::size_t ext
 {
     constexpr std::uint64_t kSeeExtended = 0xFFFF;
     const std::uint64_t value = device.number(offset, 2);
-    return value == kSeeExtended ? device.number(extendedOffset, 4) & 0x7FFFFFFF : value;
+    return believed(value == kSeeExtended ? device.number(extendedOffset, 4) & 0x7FFFFFFF : value, kMostMegahertz);
 }
 
 std::string typeName(std::uint64_t value)
@@ -123,7 +124,7 @@ std::string typeName(std::uint64_t value)
 std::optional<MemorySlot> slotOf(const Structure &device)
 {
     const auto bytes = moduleBytes(device);
-    if (!bytes)
+    if (!bytes || *bytes > kMostModuleBytes)
         return std::nullopt;
     const std::uint64_t configuredSpeed = speed(device, 0x20, 0x58);
     return MemorySlot{.name = slotName(device.text(0x11), device.text(0x10)),

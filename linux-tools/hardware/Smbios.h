@@ -12,7 +12,8 @@ namespace brindle::tools {
 /// Management BIOS (DMTF DSP0134, 7.18) that belong to a "Physical Memory Array" (7.17) used as system memory.
 ///
 /// \a table is what firmware leaves in memory, without its entry point (`/sys/firmware/dmi/tables/DMI`). It may be any
-/// bytes: reading ends where they stop making sense. A module whose size the firmware does not know is left out.
+/// bytes: reading ends where they stop making sense. A module whose size the firmware does not know, or tells absurdly,
+/// is left out.
 [[nodiscard]] std::vector<MemorySlot> memorySlots(std::string_view table);
 
 /// A socket by the texts that the firmware gives for its bank and its place: "BANK 0/ChannelA-DIMM0".

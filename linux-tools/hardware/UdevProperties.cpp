@@ -1,5 +1,6 @@
 #include "hardware/UdevProperties.h"
 
+#include "hardware/Believable.h"
 #include "hardware/FirmwareText.h"
 #include "hardware/Smbios.h"
 
@@ -34,13 +35,14 @@ std::vector<MemorySlot> memorySlots(const UdevProperties &record)
     for (std::uint64_t index = 0; index < count; ++index) {
         const auto named = [&](std::string_view fact) { return fmt::format("MEMORY_DEVICE_{}_{}", index, fact); };
         const auto text = [&](std::string_view fact) { return firmwareText(record.property(named(fact))); };
-        if (text("TYPE") == kFirmwareChip)
+        const auto speed = [&](std::string_view fact) { return believed(number(named(fact)), kMostMegahertz); };
+        if (text("TYPE") == kFirmwareChip || number(named("SIZE")) > kMostModuleBytes)
             continue;
-        const std::uint64_t configuredSpeed = number(named("CONFIGURED_SPEED_MTS"));
+        const std::uint64_t configuredSpeed = speed("CONFIGURED_SPEED_MTS");
         slots.push_back({.name = slotName(text("BANK_LOCATOR"), text("LOCATOR")),
                          .sizeBytes = number(named("SIZE")),
                          .type = moduleType(text("TYPE")),
-                         .speedMegahertz = configuredSpeed != 0 ? configuredSpeed : number(named("SPEED_MTS")),
+                         .speedMegahertz = configuredSpeed != 0 ? configuredSpeed : speed("SPEED_MTS"),
                          .manufacturer = text("MANUFACTURER"),
                          .partNumber = text("PART_NUMBER"),
                          .serialNumber = text("SERIAL_NUMBER")});

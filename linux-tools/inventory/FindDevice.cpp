@@ -3,6 +3,8 @@
 #include "inventory/Identifier.h"
 
 #include <algorithm>
+#include <set>
+#include <utility>
 
 namespace brindle::tools {
 namespace {
@@ -78,11 +80,11 @@ std::optional<Device> find(const Inventory &inventory, Matcher matches)
     return device ? device : findInContainers(inventory, matches);
 }
 
-std::optional<Device> findByMountPoint(const Inventory &inventory, std::string_view path)
+template <typename Matcher>
+std::optional<Device> findByMount(const Inventory &inventory, Matcher matches)
 {
     // Of several mounts at one place the last hides the others.
-    const auto mount = std::find_if(inventory.mounts.rbegin(), inventory.mounts.rend(),
-                                    [&](const Mount &candidate) { return candidate.mountPoint == path; });
+    const auto mount = std::find_if(inventory.mounts.rbegin(), inventory.mounts.rend(), matches);
     if (mount == inventory.mounts.rend())
         return std::nullopt;
     auto device = find(inventory, [&](const Names &names) { return names.identifier == mount->carrier; });
@@ -91,23 +93,31 @@ std::optional<Device> findByMountPoint(const Inventory &inventory, std::string_v
     return device;
 }
 
+/// Whether what is mounted bears the name where its carrier, encryption or a volume group, doesn't.
+bool isMountedUnder(const Mount &mount, std::string_view name)
+{
+    return mount.volume && mount.volume->name == name;
+}
+
 } // namespace
 
 std::optional<Device> findDevice(const Inventory &inventory, std::string_view name)
 {
     if (name.empty())
         return std::nullopt;
+    if (inventory.link && inventory.link->path == name)
+        name = inventory.link->target;
     if (parseIdentifier(name)) {
         const std::string_view identifier = name.substr(name.rfind('/') + 1);
         return find(inventory, [&](const Names &names) { return names.identifier == identifier; });
     }
-    if (inventory.link && inventory.link->path == name)
-        name = inventory.link->target;
     if (auto device = find(inventory, [&](const Names &names) { return names.node == name; }))
         return device;
-    if (auto device = findByMountPoint(inventory, name))
+    if (auto device = findByMount(inventory, [&](const Mount &mount) { return mount.mountPoint == name; }))
         return device;
-    return find(inventory, [&](const Names &names) { return names.volume == name; });
+    if (auto device = find(inventory, [&](const Names &names) { return names.volume == name; }))
+        return device;
+    return findByMount(inventory, [&](const Mount &mount) { return isMountedUnder(mount, name); });
 }
 
 int volumesNamed(const Inventory &inventory, std::string_view name)
@@ -118,7 +128,12 @@ int volumesNamed(const Inventory &inventory, std::string_view name)
         return false;
     };
     (void)find(inventory, countName);
-    return count;
+    std::set<std::pair<std::string_view, std::string_view>> mounted; // One volume may have many mounts.
+    for (const Mount &mount : inventory.mounts) {
+        if (isMountedUnder(mount, name))
+            mounted.emplace(mount.carrier, mount.volume->uuid);
+    }
+    return count + static_cast<int>(mounted.size());
 }
 
 } // namespace brindle::tools

@@ -22,8 +22,8 @@ struct Device {
 };
 
 /// The device of an identifier ("disk2s1", "/dev/disk2s1"), a device node ("/dev/sda1") or the inventory's link to one,
-/// a mount point or a volume name, tried in this order. `nullopt` when there is none. A name in the form of an
-/// identifier is nothing else.
+/// a mount point, a volume name, or the name of a mounted volume behind encryption or in a volume group, tried in this
+/// order. `nullopt` when there is none. A name in the form of an identifier is nothing else.
 [[nodiscard]] std::optional<Device> findDevice(const Inventory &inventory, std::string_view name);
 
 /// How many volumes bear the name: whoever writes refuses a name of more than one.

@@ -90,18 +90,19 @@ struct NvramVariable {
     std::string value; ///< Raw bytes, without the attributes before them.
 };
 
-/// A path that leads to a device under another name: "/dev/disk/by-label/ESP".
+/// A name that leads to a device under another one: "/dev/disk/by-label/ESP", "../mnt/".
 struct Link {
     std::string path;
-    std::string target; ///< The node or the mount point that stands in the inventory.
+    std::string target; ///< The node, mount point or identifier that stands in the inventory.
 };
 
 /// What one reading of a machine found.
 struct Inventory {
     std::vector<Disk> disks; ///< By their numbers, ascending.
     std::vector<ApfsContainer> containers;
-    std::vector<Mount> mounts; ///< In the order in which they were mounted.
-    std::optional<Link> link;  ///< Where the name that was asked for is one.
+    std::vector<Mount> mounts;      ///< In the order in which they were mounted.
+    std::optional<Link> link;       ///< Where the name that was asked for is one.
+    std::vector<std::string> notes; ///< What is missing, and why: one raw line each, for standard error.
 };
 
 } // namespace brindle::tools

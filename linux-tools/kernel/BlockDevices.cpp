@@ -110,8 +110,12 @@ const BlockDevice *BlockDevices::byNode(std::string_view node) const
     const std::string_view name = node.substr(kNodes.size());
     if (const BlockDevice *device = byName(name))
         return device;
+    return byFile(m_roots.dev + '/' + std::string(name));
+}
+
+const BlockDevice *BlockDevices::byFile(const std::string &path) const
+{
     struct stat status {};
-    const std::string path = m_roots.dev + '/' + std::string(name);
     if (::stat(path.c_str(), &status) != 0 || !S_ISBLK(status.st_mode))
         return nullptr;
     return byNumber({.major = major(status.st_rdev), .minor = minor(status.st_rdev)});

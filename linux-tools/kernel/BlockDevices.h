@@ -55,6 +55,9 @@ public:
     /// The device of a node below "/dev/" or of a link to one, by the number that the node bears.
     [[nodiscard]] const BlockDevice *byNode(std::string_view node) const;
 
+    /// The device of a node that lies anywhere, or of a link to one.
+    [[nodiscard]] const BlockDevice *byFile(const std::string &path) const;
+
     [[nodiscard]] std::vector<const BlockDevice *> partitionsOf(const BlockDevice &disk) const;
 
     /// "/dev/nvme0n1p2"

@@ -6,6 +6,7 @@
 #include "kernel/UDisksModule.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <climits> // CDSL_CURRENT needs it.
 #include <utility>
 
@@ -78,8 +79,6 @@ std::optional<Disk> DiskReader::read(std::uint64_t number)
     disk.scheme = schemeName(contents.table);
     disk.volume = contents.volume;
     readPartitions(disk, contents);
-    if (m_scope.withDetails)
-        readDetails(disk);
     return disk;
 }
 
@@ -109,11 +108,14 @@ ProbedContents DiskReader::readContents()
         contents.table = m_record->tableType;
         contents.volume = m_record->volume;
     }
-    if (needsProbe(contents.table) && mayBeRead()) {
+    if (!needsProbe(contents.table))
+        return contents;
+    if (mayBeRead()) {
         ProbedContents probed = probeContents(opened().get());
         if (!m_record || !probed.table.empty())
             contents = std::move(probed);
     }
+    m_isRefused = m_openError == EACCES || m_openError == EPERM;
     return contents;
 }
 
@@ -186,7 +188,7 @@ std::optional<Partition> DiskReader::unscanned(const ProbedEntry &entry, const s
     return partition;
 }
 
-void DiskReader::readDetails(Disk &disk)
+void DiskReader::readDetails(Disk &disk, bool withHealth)
 {
     disk.mediaName = mediaName(m_devices, m_device, m_attachment, m_record);
     disk.blockBytes = m_devices.number(m_device, "queue/logical_block_size");
@@ -194,7 +196,7 @@ void DiskReader::readDetails(Disk &disk)
     disk.isReadOnly = m_devices.number(m_device, "ro") != 0;
     disk.isSolidState = m_devices.attribute(m_device, "queue/rotational") == "0";
     disk.supportsTrim = m_devices.number(m_device, "queue/discard_max_bytes") != 0;
-    if (m_asked.value_or(kNoPart) == kNoPart)
+    if (withHealth)
         disk.smart = health();
 }
 
@@ -234,8 +236,10 @@ bool DiskReader::isAwake()
 
 const Descriptor &DiskReader::opened()
 {
-    if (!m_descriptor)
+    if (!m_descriptor) {
         m_descriptor.emplace(m_devices.file(m_device), kReading);
+        m_openError = m_descriptor->isValid() ? 0 : errno;
+    }
     return *m_descriptor;
 }
 

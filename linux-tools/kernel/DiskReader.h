@@ -38,6 +38,12 @@ public:
     /// `nullopt` when there is no medium in the drive, or the disk is gone.
     [[nodiscard]] std::optional<Disk> read(std::uint64_t number);
 
+    /// Adds to a disk that was read its medium's name and qualities and, if wanted, its health.
+    void readDetails(Disk &disk, bool withHealth);
+
+    /// Whether the contents are missing because the caller may not read the device.
+    [[nodiscard]] bool isRefused() const { return m_isRefused; }
+
 private:
     struct Part {
         const BlockDevice *device = nullptr;
@@ -52,7 +58,6 @@ private:
     void readPartitions(Disk &disk, const ProbedContents &contents);
     [[nodiscard]] std::optional<Partition> scanned(const Part &part, const ProbedContents &contents);
     [[nodiscard]] std::optional<Partition> unscanned(const ProbedEntry &entry, const std::string &table);
-    void readDetails(Disk &disk);
     [[nodiscard]] Smart health();
     [[nodiscard]] Smart healthFromDrive();
     [[nodiscard]] bool mayBeRead();
@@ -67,6 +72,8 @@ private:
     std::optional<UdevRecord> m_record;
     std::vector<Part> m_parts; // That are asked.
     bool m_isScanned = false;  // Whether the kernel has devices for any partitions.
+    bool m_isRefused = false;
+    int m_openError = 0;
     std::optional<Descriptor> m_descriptor;
 };
 

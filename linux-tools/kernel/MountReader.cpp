@@ -2,6 +2,8 @@
 
 #include "kernel/DiskReader.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <optional>
 #include <set>
@@ -97,6 +99,18 @@ const BlockDevice *MountReader::carrierAt(std::string_view mountPoint) const
             return carrier;
     }
     return nullptr;
+}
+
+std::string MountReader::whyWithoutCarrier(std::string_view mountPoint) const
+{
+    const auto entry = std::find_if(m_entries.rbegin(), m_entries.rend(),
+                                    [&](const MountEntry &each) { return each.mountPoint == mountPoint; });
+    if (entry == m_entries.rend())
+        return {};
+    if (entry->fileSystem == "overlay")
+        return fmt::format("{} is an overlay of folders that lie on no disk which can be seen from here", mountPoint);
+    return fmt::format("{} is a file system of type {}, which lies on no disk that can be seen from here", mountPoint,
+                       entry->fileSystem);
 }
 
 std::string MountReader::mountPointOf(const BlockDevice &device) const

@@ -19,6 +19,9 @@ public:
     /// The disk or partition that carries what is mounted at a place; null where nothing is, or nothing with a carrier.
     [[nodiscard]] const BlockDevice *carrierAt(std::string_view mountPoint) const;
 
+    /// Why carrierAt() finds none though something is mounted there: a raw line. Empty where nothing is.
+    [[nodiscard]] std::string whyWithoutCarrier(std::string_view mountPoint) const;
+
     /// Where a device is mounted first; empty where it isn't.
     [[nodiscard]] std::string mountPointOf(const BlockDevice &device) const;
 

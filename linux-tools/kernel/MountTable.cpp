@@ -1,19 +1,13 @@
 #include "kernel/MountTable.h"
 
+#include "text/LineReading.h"
+
 #include <algorithm>
 #include <array>
 #include <optional>
 
 namespace brindle::tools {
 namespace {
-
-/// Cuts the first field, up to \a separator, off \a text.
-std::string_view takeField(std::string_view &text, char separator)
-{
-    const std::string_view field = text.substr(0, text.find(separator));
-    text.remove_prefix(std::min(text.size(), field.size() + 1));
-    return field;
-}
 
 constexpr bool isOctal(char character)
 {
@@ -88,7 +82,7 @@ std::vector<MountEntry> parseMountTable(std::string_view text)
 {
     std::vector<MountEntry> entries;
     while (!text.empty()) {
-        if (auto entry = parseLine(takeField(text, '\n')))
+        if (auto entry = parseLine(takeLine(text)))
             entries.push_back(std::move(*entry));
     }
     return entries;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <optional>
@@ -7,13 +8,18 @@
 
 namespace brindle::tools {
 
+/// Takes what stands before the first \a separator, or all of it, off \a text, with the separator.
+inline std::string_view takeField(std::string_view &text, char separator)
+{
+    const std::string_view field = text.substr(0, text.find(separator));
+    text.remove_prefix(std::min(text.size(), field.size() + 1));
+    return field;
+}
+
 /// Takes the first line off \a text, without its newline.
 [[nodiscard]] inline std::string_view takeLine(std::string_view &text)
 {
-    const std::size_t end = text.find('\n');
-    const std::string_view line = text.substr(0, end);
-    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-    return line;
+    return takeField(text, '\n');
 }
 
 /// The number that \a text begins with; `nullopt` without one or where it does not fit.

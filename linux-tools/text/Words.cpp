@@ -6,6 +6,10 @@
 
 #include <algorithm>
 #include <array>
+#include <clocale>
+#include <cwchar>
+
+#include <locale.h> // NOLINT: newlocale and uselocale are POSIX
 
 namespace brindle::tools {
 namespace {
@@ -13,29 +17,60 @@ namespace {
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 constexpr std::string_view kEllipsis = "...";
 
-constexpr bool breaksALine(char32_t value)
-{
-    return value < 0x20 || (value >= 0x7F && value < 0xA0) || value == 0x2028 || value == 0x2029;
-}
-
 struct Range {
     char32_t first;
     char32_t last;
 };
 
-constexpr std::array kWide{Range{0x1100, 0x115F},   Range{0x2329, 0x232A},   Range{0x2E80, 0x303E},
-                           Range{0x3040, 0xA4CF},   Range{0xAC00, 0xD7A3},   Range{0xF900, 0xFAFF},
-                           Range{0xFE10, 0xFE19},   Range{0xFE30, 0xFE6F},   Range{0xFF00, 0xFF60},
-                           Range{0xFFE0, 0xFFE6},   Range{0x1F300, 0x1F64F}, Range{0x1F900, 0x1F9FF},
-                           Range{0x20000, 0x2FFFD}, Range{0x30000, 0x3FFFD}};
+// General category Cc, Cf without the joiners that emoji and scripts are built with, Zl and Zp of Unicode 15, and the
+// blank fillers that show nothing.
+constexpr std::array kInvisible{
+    Range{0x00, 0x1F},     Range{0x7F, 0x9F},     Range{0xAD, 0xAD},     Range{0x61C, 0x61C},   Range{0x115F, 0x1160},
+    Range{0x180E, 0x180E}, Range{0x200B, 0x200B}, Range{0x200E, 0x200F}, Range{0x2028, 0x202E}, Range{0x2060, 0x206F},
+    Range{0x3164, 0x3164}, Range{0xFEFF, 0xFEFF}, Range{0xFFA0, 0xFFA0}, Range{0xFFF9, 0xFFFB}, Range{0xE0000, 0xE007F},
+};
 
-std::size_t cellsOf(char32_t value)
+/// Makes the C library speak of Unicode while it lives.
+class UnicodeLocale {
+public:
+    UnicodeLocale() : m_before(isThere() ? ::uselocale(locale()) : nullptr) {}
+    UnicodeLocale(const UnicodeLocale &) = delete;
+    UnicodeLocale &operator=(const UnicodeLocale &) = delete;
+    ~UnicodeLocale()
+    {
+        if (m_before)
+            ::uselocale(m_before);
+    }
+
+    [[nodiscard]] static bool isThere() { return locale() != nullptr; }
+
+private:
+    static locale_t locale()
+    {
+        static const locale_t kLocale = ::newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+        return kLocale;
+    }
+
+    locale_t m_before;
+};
+
+std::size_t cellsOf(char32_t character)
 {
-    const auto holds = [&](const Range &range) { return value >= range.first && value <= range.last; };
-    return value >= kWide.front().first && std::ranges::any_of(kWide, holds) ? 2 : 1;
+    constexpr char32_t kFirstOdd = 0x300; // All below take one cell, and need no locale.
+    if (character < kFirstOdd || !UnicodeLocale::isThere())
+        return 1;
+    const UnicodeLocale locale;
+    const int cells = ::wcwidth(static_cast<wchar_t>(character));
+    return cells < 0 ? 1 : static_cast<std::size_t>(cells); // Below 0 it knows none.
 }
 
 } // namespace
+
+bool isInvisible(char32_t character)
+{
+    return std::ranges::any_of(kInvisible,
+                               [&](const Range &range) { return character >= range.first && character <= range.last; });
+}
 
 std::string printable(std::string_view raw)
 {
@@ -44,7 +79,7 @@ std::string printable(std::string_view raw)
     while (!raw.empty()) {
         const auto codePoint = firstCodePoint(raw);
         const std::size_t length = codePoint ? codePoint->length : 1;
-        text += codePoint && !breaksALine(codePoint->value) ? raw.substr(0, length) : kReplacement;
+        text += codePoint && !isInvisible(codePoint->value) ? raw.substr(0, length) : kReplacement;
         raw.remove_prefix(length);
     }
     return text;
@@ -92,10 +127,15 @@ std::string sizeText(std::uint64_t bytes)
 
 std::string_view trimmed(std::string_view text)
 {
-    constexpr std::string_view kBlanks = " \t\r\n";
-    const std::size_t first = text.find_first_not_of(kBlanks);
-    return first == std::string_view::npos ? std::string_view()
-                                           : text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+    const auto isBlank = [](char character) {
+        const auto byte = static_cast<unsigned char>(character);
+        return byte <= 0x20 || byte == 0x7F;
+    };
+    while (!text.empty() && isBlank(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && isBlank(text.back()))
+        text.remove_suffix(1);
+    return text;
 }
 
 std::string upperCased(std::string_view text)

@@ -1,6 +1,10 @@
 #pragma once
 
 /// The keys of the user defaults: all settings and the small persistent state, in one flat store.
+///
+/// Several processes share the store: the application, the one that it starts again in the other launch mode, and the
+/// command line. They call no function of one another; this list, with the names and the types of its values, is the
+/// whole contract between them, and no line of it ever changes its meaning.
 namespace brindle::DefaultsKeys {
 
 // Bool, except where a line says otherwise.

@@ -20,12 +20,17 @@ struct Range {
     char32_t last;
 };
 
-// General category Cc, Cf without the joiners that emoji and scripts are built with, Zl and Zp of Unicode 15, and the
-// blank fillers that show nothing.
+// Of Unicode 15: the general categories Cc, Cf, Zl and Zp, and the marks and fillers that show nothing (U+034F, U+115F,
+// U+1160, U+17B4, U+17B5, U+3164, U+FFA0). Left out are the joiners U+200C and U+200D, which emoji and scripts are
+// built with. The tags U+E0020 to U+E007F are in: three flags are built with them, and whole hidden sentences.
 constexpr std::array kInvisible{
-    Range{0x00, 0x1F},     Range{0x7F, 0x9F},     Range{0xAD, 0xAD},     Range{0x61C, 0x61C},   Range{0x115F, 0x1160},
-    Range{0x180E, 0x180E}, Range{0x200B, 0x200B}, Range{0x200E, 0x200F}, Range{0x2028, 0x202E}, Range{0x2060, 0x206F},
-    Range{0x3164, 0x3164}, Range{0xFEFF, 0xFEFF}, Range{0xFFA0, 0xFFA0}, Range{0xFFF9, 0xFFFB}, Range{0xE0000, 0xE007F},
+    Range{0x00, 0x1F},       Range{0x7F, 0x9F},       Range{0xAD, 0xAD},       Range{0x34F, 0x34F},
+    Range{0x600, 0x605},     Range{0x61C, 0x61C},     Range{0x6DD, 0x6DD},     Range{0x70F, 0x70F},
+    Range{0x890, 0x891},     Range{0x8E2, 0x8E2},     Range{0x115F, 0x1160},   Range{0x17B4, 0x17B5},
+    Range{0x180E, 0x180E},   Range{0x200B, 0x200B},   Range{0x200E, 0x200F},   Range{0x2028, 0x202E},
+    Range{0x2060, 0x206F},   Range{0x3164, 0x3164},   Range{0xFEFF, 0xFEFF},   Range{0xFFA0, 0xFFA0},
+    Range{0xFFF9, 0xFFFB},   Range{0x110BD, 0x110BD}, Range{0x110CD, 0x110CD}, Range{0x13430, 0x1343F},
+    Range{0x1BCA0, 0x1BCA3}, Range{0x1D173, 0x1D17A}, Range{0xE0000, 0xE007F},
 };
 
 bool isInvisible(char32_t character)
@@ -58,6 +63,16 @@ std::string visibleText(std::string_view text)
         else
             result += before.substr(0, before.size() - text.size());
     }
+    return result;
+}
+
+std::string visibleLines(std::string_view text)
+{
+    text = text.substr(0, text.find_last_not_of("\r\n") + 1);
+    std::string result;
+    for (const std::string_view line : Lines(text))
+        result += visibleText(line) + '\n';
+    result.pop_back();
     return result;
 }
 

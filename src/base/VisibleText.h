@@ -10,6 +10,9 @@ namespace brindle {
 /// read from a disk is a stranger's text.
 [[nodiscard]] std::string visibleText(std::string_view text);
 
+/// visibleText() of each line of \a text, which stay lines; without the newlines at its end.
+[[nodiscard]] std::string visibleLines(std::string_view text);
+
 /// Takes the first character off \a text, which is not empty; U+FFFD for a byte that begins none.
 char32_t takeCharacter(std::string_view &text);
 

@@ -2,6 +2,7 @@
 
 #include "base/Error.h"
 #include "base/Log.h"
+#include "base/VisibleText.h"
 #include "cli/Command.h"
 #include "cli/Completions.h"
 #include "cli/HeightCommand.h"
@@ -13,20 +14,28 @@
 #include "cli/WatchCommand.h"
 
 #include <CLI/CLI.hpp>
+#include <fmt/format.h>
 
 #include <cerrno>
 #include <cstdio>
+#include <sstream>
 
 namespace brindle {
 
 namespace {
 
-/// Help and version end with 0; CLI11 has a status of its own for each wrong usage.
-ExitStatus report(const CLI::App &app, const CLI::ParseError &error)
+void logVisibly(std::string_view line)
 {
-    return app.exit(error) == 0 ? ExitStatus::done : ExitStatus::wrongUsage;
+    Log::toStandardError(visibleLines(line));
 }
 
+/// What the tools said stands in errors, and names of volumes in what they said.
+void tellError(std::string_view description)
+{
+    fmt::print(stderr, "brindlectl: {}\n", visibleLines(description));
+}
+
+/// Runs \a command and tells why it failed; output that can't be written is a failure too.
 ExitStatus run(const Command &command)
 {
     try {
@@ -35,9 +44,23 @@ ExitStatus run(const Command &command)
             throw Error::fromErrno(errno, "standard output");
         return status;
     } catch (const std::exception &error) {
-        std::fprintf(stderr, "brindlectl: %s\n", error.what());
+        tellError(error.what());
         return ExitStatus::failed;
     }
+}
+
+/// Help and version are what was asked for; for each wrong usage CLI11 has a status of its own.
+ExitStatus report(const CLI::App &app, const CLI::ParseError &error)
+{
+    std::ostringstream output;
+    std::ostringstream complaint;
+    const bool isWrong = app.exit(error, output, complaint) != 0;
+    if (isWrong)
+        fmt::print(stderr, "{}\n", visibleLines(complaint.str()));
+    return run([&] {
+        fmt::print("{}", output.str());
+        return isWrong ? ExitStatus::wrongUsage : ExitStatus::done;
+    });
 }
 
 } // namespace
@@ -67,7 +90,7 @@ int runCommandLine(int argc, char **argv)
     } catch (const CLI::ParseError &error) {
         return static_cast<int>(report(app, error));
     }
-    Log::setSink(options.verbose ? Log::toStandardError : Log::Sink());
+    Log::setSink(options.verbose ? Log::Sink(logVisibly) : Log::Sink());
     return static_cast<int>(run(command));
 }
 

@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <memory>
@@ -20,13 +21,15 @@ struct Word {
     std::string description;
 };
 
+using Words = std::vector<Word>;
+
 /// The texts of a choice, which CLI11 tells as "TEXT:{bash,zsh,fish}".
-std::vector<Word> choicesOf(const CLI::Option &option)
+Words choicesOf(const CLI::Option &option)
 {
     const std::string type = option.get_type_name();
     const std::size_t open = type.find('{');
     const std::size_t close = type.find('}');
-    std::vector<Word> words;
+    Words words;
     if (open == std::string::npos || close == std::string::npos)
         return words;
     for (const std::string &choice : CLI::detail::split(type.substr(open + 1, close - open - 1), ','))
@@ -34,35 +37,68 @@ std::vector<Word> choicesOf(const CLI::Option &option)
     return words;
 }
 
-std::vector<Word> wordsOf(const CLI::App &command)
+/// Adds the options of \a command that are not there yet.
+void addOptions(Words &words, const CLI::App &command)
 {
-    std::vector<Word> words;
+    for (const CLI::Option *option : command.get_options()) {
+        for (const std::string &name : option->get_lnames()) {
+            const std::string text = "--" + name;
+            if (std::none_of(words.begin(), words.end(), [&](const Word &word) { return word.text == text; }))
+                words.push_back({text, option->get_description()});
+        }
+    }
+}
+
+/// What may follow \a command: its own, and the options of the commands that it belongs to.
+Words wordsOf(const CLI::App &command)
+{
+    Words words;
     for (const CLI::App *subcommand : command.get_subcommands({}))
         words.push_back({subcommand->get_name(), subcommand->get_description()});
     for (const CLI::Option *option : command.get_options()) {
-        for (const std::string &name : option->get_lnames())
-            words.push_back({"--" + name, option->get_description()});
         if (option->get_positional()) {
             for (const Word &choice : choicesOf(*option))
                 words.push_back(choice);
         }
     }
+    for (const CLI::App *app = &command; app; app = app->get_parent())
+        addOptions(words, *app);
     return words;
 }
 
-/// What may follow each command; what may follow none of them stands under the empty name.
-std::map<std::string, std::vector<Word>> wordsByCommand(const CLI::App &app)
+/// What may follow each command, by the words of the command ("settings get"); the empty one is the program itself.
+using WordsByCommand = std::map<std::string, Words>;
+
+void addCommand(WordsByCommand &result, const std::string &name, const CLI::App &command)
 {
-    std::map<std::string, std::vector<Word>> result{{"", wordsOf(app)}};
-    for (const CLI::App *command : app.get_subcommands({}))
-        result[command->get_name()] = wordsOf(*command);
+    result[name] = wordsOf(command);
+    for (const CLI::App *subcommand : command.get_subcommands({}))
+        addCommand(result, fmt::format("{}{}{}", name, name.empty() ? "" : " ", subcommand->get_name()), *subcommand);
+}
+
+WordsByCommand wordsByCommand(const CLI::App &app)
+{
+    WordsByCommand result;
+    addCommand(result, "", app);
+    return result;
+}
+
+/// All commands but the program itself, quoted for a shell.
+std::vector<std::string> quotedCommands(const WordsByCommand &commands)
+{
+    std::vector<std::string> result;
+    for (const auto &[command, words] : commands) {
+        if (!command.empty())
+            result.push_back(fmt::format("'{}'", command));
+    }
     return result;
 }
 
 std::string bashScript(const CLI::App &app)
 {
+    const WordsByCommand commands = wordsByCommand(app);
     std::string cases;
-    for (const auto &[command, words] : wordsByCommand(app)) {
+    for (const auto &[command, words] : commands) {
         std::vector<std::string> texts;
         for (const Word &word : words)
             texts.push_back(word.text);
@@ -71,7 +107,9 @@ std::string bashScript(const CLI::App &app)
     return fmt::format(R"(_brindlectl() {{
     local command= words= word
     for word in "${{COMP_WORDS[@]:1:COMP_CWORD-1}}"; do
-        [[ $word == -* ]] || {{ command=$word; break; }}
+        case ${{command:+$command }}$word in
+            {}) command=${{command:+$command }}$word ;;
+        esac
     done
     case $command in
 {}    esac
@@ -79,13 +117,14 @@ std::string bashScript(const CLI::App &app)
 }}
 complete -F _brindlectl brindlectl
 )",
-                       cases);
+                       fmt::join(quotedCommands(commands), " | "), cases);
 }
 
 std::string zshScript(const CLI::App &app)
 {
+    const WordsByCommand commands = wordsByCommand(app);
     std::string cases;
-    for (const auto &[command, words] : wordsByCommand(app)) {
+    for (const auto &[command, words] : commands) {
         cases += fmt::format("        '{}') candidates=(", command);
         for (const Word &word : words)
             cases += fmt::format("\n            '{}:{}'", word.text,
@@ -97,7 +136,9 @@ _brindlectl() {{
     local command= word
     local -a candidates
     for word in ${{words[2,CURRENT-1]}}; do
-        [[ $word == -* ]] || {{ command=$word; break }}
+        case ${{command:+$command }}$word in
+            ({}) command=${{command:+$command }}$word ;;
+        esac
     done
     case $command in
 {}    esac
@@ -105,19 +146,28 @@ _brindlectl() {{
 }}
 if [ "$funcstack[1]" = _brindlectl ]; then _brindlectl "$@"; else compdef _brindlectl brindlectl; fi
 )",
-                       cases);
+                       fmt::join(quotedCommands(commands), " | "), cases);
 }
 
 std::string fishScript(const CLI::App &app)
 {
-    std::string script = "complete -c brindlectl -f\n";
-    for (const auto &[command, words] : wordsByCommand(app)) {
-        const std::string condition =
-            command.empty() ? "__fish_use_subcommand" : fmt::format("__fish_seen_subcommand_from {}", command);
+    const WordsByCommand commands = wordsByCommand(app);
+    std::string script = fmt::format(R"(function __brindlectl_follows
+    set -l command
+    for word in (commandline -opc)[2..-1]
+        set -l candidate (string join -- ' ' $command $word)
+        contains -- $candidate {} && set command $candidate
+    end
+    test "$command" = "$argv"
+end
+complete -c brindlectl -f
+)",
+                                     fmt::join(quotedCommands(commands), " "));
+    for (const auto &[command, words] : commands) {
         for (const Word &word : words) {
             const bool isOption = word.text.starts_with("--");
-            script += fmt::format("complete -c brindlectl -n '{}' {} {} -d '{}'\n", condition, isOption ? "-l" : "-a",
-                                  isOption ? word.text.substr(2) : word.text,
+            script += fmt::format("complete -c brindlectl -n '__brindlectl_follows {}' {} {} -d '{}'\n", command,
+                                  isOption ? "-l" : "-a", isOption ? word.text.substr(2) : word.text,
                                   CLI::detail::find_and_replace(word.description, "'", "\\'"));
         }
     }

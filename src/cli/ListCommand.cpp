@@ -6,8 +6,8 @@
 #include "cli/Terminal.h"
 
 #include <CLI/CLI.hpp>
+#include <fmt/format.h>
 
-#include <cstdio>
 #include <memory>
 #include <string>
 #include <utility>
@@ -24,7 +24,7 @@ ExitStatus list(Platform platform, bool asJson)
 
     const std::string text = asJson ? encodeDisks(manager.disks(), JSONLayout::Indented) + '\n'
                                     : diskTable(manager.disks(), Terminal::ofStandardOutput());
-    std::fwrite(text.data(), 1, text.size(), stdout);
+    fmt::print("{}", text);
     return ExitStatus::done;
 }
 

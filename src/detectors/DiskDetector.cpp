@@ -71,15 +71,14 @@ QCoro::Task<bool> DiskDetector::isExposedDiskImageNow(std::string identifier, Ca
 
 std::vector<std::string> DiskDetector::parseDiskIdentifiers(std::string_view list)
 {
-    constexpr std::string_view kHeader = "/dev/disk";
-    constexpr std::string_view kFolder = "/dev/";
+    // Which disks there are is asked of every line, also of an indented one; parseDiskutilListSections() is stricter.
     std::vector<std::string> identifiers;
     for (const std::string_view line : Lines(list)) {
         const std::string_view header = trimmed(line);
-        if (!header.starts_with(kHeader))
+        if (!header.starts_with(ToolText::kDiskHeader))
             continue;
-        if (const auto device = ToolText::numbered(header, kHeader))
-            identifiers.emplace_back(device->substr(kFolder.size()));
+        if (const auto device = ToolText::numbered(header, ToolText::kDiskHeader))
+            identifiers.emplace_back(device->substr(ToolText::kDeviceFolder.size()));
     }
     return identifiers;
 }

@@ -10,6 +10,11 @@
 /// What the readers of the tools' text look for, again and again. Each look takes time in proportion to the text.
 namespace brindle::ToolText {
 
+inline constexpr std::string_view kDeviceFolder = "/dev/";
+
+/// How `diskutil list` begins the header of a disk: "/dev/disk2 (external, physical):".
+inline constexpr std::string_view kDiskHeader = "/dev/disk";
+
 /// The value of a line "Label: value": \a line without every occurrence of \a label, trimmed. Nullopt where \a line
 /// does not begin with \a label.
 [[nodiscard]] std::optional<std::string> valueOf(std::string_view line, std::string_view label);

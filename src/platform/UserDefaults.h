@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Error.h"
+
 #include <QObject>
 
 #include <chrono>
@@ -72,8 +74,9 @@ public:
     /// Nothing where the key has no value.
     virtual void remove(const std::string &key) = 0;
 
-    /// Writes out now what has not been written yet.
-    virtual void synchronize() = 0;
+    /// Writes out now what has not been written yet. What goes wrong is logged and given back; a later write tries
+    /// again.
+    virtual std::optional<Error> synchronize() = 0;
 
     /// The object read of a value of type T: nullopt where the key has none or one of another type.
     template <typename T>

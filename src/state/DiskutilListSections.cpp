@@ -10,13 +10,10 @@ namespace brindle {
 
 namespace {
 
-constexpr std::string_view kHeader = "/dev/disk";
-constexpr std::string_view kFolder = "/dev/";
-
 std::optional<std::string_view> diskOfHeader(std::string_view header)
 {
-    const std::string_view device = header.substr(0, header.find_first_of(" \t"));
-    return ToolText::numbered(device.substr(kFolder.size()), "disk");
+    const std::string_view device = header.substr(0, header.find_first_of(" 	"));
+    return ToolText::numbered(device.substr(ToolText::kDeviceFolder.size()), "disk");
 }
 
 } // namespace
@@ -31,7 +28,9 @@ DiskutilListSections parseDiskutilListSections(std::string_view list)
             sections.insert_or_assign(*disk, std::exchange(section, {}));
     };
     for (const std::string_view line : Lines(list)) {
-        if (line.starts_with(kHeader)) {
+        // Only in the first column: what is indented belongs to the section, whatever it says. The detector, which
+        // asks which disks there are, looks behind blanks too.
+        if (line.starts_with(ToolText::kDiskHeader)) {
             endSection();
             section = line;
             if (const auto found = diskOfHeader(line))

@@ -13,7 +13,7 @@
 
 namespace brindle {
 
-/// What a run of the program came to.
+/// How a run of brindlectl ended.
 struct Outcome {
     int status = -1;
     std::string output;
@@ -28,29 +28,30 @@ struct Outcome {
     }
 };
 
-/// The real program, as a process, on a simulated machine.
+/// brindlectl as a process on a simulated machine, with settings and temporary files of its own.
 class Brindlectl : public testing::Test {
 protected:
     Brindlectl() { std::filesystem::create_directory(temporary); }
 
     void start(QProcess &process, const std::vector<std::string> &arguments)
     {
-        start(process, arguments, machine.root().string());
+        start(process, arguments, machine.root().string(), program.string());
     }
 
     void start(QProcess &process, const std::vector<std::string> &arguments, const std::string &toolRoot,
-               const std::string &program = BRINDLECTL)
+               const std::string &executable = BRINDLECTL)
     {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("BRINDLE_TOOL_ROOT"), QString::fromStdString(toolRoot));
         environment.insert(QStringLiteral("XDG_CONFIG_HOME"),
                            QString::fromStdString((machine.root() / "config").string()));
+        environment.insert(QStringLiteral("HOME"), QString::fromStdString(machine.root().string()));
         environment.insert(QStringLiteral("TMPDIR"), QString::fromStdString(temporary.string()));
         QStringList list;
         for (const std::string &argument : arguments)
             list << QString::fromStdString(argument);
         process.setProcessEnvironment(environment);
-        process.start(QString::fromStdString(program), list);
+        process.start(QString::fromStdString(executable), list);
     }
 
     Outcome run(const std::vector<std::string> &arguments, const QString &standardOutput = {})
@@ -66,6 +67,7 @@ protected:
     }
 
     SimulatedMachine machine;
+    std::filesystem::path program = BRINDLECTL;
     std::filesystem::path temporary = machine.root() / "tmp";
 };
 

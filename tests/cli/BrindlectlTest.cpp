@@ -2,6 +2,7 @@
 
 #include "cli/BrindlectlFixture.h"
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
@@ -57,6 +58,37 @@ TEST_F(Brindlectl, WritesTheLogToStandardErrorWhenVerbose)
 
     EXPECT_THAT(list.error, HasSubstr("   ➡️ Fetching disk list\n"));
     EXPECT_EQ(list.identifiers(), std::vector<std::string>{"disk0"});
+}
+
+TEST_F(Brindlectl, LetsNoNameOfADiskReachTheTerminalAsACommand)
+{
+    machine.addDisk("disk0").named("\x1b]0;owned\x07\u009B31m\u202Egnp").withEFI("\x1b[2JEFI");
+    machine.addDisk("disk1").infoAnswers({.standardError = "one \x1b[2J\ntwo \u202E\n", .status = 1});
+
+    const Outcome list = run({"list", "--verbose"});
+
+    for (const std::string &text : {list.output, list.error}) {
+        EXPECT_THAT(text, Not(HasSubstr("\x1b")));
+        EXPECT_THAT(text, Not(HasSubstr("\u009B")));
+        EXPECT_THAT(text, Not(HasSubstr("\u202E")));
+    }
+    EXPECT_THAT(list.error, HasSubstr("Created disk: <U+001B>]0;owned<U+0007><U+009B>31m<U+202E>gnp (disk0)"));
+    EXPECT_THAT(list.error, HasSubstr("Failed to get info for disk1: one <U+001B>[2J\ntwo <U+202E>\n"));
+}
+
+TEST_F(Brindlectl, LetsNoErrorReachTheTerminalAsACommand)
+{
+    // Its demo machine is looked for beside it, and the error names the place.
+    program = machine.root() / "\x1b[2J\u202Efolder/brindlectl";
+    std::filesystem::create_directory(program.parent_path());
+    std::filesystem::copy_file(BRINDLECTL, program);
+
+    const Outcome list = run({"list", "--demo"});
+
+    EXPECT_EQ(list.status, 1);
+    EXPECT_THAT(list.error, StartsWith("brindlectl: The demo machine can't be copied: "));
+    EXPECT_THAT(list.error, Not(HasSubstr("\x1b")));
+    EXPECT_THAT(list.error, HasSubstr("<U+001B>[2J<U+202E>folder"));
 }
 
 TEST_F(Brindlectl, ShowsDiskImagesOnlyWhenTheSettingsFileSaysTheBooleanTrue)
@@ -259,30 +291,32 @@ TEST_F(Brindlectl, FailsWhenItsOutputCannotBeWritten)
 {
     machine.addDisk("disk0");
 
-    const Outcome list = run({"list"}, QStringLiteral("/dev/full"));
+    for (const std::vector<std::string> &arguments :
+         {std::vector<std::string>{"list"}, {"--help"}, {"list", "--help"}, {"--version"}, {"completion", "bash"}}) {
+        const Outcome outcome = run(arguments, QStringLiteral("/dev/full"));
+        EXPECT_EQ(outcome.status, 1) << arguments[0];
+        EXPECT_THAT(outcome.error, HasSubstr("No space left on device")) << arguments[0];
+    }
+}
+
+TEST_F(Brindlectl, FailsWhenMoreThanABufferOfOutputCannotBeWritten)
+{
+    for (int number = 0; number < 12; ++number)
+        machine.addDisk(fmt::format("disk{}", number)).named(std::string(400, 'x'));
+
+    const Outcome list = run({"list", "--json"}, QStringLiteral("/dev/full"));
 
     EXPECT_EQ(list.status, 1);
     EXPECT_THAT(list.error, HasSubstr("No space left on device"));
 }
 
-// --- completions, asked of the shells themselves
-
-TEST_F(Brindlectl, CompletesInBash)
+TEST_F(Brindlectl, TellsAWrongArgumentWithoutObeyingIt)
 {
-    const std::string script = run({"completion", "bash"}).output;
-    QProcess bash;
-    bash.start(QStringLiteral("bash"), {QStringLiteral("-c"), QString::fromStdString(script + R"(
-complete_line() { COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _brindlectl; echo "${COMPREPLY[*]}"; }
-complete_line brindlectl li
-complete_line brindlectl list --j
-complete_line brindlectl completion z
-complete_line brindlectl wa
-complete_line brindlectl watch --j
-)")});
-    ASSERT_TRUE(bash.waitForFinished(10'000));
+    const Outcome wrong = run({"list", "\x1b[2J"});
 
-    EXPECT_EQ(bash.readAllStandardOutput().toStdString(), "list\n--json\nzsh\nwatch\n--json\n");
-    EXPECT_THAT(bash.readAllStandardError().toStdString(), IsEmpty());
+    EXPECT_EQ(wrong.status, 2);
+    EXPECT_THAT(wrong.error, Not(HasSubstr("\x1b")));
+    EXPECT_THAT(wrong.error, HasSubstr("<U+001B>[2J"));
 }
 
 } // namespace

@@ -51,5 +51,20 @@ TEST(DisplayText, KeepsTheMarksOfTheLastCharacterWhenItCuts)
     EXPECT_EQ(elided("ae\u0301iou", 3), "ae\u0301…");
 }
 
+TEST(DisplayText, CutsNoSequenceOfJoinedCharacters)
+{
+    EXPECT_EQ(elided("👩\u200D👧!", 4), "…");
+    EXPECT_EQ(elided("👩\u200D👧!?", 5), "👩\u200D👧…");
+    EXPECT_EQ(elided("a❤\uFE0F\u200D🔥!", 4), "a…");
+    EXPECT_EQ(elidedAtStart("!👩\u200D👧", 4), "…");
+    EXPECT_EQ(elidedAtStart("?!👩\u200D👧", 5), "…👩\u200D👧");
+}
+
+TEST(DisplayText, LeavesNoMarkOfACharacterThatItCutOff)
+{
+    EXPECT_EQ(elidedAtStart("abe\u0301\u0302fg", 3), "…fg");
+    EXPECT_EQ(elidedAtStart("abe\u0301fg", 4), "…e\u0301fg");
+}
+
 } // namespace
 } // namespace brindle

@@ -14,7 +14,7 @@ public:
     [[nodiscard]] std::optional<PropertyValue> object(const std::string &key) const override;
     void set(const std::string &key, PropertyValue value) override;
     void remove(const std::string &key) override;
-    void synchronize() override {}
+    std::optional<Error> synchronize() override { return std::nullopt; }
 
 private:
     void announce(const std::string &key);

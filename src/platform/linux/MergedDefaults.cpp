@@ -54,15 +54,17 @@ void MergedDefaults::refresh()
     }
 }
 
-void MergedDefaults::write()
+std::optional<Error> MergedDefaults::write()
 {
     if (m_changedKeys.empty())
-        return;
+        return std::nullopt;
     try {
         const FileDescriptor lock = m_file.lock();
         merge();
+        return std::nullopt;
     } catch (const Error &failure) {
         logOnce(failure, fmt::format("⚠️ User defaults not written: {}", failure.localizedDescription()));
+        return failure;
     }
 }
 

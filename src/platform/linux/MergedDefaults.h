@@ -31,8 +31,8 @@ public:
     /// Takes in what another process has written since the last look.
     void refresh();
 
-    /// Brings the own changes into the file, and into nothing where there are none.
-    void write();
+    /// Brings the own changes into the file, and into nothing where there are none; what went wrong.
+    std::optional<Error> write();
 
     /// The keys whose values were changed by others than this process since the last call; at first all keys.
     [[nodiscard]] Keys takeForeignChanges() { return std::exchange(m_foreignChanges, {}); }

@@ -86,14 +86,16 @@ void PlistUserDefaults::change(const std::string &key, std::optional<PropertyVal
     QMetaObject::invokeMethod(this, [this, key] { Q_EMIT valueChanged(key); });
 }
 
-void PlistUserDefaults::synchronize()
+std::optional<Error> PlistUserDefaults::synchronize()
 {
+    std::optional<Error> failure;
     {
         const std::lock_guard guard(m_mutex);
         m_isWriteDue = false;
-        m_defaults.write();
+        failure = m_defaults.write();
     }
     QMetaObject::invokeMethod(this, &PlistUserDefaults::announceForeignChanges);
+    return failure;
 }
 
 void PlistUserDefaults::connectNotify(const QMetaMethod &signal)

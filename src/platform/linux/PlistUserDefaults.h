@@ -43,7 +43,7 @@ public:
     [[nodiscard]] std::optional<PropertyValue> object(const std::string &key) const override;
     void set(const std::string &key, PropertyValue value) override;
     void remove(const std::string &key) override;
-    void synchronize() override;
+    std::optional<Error> synchronize() override;
 
 protected:
     void connectNotify(const QMetaMethod &signal) override;

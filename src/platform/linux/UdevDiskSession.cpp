@@ -3,9 +3,11 @@
 #include "base/Error.h"
 
 #include <libudev.h>
-#include <unistd.h>
 
 #include <cerrno>
+#include <fstream>
+#include <string>
+#include <string_view>
 #include <utility>
 
 namespace brindle {
@@ -22,10 +24,23 @@ using Enumeration = std::unique_ptr<udev_enumerate, ReleaseUdev>;
 constexpr const char *kSubsystem = "block";
 constexpr const char *kWholeDisk = "disk";
 
+/// Whether udevd holds its socket, by the kernel's table of sockets (proc(5)): one that died leaves the file behind,
+/// and one of another network namespace sends nothing here.
+bool isUdevRunning()
+{
+    constexpr std::string_view kControlSocket = " /run/udev/control";
+    std::ifstream table("/proc/net/unix");
+    for (std::string line; std::getline(table, line);) {
+        if (line.ends_with(kControlSocket))
+            return true;
+    }
+    return false;
+}
+
 /// udev's own events come when its rules are done. Without udevd nobody sends them: then the kernel's do.
 const char *sourceOfEvents()
 {
-    return ::access("/run/udev/control", F_OK) == 0 ? "udev" : "kernel";
+    return isUdevRunning() ? "udev" : "kernel";
 }
 
 } // namespace

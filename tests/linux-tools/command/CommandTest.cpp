@@ -19,6 +19,7 @@ public:
     {
         scopes.push_back(scope);
         Inventory inventory = sampleMachine();
+        inventory.notes = notes;
         if (scope.withSpace)
             inventory.mounts[1].space = Space{.totalBytes = 4096, .usedBytes = 1024, .availableBytes = 3072};
         return inventory;
@@ -31,6 +32,7 @@ public:
     }
 
     std::vector<Scope> scopes;
+    std::vector<std::string> notes;
 };
 
 class CommandTest : public testing::Test {
@@ -91,6 +93,22 @@ TEST_F(CommandTest, DiskutilComplainsAboutAnUnknownDisk)
     EXPECT_EQ(run(runDiskutil, {"list", "disk9 "}), 1);
     EXPECT_EQ(m_context.err, "Could not find disk: disk9 \n");
     EXPECT_EQ(m_context.out, "");
+}
+
+TEST_F(CommandTest, DiskutilSaysOnStandardErrorWhatIsMissing)
+{
+    m_source.notes = {"types are\nmissing"};
+    for (const std::vector<std::string_view> &line : std::vector<std::vector<std::string_view>>{
+             {"list"}, {"list", "physical"}, {"list", "disk10"}, {"info", "disk10"}}) {
+        m_context.err.clear();
+        EXPECT_EQ(run(runDiskutil, line), 0);
+        EXPECT_EQ(m_context.err, "diskutil: types are\uFFFDmissing\n");
+    }
+    m_context.err.clear();
+
+    EXPECT_EQ(run(runDiskutil, {"info", "/x"}), 1);
+
+    EXPECT_EQ(m_context.err, "Could not find disk: /x\ndiskutil: types are\uFFFDmissing\n");
 }
 
 TEST_F(CommandTest, DiskutilReadsNothingForAnEmptyName)

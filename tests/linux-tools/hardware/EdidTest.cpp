@@ -74,6 +74,16 @@ TEST(Edid, TellsNoRateOfATimingWithoutPixels)
     EXPECT_EQ(display->refreshHertz, 0);
 }
 
+TEST(Edid, BelievesNoAbsurdRate)
+{
+    std::string block = sampleEdid("A", "");
+    block.replace(56, 16, 16, '\0');
+    block[56] = '\1'; // One pixel in a row,
+    block[59] = '\1'; // and one row.
+
+    EXPECT_EQ(readEdid(withCheckSum(block))->refreshHertz, 0);
+}
+
 TEST(Edid, TakesTheFirstTimingForTheDisplaysOwn)
 {
     std::string block = sampleEdid("", "");

@@ -7,6 +7,7 @@
 #include "hardware/HardwareText.h"
 #include "hardware/KernelHardware.h"
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -147,6 +148,7 @@ INSTANTIATE_TEST_SUITE_P(KernelHardware, ReadsTheSpeed,
                          testing::Values(SpeedFileCase{"base", "cpufreq/base_frequency", "3800000\n", 3800},
                                          SpeedFileCase{"nominal", "acpi_cppc/nominal_freq", "3801\n", 3801},
                                          SpeedFileCase{"highest", "cpufreq/cpuinfo_max_freq", "4850000\n", 4850},
+                                         SpeedFileCase{"absurd", "cpufreq/base_frequency", "18446744073709551615\n", 0},
                                          SpeedFileCase{"noNumber", "cpufreq/base_frequency", "fast\n", 0}),
                          [](const auto &info) { return info.param.name; });
 
@@ -220,6 +222,73 @@ TEST(KernelHardware, BelievesNoAbsurdNumberOfSlots)
     root.with("run/udev/data/+dmi:id", "E:MEMORY_ARRAY_NUM_DEVICES=18446744073709551615\n");
 
     EXPECT_THAT(read(root).memory.slots, SizeIs(1024));
+}
+
+TEST(KernelHardware, BelievesNoAbsurdModule)
+{
+    FakeRoot root;
+    root.with("run/udev/data/+dmi:id", "E:MEMORY_ARRAY_NUM_DEVICES=2\nE:MEMORY_DEVICE_0_SIZE=18446744073709551615\n"
+                                       "E:MEMORY_DEVICE_1_SIZE=1073741824\nE:MEMORY_DEVICE_1_SPEED_MTS=3200\n"
+                                       "E:MEMORY_DEVICE_1_CONFIGURED_SPEED_MTS=4294967295\n");
+
+    const Memory memory = read(root).memory;
+
+    ASSERT_THAT(memory.slots, SizeIs(1));
+    EXPECT_EQ(memory.slots[0].speedMegahertz, 3200);
+    EXPECT_EQ(memory.sizeBytes, kGibibyte);
+}
+
+TEST(KernelHardware, BelievesNoAbsurdSumOfModules)
+{
+    std::string properties = "E:MEMORY_ARRAY_NUM_DEVICES=1024\n";
+    for (int slot = 0; slot < 1024; ++slot)
+        properties += fmt::format("E:MEMORY_DEVICE_{}_SIZE={}\n", slot, std::uint64_t{1} << 46);
+    FakeRoot root;
+    root.with("run/udev/data/+dmi:id", properties).with("proc/meminfo", "MemTotal: 1048576 kB\n");
+
+    EXPECT_EQ(read(root).memory.sizeBytes, kGibibyte);
+}
+
+struct MemoryCase {
+    const char *name;
+    const char *blockBytes;
+    const char *memInfo;
+};
+
+class BelievesNoAbsurdMemory : public testing::TestWithParam<MemoryCase> {};
+
+TEST_P(BelievesNoAbsurdMemory, OfTheKernel)
+{
+    FakeRoot root;
+    root.with(kMemoryBlocks / "block_size_bytes", GetParam().blockBytes)
+        .with(kMemoryBlocks / "memory0/state", "online\n")
+        .with(kMemoryBlocks / "memory1/state", "online\n")
+        .with("proc/meminfo", GetParam().memInfo);
+
+    EXPECT_EQ(read(root).memory.sizeBytes, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(KernelHardware, BelievesNoAbsurdMemory,
+                         testing::Values(MemoryCase{"blocks", "ffffffffffffffff\n", ""},
+                                         MemoryCase{"blocksThatEndAtZero", "8000000000000001\n", ""},
+                                         MemoryCase{"total", "", "MemTotal: 18446744073709551615 kB\n"},
+                                         MemoryCase{"totalThatEndsAtZero", "", "MemTotal: 18014398509481985 kB\n"}),
+                         [](const auto &info) { return info.param.name; });
+
+TEST(KernelHardware, BelievesNoAbsurdCardAndDisplay)
+{
+    FakeRoot root;
+    addCard(root, "0000:00:02.0", "0x8086\n", "0x3e92\n");
+    root.with(kPci / "0000:00:02.0" / "mem_info_vram_total", "18446744073709551615\n")
+        .with(kPci / "0000:00:02.0" / "drm/card0/card0-eDP-1/status", "connected\n")
+        .with(kPci / "0000:00:02.0" / "drm/card0/card0-eDP-1/modes", "18446744073709551615x1080\n");
+
+    const HardwareFacts facts = read(root);
+
+    ASSERT_THAT(facts.graphics, SizeIs(1));
+    EXPECT_EQ(facts.graphics[0].memoryBytes, 0);
+    ASSERT_THAT(facts.graphics[0].displays, SizeIs(1));
+    EXPECT_EQ(facts.graphics[0].displays[0].width, 0);
 }
 
 TEST(KernelHardware, CountsTheMemoryInBlocksWhereNoModuleIsKnown)

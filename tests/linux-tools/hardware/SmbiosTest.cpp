@@ -70,6 +70,15 @@ TEST(Smbios, TakesTheRatedSpeedWhereTheConfiguredOneIsUnknown)
     EXPECT_EQ(onlySlot(memoryDevice(kArray).with(0x20, 2, 0)).speedMegahertz, 3200);
 }
 
+TEST(Smbios, BelievesNoAbsurdSpeedOrSize)
+{
+    const SmbiosStructure fast = memoryDevice(kArray).with(0x20, 2, 0xFFFF).with(0x58, 4, 0x7FFFFFFF);
+    const SmbiosStructure big = memoryDevice(kArray).with(0x0C, 2, 0x7FFF).with(0x1C, 4, 0x7FFFFFFF);
+
+    EXPECT_EQ(onlySlot(fast).speedMegahertz, 3200);
+    EXPECT_TRUE(memorySlots(smbiosTable({systemMemoryArray(kArray), big})).empty());
+}
+
 TEST(Smbios, ReadsASpeedThatDoesNotFitItsField)
 {
     EXPECT_EQ(onlySlot(memoryDevice(kArray).with(0x20, 2, 0xFFFF).with(0x58, 4, 70000)).speedMegahertz, 70000);

@@ -56,6 +56,19 @@ TEST(FindDevice, FollowsTheLinkThatWasAskedFor)
     EXPECT_EQ(identifierOf(findDevice(machine, "/dev/disk/by-label/ESP")), "none");
 }
 
+TEST(FindDevice, TakesTheNameOfAMountedVolumeThatItsCarrierDoesNotBear)
+{
+    Inventory machine = sampleMachine();
+    const Volume home{.fileSystem = "ext4", .version = {}, .name = "home", .uuid = "1"};
+    machine.mounts.push_back({.carrier = "disk0s5", .mountPoint = "/home", .volume = home});
+    machine.mounts.push_back({.carrier = "disk0s5", .mountPoint = "/srv", .isWhole = false, .volume = home});
+
+    EXPECT_EQ(identifierOf(findDevice(machine, "home")), "disk0s5");
+    EXPECT_EQ(volumesNamed(machine, "home"), 1);
+    machine.mounts.back().volume->uuid = "2";
+    EXPECT_EQ(volumesNamed(machine, "home"), 2);
+}
+
 TEST(FindDevice, TakesTheIdentifierBeforeAVolumeOfThatName)
 {
     Inventory machine = sampleMachine();

@@ -1,66 +1,15 @@
-#include "linux-tools/kernel/FakeKernel.h"
-#include "linux-tools/kernel/OpenCounter.h"
-
-#include "kernel/KernelInventory.h"
+#include "linux-tools/kernel/KernelInventoryFixture.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <tuple>
 
 namespace brindle::tools {
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::Pair;
-
-constexpr const char *kSda = "pci0000:00/0000:00:17.0/ata1/host0/target0:0:0/0:0:0:0/block/sda";
-constexpr const char *kNvme = "pci0000:00/0000:00:1d.0/0000:3d:00.0/nvme/nvme0/nvme0n1";
-constexpr const char *kUsb = "pci0000:00/0000:00:14.0/usb1/1-1/1-1:1.0/host2/target2:0:0/2:0:0:0/block/sdb";
-constexpr const char *kOptical = "pci0000:00/0000:00:17.0/ata2/host1/target1:0:0/1:0:0:0/block/sr0";
-constexpr const char *kLoop = "virtual/block/loop0";
-
-const Scope kList{.name = {}, .withContents = true};
-
-std::vector<std::string> identifiers(const Inventory &inventory)
-{
-    std::vector<std::string> found;
-    for (const Disk &disk : inventory.disks)
-        found.push_back(disk.identifier);
-    return found;
-}
-
-std::vector<std::string> partitionTypes(const Disk &disk)
-{
-    std::vector<std::string> types;
-    for (const Partition &partition : disk.partitions)
-        types.push_back(partition.identifier + " " + partition.type);
-    return types;
-}
-
-class KernelInventoryTest : public testing::Test {
-protected:
-    [[nodiscard]] Inventory read(const Scope &scope = kList) const
-    {
-        return KernelInventory(m_kernel.roots()).read(scope);
-    }
-
-    /// A SATA disk as udev knows it: an EFI partition and one with an ext4 file system.
-    void addSataDisk()
-    {
-        m_kernel.addDisk("8:0", kSda, 1000215216, {{"diskseq", "3"}});
-        m_kernel.addUdevRecord("8:0", {"ID_PART_TABLE_TYPE=gpt", "ID_BUS=ata", "ID_MODEL_ENC=Samsung\\x20SSD\\x20860"});
-        m_kernel.addPartition("8:1", std::string(kSda) + "/sda1", 2048, 409600);
-        m_kernel.addUdevRecord("8:1",
-                               {"ID_PART_ENTRY_SCHEME=gpt", "ID_PART_ENTRY_TYPE=c12a7328-f81f-11d2-ba4b-00a0c93ec93b",
-                                "ID_PART_ENTRY_UUID=8d1f4a70-7ae9-4b3c-9d2a-00a1b2c3d4e5", "ID_FS_TYPE=vfat",
-                                "ID_FS_VERSION=FAT32", "ID_FS_LABEL_ENC=EFI", "ID_FS_UUID=67E3-17ED"});
-        m_kernel.addPartition("8:2", std::string(kSda) + "/sda2", 411648, 999800000);
-        m_kernel.addUdevRecord("8:2", {"ID_PART_ENTRY_SCHEME=gpt",
-                                       "ID_PART_ENTRY_TYPE=0fc63daf-8483-4772-8e79-3d69d8477de4", "ID_FS_TYPE=ext4"});
-    }
-
-    FakeKernel m_kernel;
-};
 
 TEST_F(KernelInventoryTest, IsEmptyWhereThereIsNoBlockDevice)
 {
@@ -248,37 +197,6 @@ TEST_F(KernelInventoryTest, LeavesOutTheEntryThatHoldsLogicalPartitions)
     EXPECT_THAT(partitionTypes(inventory.disks[0]), ElementsAre("disk5s1 Windows_NTFS", "disk5s5 Linux Filesystem"));
 }
 
-TEST_F(KernelInventoryTest, NeverOpensADiskThatTheKernelHasSentToSleep)
-{
-    m_kernel.addDisk("8:16", kUsb, 8192, {{"device/power/runtime_status", "suspended"}});
-    m_kernel.writeNode("sdb", mbrWith({{0xEF, 2048, 4096}}));
-
-    EXPECT_EQ(read().disks.at(0).scheme, "");
-
-    m_kernel.setAttribute(kUsb, "device/power/runtime_status", "active");
-    EXPECT_EQ(read().disks.at(0).scheme, "FDisk_partition_scheme");
-}
-
-TEST_F(KernelInventoryTest, NeverReadsADiskWithAMotorThatDoesNotSayThatItRuns)
-{
-    m_kernel.addDisk("8:0", kSda, 8192, {{"queue/rotational", "1"}});
-    m_kernel.writeNode("sda", mbrWith({{0xEF, 2048, 4096}}));
-
-    EXPECT_EQ(read().disks.at(0).scheme, "");
-
-    m_kernel.setAttribute(kSda, "queue/rotational", "0");
-    EXPECT_EQ(read().disks.at(0).scheme, "FDisk_partition_scheme");
-}
-
-TEST_F(KernelInventoryTest, DoesNotOpenABlankDiskThatUdevKnows)
-{
-    m_kernel.addDisk("8:16", kUsb, 8192);
-    m_kernel.addUdevRecord("8:16", {"ID_BUS=usb"});
-    m_kernel.writeNode("sdb", mbrWith({{0xEF, 2048, 4096}}));
-
-    EXPECT_EQ(read().disks.at(0).scheme, "");
-}
-
 TEST_F(KernelInventoryTest, SurvivesADiskThatVanishesMeanwhile)
 {
     addSataDisk();
@@ -312,54 +230,6 @@ TEST_F(KernelInventoryTest, ReadsOnlyTheDiskThatANameIsAbout)
     EXPECT_THAT(identifiers(read({.name = "/"})), ElementsAre("disk2", "disk3"));
 }
 
-TEST_F(KernelInventoryTest, TellsTheQualitiesOfADisk)
-{
-    m_kernel.addDisk("8:16", kUsb, 8192,
-                     {{"ro", "1"},
-                      {"removable", "1"},
-                      {"queue/rotational", "0"},
-                      {"queue/discard_max_bytes", "4294966784"},
-                      {"queue/logical_block_size", "4096"},
-                      {"device/vendor", "SanDisk "},
-                      {"device/model", "Ultra Fit       "}});
-    m_kernel.addUdevRecord("8:16", {"ID_BUS=usb"});
-
-    const Disk disk = read({.name = {}, .withDetails = true}).disks.at(0);
-
-    EXPECT_EQ(disk.mediaName, "SanDisk Ultra Fit (sdb)");
-    EXPECT_EQ(disk.protocol, "USB");
-    EXPECT_EQ(disk.blockBytes, 4096U);
-    EXPECT_TRUE(disk.isExternal);
-    EXPECT_TRUE(disk.isReadOnly);
-    EXPECT_TRUE(disk.isRemovable);
-    EXPECT_TRUE(disk.isSolidState);
-    EXPECT_TRUE(disk.supportsTrim);
-    EXPECT_EQ(disk.smart, Smart::notSupported);
-}
-
-TEST_F(KernelInventoryTest, TellsTheQualitiesThatADiskDoesNotHave)
-{
-    m_kernel.addDisk("8:16", kUsb, 8192,
-                     {{"ro", "0"}, {"removable", "0"}, {"queue/rotational", "1"}, {"queue/discard_max_bytes", "0"}});
-
-    const Disk disk = read({.name = {}, .withDetails = true}).disks.at(0);
-
-    EXPECT_EQ(disk.mediaName, "USB Disk (sdb)");
-    EXPECT_FALSE(disk.isReadOnly);
-    EXPECT_FALSE(disk.isRemovable);
-    EXPECT_FALSE(disk.isSolidState);
-    EXPECT_FALSE(disk.supportsTrim);
-}
-
-TEST_F(KernelInventoryTest, TakesTheWholeNameOfAnAtaDriveFromUdev)
-{
-    addSataDisk();
-    m_kernel.setAttribute(kSda, "device/vendor", "ATA     ");
-    m_kernel.setAttribute(kSda, "device/model", "Samsung SSD 86");
-
-    EXPECT_EQ(read({.name = {}, .withDetails = true}).disks.at(0).mediaName, "Samsung SSD 860 (sda)");
-}
-
 TEST_F(KernelInventoryTest, KeepsHostileNamesAsTheBytesThatTheyAre)
 {
     addSataDisk();
@@ -368,32 +238,6 @@ TEST_F(KernelInventoryTest, KeepsHostileNamesAsTheBytesThatTheyAre)
                             "ID_FS_TYPE=vfat", "ID_FS_LABEL_ENC=A\\x0a\\xff" + std::string(255, 'x')});
 
     EXPECT_EQ(read().disks.at(0).partitions.at(0).volume->name, "A\n\xFF" + std::string(255, 'x'));
-}
-
-TEST_F(KernelInventoryTest, OpensEachDeviceOnceForAllThatIsAsked)
-{
-    m_kernel.addDisk("259:0", kNvme, 8192, {{"diskseq", "5"}});
-    m_kernel.writeNode("nvme0n1", mbrWith({{0xEF, 2048, 4096}}));
-    m_kernel.addPartition("259:1", std::string(kNvme) + "/nvme0n1p1", 2048, 4096);
-    m_kernel.writeNode("nvme0n1p1", fatWith("EFI", 4096));
-    const OpenCounter counter(m_kernel.root() / "dev");
-
-    const Inventory inventory = read({.name = {}, .withContents = true, .withDetails = true, .withMounts = true});
-
-    EXPECT_EQ(inventory.disks.at(0).partitions.at(0).volume->name, "EFI");
-    EXPECT_THAT(counter.counts(), ElementsAre(Pair("nvme0n1", 1), Pair("nvme0n1p1", 1)));
-}
-
-TEST_F(KernelInventoryTest, OpensNoDeviceThatUdevKnows)
-{
-    addSataDisk();
-    m_kernel.writeNode("sda", "");
-    m_kernel.writeNode("sda1", "");
-    const OpenCounter counter(m_kernel.root() / "dev");
-
-    EXPECT_EQ(read().disks.size(), 1U);
-
-    EXPECT_THAT(counter.counts(), IsEmpty());
 }
 
 } // namespace

@@ -32,6 +32,11 @@ INSTANTIATE_TEST_SUITE_P(
         TextCase{"Delete", "a\x7F", "a" + std::string(kReplaced)},
         TextCase{"NextLineOfC1", "a\xC2\x85", "a" + std::string(kReplaced)},
         TextCase{"LineSeparator", "a\xE2\x80\xA8", "a" + std::string(kReplaced)},
+        TextCase{"RightToLeftOverride", "gnp\u202Eexe", "gnp" + std::string(kReplaced) + "exe"},
+        TextCase{"Isolate", "\u2066a\u2069", std::string(kReplaced) + "a" + std::string(kReplaced)},
+        TextCase{"ZeroWidthSpace", "E\u200BFI", "E" + std::string(kReplaced) + "FI"},
+        TextCase{"ByteOrderMark", "\uFEFFEFI", std::string(kReplaced) + "EFI"},
+        TextCase{"JoinerOfEmoji", "👩\u200D👧", "👩\u200D👧"}, TextCase{"MarkOnALetter", "e\u0301", "e\u0301"},
         TextCase{"Latin1", "\xE9t\xE9", std::string(kReplaced) + "t" + std::string(kReplaced)},
         TextCase{"CutSequence", "a\xE7\xB3", "a" + std::string(kReplaced) + std::string(kReplaced)},
         TextCase{"Overlong", "\xC0\xAF", std::string(kReplaced) + std::string(kReplaced)},
@@ -64,11 +69,35 @@ INSTANTIATE_TEST_SUITE_P(Sizes, PrintsSizes,
                                          SizeCase{"TheLargest", ~std::uint64_t{0}, "18.4 EB"}),
                          [](const auto &info) { return info.param.name; });
 
+struct CellsCase {
+    const char *name;
+    const char *text;
+    std::size_t cells;
+};
+
+class CountsCells : public testing::TestWithParam<CellsCase> {};
+
+TEST_P(CountsCells, AsATerminalShowsThem)
+{
+    EXPECT_EQ(cellCount(GetParam().text), GetParam().cells);
+}
+
+INSTANTIATE_TEST_SUITE_P(Texts, CountsCells,
+                         testing::Values(CellsCase{"Ascii", "EFI", 3}, CellsCase{"Accents", "Größe", 5},
+                                         CellsCase{"MarkOnALetter", "e\u0301", 1}, CellsCase{"Ideographs", "系統", 4},
+                                         CellsCase{"Hangul", "한국", 4}, CellsCase{"FullWidthLetters", "ＥＦＩ", 6},
+                                         CellsCase{"Rocket", "🚀", 2}, CellsCase{"Watch", "⌚", 2},
+                                         CellsCase{"JoinedEmoji", "👩\u200D👧", 4}, CellsCase{"Thai", "ดิ", 1},
+                                         CellsCase{"Replaced", "\uFFFD", 1}, CellsCase{"HalfWidthKana", "ｱ", 1}),
+                         [](const auto &info) { return info.param.name; });
+
 TEST(Words, CutsBetweenCharacters)
 {
     EXPECT_EQ(cutToCells("系統保留", 8), "系統保留");
     EXPECT_EQ(cutToCells("系統保留", 7), "系統...");
     EXPECT_EQ(cutToCells("系統保留", 6), "系...");
+    EXPECT_EQ(cutToCells("e\u0301e\u0301e\u0301e\u0301e\u0301", 5), "e\u0301e\u0301e\u0301e\u0301e\u0301");
+    EXPECT_EQ(cutToCells("e\u0301e\u0301e\u0301e\u0301e\u0301", 4), "e\u0301...");
     EXPECT_EQ(cutToCells("abcdef", 2), "..");
     EXPECT_EQ(cutToCells("abcdef", 0), "");
 }
