@@ -1,5 +1,7 @@
 #include "acting/ActingVerbs.h"
 
+#include "acting/Actor.h"
+#include "acting/EraseText.h"
 #include "inventory/Identifier.h"
 #include "text/Words.h"
 
@@ -89,6 +91,13 @@ void eject(Context &context, Arguments arguments)
     print(context, "Disk {} ejected", printable(arguments[0]));
 }
 
+void printFormatting(Context &context, const Erased &erased, const Format &format)
+{
+    context.out += formattingText(erased, format);
+    if (erased.isMounted)
+        print(context, "Mounting disk");
+}
+
 void eraseVolume(Context &context, Arguments arguments)
 {
     const Format &format = findFormatOrThrow(arguments[0]);
@@ -96,7 +105,8 @@ void eraseVolume(Context &context, Arguments arguments)
     const Target target = findTarget(inventory, arguments[2]);
     print(context, "Started erase on {}\nUnmounting disk", target.identifier());
     const Erased erased = context.actor->eraseVolume(target, format, arguments[1]);
-    print(context, "Erasing\nFormatted {} as {} with name {}", erased.identifier, format.title, erased.label);
+    print(context, "Erasing");
+    printFormatting(context, erased, format);
     print(context, "Finished erase on {} {}", erased.identifier, erased.label);
 }
 
@@ -112,6 +122,7 @@ void eraseDisk(Context &context, Arguments arguments)
     const Erased erased = context.actor->eraseDisk(target, format, arguments[1]);
     print(context, "Creating the partition map\nWaiting for partitions to activate");
     print(context, "Formatting {} as {} with name {}", erased.identifier, format.title, erased.label);
+    printFormatting(context, erased, format);
     print(context, "Finished erase on {}", target.identifier());
 }
 
@@ -131,19 +142,40 @@ bool isEraseDisk(Arguments arguments)
     return arguments.size() == 3 || arguments.size() == 4;
 }
 
-struct Verb {
-    std::string_view name;
-    bool (*takes)(Arguments arguments);
-    void (*run)(Context &context, Arguments arguments);
-};
+/// Lets what was begun be ended when the terminal or the reader of the output goes.
+void ignoreHangUps()
+{
+    std::signal(SIGHUP, SIG_IGN);
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
+template <bool (*takes)(Arguments), void (*act)(Context &, Arguments)>
+int run(Context &context, const Verb &verb, Arguments arguments)
+{
+    if (!takes(arguments))
+        return kWrongUsage;
+    if (!context.actor) {
+        context.err += fmt::format("diskutil {} is not supported yet on this system's disks\n", verb.name);
+        return kFailed;
+    }
+    ignoreHangUps();
+    try {
+        act(context, arguments);
+    } catch (const ActionError &error) {
+        context.err += std::string(error.what()) + '\n';
+        return kFailed;
+    }
+    return kDone;
+}
 
 constexpr std::array kVerbs{
-    Verb{"mount", hasCount<1>, mount},
-    Verb{"unmount", isUnmount, unmount},
-    Verb{"rename", hasCount<2>, rename},
-    Verb{"eject", hasCount<1>, eject},
-    Verb{"eraseVolume", hasCount<3>, eraseVolume},
-    Verb{"eraseDisk", isEraseDisk, eraseDisk},
+    Verb{"mount", "DISK", "Mounts a volume", run<hasCount<1>, mount>},
+    Verb{"unmount", "[force] DISK", "Unmounts a volume", run<isUnmount, unmount>},
+    Verb{"rename", "DISK NAME", "Gives a volume a new name", run<hasCount<2>, rename>},
+    Verb{"eject", "DISK", "Unmounts all volumes of a disk and lets it go", run<hasCount<1>, eject>},
+    Verb{"eraseVolume", "FORMAT NAME DISK", "Makes a new file system on a volume", run<hasCount<3>, eraseVolume>},
+    Verb{"eraseDisk", "FORMAT NAME [GPT] DISK", "Makes a new table and file system on a whole disk",
+         run<isEraseDisk, eraseDisk>},
 };
 
 } // namespace
@@ -157,24 +189,9 @@ const std::string &Target::identifier() const
     return device.partition ? device.partition->identifier : device.disk->identifier;
 }
 
-int runActingVerb(Context &context, std::string_view name, Arguments arguments)
+std::span<const Verb> actingVerbs()
 {
-    const auto *const verb = std::ranges::find(kVerbs, name, &Verb::name);
-    if (verb == kVerbs.end() || !verb->takes(arguments))
-        return kWrongUsage;
-    try {
-        verb->run(context, arguments);
-    } catch (const ActionError &error) {
-        context.err += std::string(error.what()) + '\n';
-        return kFailed;
-    }
-    return kDone;
-}
-
-void ignoreHangUps()
-{
-    std::signal(SIGHUP, SIG_IGN);
-    std::signal(SIGPIPE, SIG_IGN);
+    return kVerbs;
 }
 
 } // namespace brindle::tools

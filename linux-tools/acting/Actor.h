@@ -3,6 +3,7 @@
 #include "acting/Format.h"
 #include "inventory/FindDevice.h"
 
+#include <cstdint>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -26,8 +27,10 @@ struct Target {
 
 /// What an erased disk or volume is now.
 struct Erased {
-    std::string identifier; ///< Of the partition or volume that bears the new file system.
-    std::string label;      ///< As it was written.
+    std::string identifier;      ///< Of the partition or volume that bears the new file system.
+    std::string label;           ///< As it was written.
+    std::uint64_t sizeBytes = 0; ///< Of the partition or disk.
+    bool isMounted = false;
 };
 
 /// Acts on the disks of a machine: of the running kernel, or of a machine file. Every action throws ActionError, and

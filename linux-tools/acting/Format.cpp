@@ -12,7 +12,7 @@ constexpr std::array kFormats{
     Format{"FAT32", "MS-DOS (FAT32)", "vfat", "FAT32", "Microsoft Basic Data", "DOS_FAT_32"},
     Format{"MS-DOS", "MS-DOS (FAT32)", "vfat", "FAT32", "Microsoft Basic Data", "DOS_FAT_32"},
     Format{"ExFAT", "ExFAT", "exfat", "1.0", "Microsoft Basic Data", "Windows_NTFS"},
-    Format{"JHFS+", "Mac OS Extended (Journaled)", "hfsplus", "", "Apple_HFS", "Apple_HFS"},
+    Format{"JHFS+", "Mac OS Extended (Journaled)", "hfsplus", "", "Apple_HFS", "Apple_HFS", true},
     Format{"HFS+", "Mac OS Extended", "hfsplus", "", "Apple_HFS", "Apple_HFS"},
     Format{"APFS", "APFS", "apfs", "", "Apple_APFS", "Apple_APFS"},
 };

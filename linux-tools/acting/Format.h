@@ -13,6 +13,7 @@ struct Format {
     std::string_view version;    ///< libblkid's version; may be empty.
     std::string_view gptType;    ///< The printed name of its partition type in a GPT.
     std::string_view mbrType;    ///< The same in an MBR.
+    bool isJournaled = false;
 };
 
 /// The format of a name as typed; null when there is none.

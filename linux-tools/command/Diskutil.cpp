@@ -11,26 +11,14 @@
 #include <array>
 #include <iterator>
 #include <optional>
+#include <vector>
 
 namespace brindle::tools {
 namespace {
 
-struct Verb {
-    std::string_view name;
-    std::string_view usage; ///< What stands behind the name.
-    std::string_view help;
-    int (*run)(Context &, const Verb &, Arguments);
-};
-
 std::string usageOf(const Verb &verb)
 {
     return fmt::format("Usage:  diskutil {} {}\n{}.\n", verb.name, verb.usage, verb.help);
-}
-
-int complainAboutUsage(Context &context, const Verb &verb)
-{
-    context.err += usageOf(verb);
-    return kWrongUsage;
 }
 
 void tellNotes(Context &context, const Inventory &inventory)
@@ -46,10 +34,10 @@ int complainAboutName(Context &context, const Inventory &inventory, std::string_
     return kFailed;
 }
 
-int list(Context &context, const Verb &verb, Arguments arguments)
+int list(Context &context, const Verb &, Arguments arguments)
 {
     if (arguments.size() > 1 || (arguments.size() == 1 && arguments.front().empty()))
-        return complainAboutUsage(context, verb);
+        return kWrongUsage;
     const std::string_view name = arguments.empty() ? std::string_view() : arguments.front();
     if (name.empty() || name == "physical") {
         const Inventory inventory = context.source.read({.name = {}, .withContents = true});
@@ -67,10 +55,10 @@ int list(Context &context, const Verb &verb, Arguments arguments)
     return kDone;
 }
 
-int info(Context &context, const Verb &verb, Arguments arguments)
+int info(Context &context, const Verb &, Arguments arguments)
 {
     if (arguments.size() != 1 || arguments.front().empty())
-        return complainAboutUsage(context, verb);
+        return kWrongUsage;
     const std::string_view name = arguments.front();
     const Inventory inventory = context.source.read(
         {.name = std::string(name), .onlyNamed = true, .withContents = true, .withDetails = true, .withMounts = true});
@@ -82,32 +70,22 @@ int info(Context &context, const Verb &verb, Arguments arguments)
     return kDone;
 }
 
-int act(Context &context, const Verb &verb, Arguments arguments)
-{
-    if (context.actor) {
-        ignoreHangUps();
-        const int status = runActingVerb(context, verb.name, arguments);
-        return status == kWrongUsage ? complainAboutUsage(context, verb) : status;
-    }
-    context.err += fmt::format("diskutil {} is not supported yet on this system's disks\n", verb.name);
-    return kFailed;
-}
-
-constexpr std::array kVerbs{
+constexpr std::array kTellingVerbs{
     Verb{"list", "[physical | DISK]", "Lists all disks, the physical ones, or one, with their partitions", list},
     Verb{"info", "DISK", "Tells what is known of a disk or partition", info},
-    Verb{"mount", "DISK", "Mounts a volume", act},
-    Verb{"unmount", "[force] DISK", "Unmounts a volume", act},
-    Verb{"rename", "DISK NAME", "Gives a volume a new name", act},
-    Verb{"eject", "DISK", "Unmounts all volumes of a disk and lets it go", act},
-    Verb{"eraseVolume", "FORMAT NAME DISK", "Makes a new file system on a volume", act},
-    Verb{"eraseDisk", "FORMAT NAME [GPT] DISK", "Makes a new table and file system on a whole disk", act},
 };
+
+std::vector<Verb> allVerbs()
+{
+    std::vector<Verb> verbs(kTellingVerbs.begin(), kTellingVerbs.end());
+    std::ranges::copy(actingVerbs(), std::back_inserter(verbs));
+    return verbs;
+}
 
 std::string helpText()
 {
     std::string text = "Usage:  diskutil VERB [ARGUMENTS]\n        diskutil help [VERB]\n\n";
-    for (const Verb &verb : kVerbs)
+    for (const Verb &verb : allVerbs())
         fmt::format_to(std::back_inserter(text), "   {:<36} {}\n", fmt::format("{} {}", verb.name, verb.usage),
                        verb.help);
     return text + "\nDISK is an identifier (disk2, disk2s1), a device node or a link to one, a mount point or a "
@@ -128,8 +106,9 @@ int runDiskutil(Context &context, Arguments arguments)
         return kDone;
     }
     const std::string_view name = asksForHelp ? arguments[1] : arguments[0];
-    const auto verb = std::ranges::find(kVerbs, name, &Verb::name);
-    if (verb == kVerbs.end()) {
+    const std::vector<Verb> verbs = allVerbs();
+    const auto verb = std::ranges::find(verbs, name, &Verb::name);
+    if (verb == verbs.end()) {
         context.err += fmt::format("diskutil: did not recognize verb \"{}\"; type \"diskutil --help\" for a list\n",
                                    printable(name));
         return kWrongUsage;
@@ -138,7 +117,10 @@ int runDiskutil(Context &context, Arguments arguments)
         context.out += usageOf(*verb);
         return kDone;
     }
-    return verb->run(context, *verb, arguments.subspan(1));
+    const int status = verb->run(context, *verb, arguments.subspan(1));
+    if (status == kWrongUsage)
+        context.err += usageOf(*verb);
+    return status;
 }
 
 } // namespace brindle::tools

@@ -1,8 +1,13 @@
 #include "machine/FileIo.h"
 
+#include "machine/MachineFileError.h"
+
+#include <fmt/format.h>
+
 #include <array>
 #include <cerrno>
 #include <system_error>
+#include <thread>
 #include <utility>
 
 #include <fcntl.h>
@@ -16,6 +21,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr mode_t kNewFileMode = 0644;
+constexpr std::chrono::milliseconds kLockInterval{5};
 
 [[noreturn]] void fail(const fs::path &path)
 {
@@ -75,6 +81,19 @@ private:
     int m_descriptor;
 };
 
+void waitForLock(int descriptor, const fs::path &folder, std::chrono::milliseconds patience)
+{
+    const auto end = std::chrono::steady_clock::now() + patience;
+    while (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
+        if (errno != EWOULDBLOCK && errno != EINTR)
+            fail(folder);
+        if (std::chrono::steady_clock::now() >= end)
+            throw MachineFileError(fmt::format(
+                "{}: another program is changing this machine and doesn't come to an end", folder.string()));
+        std::this_thread::sleep_for(kLockInterval);
+    }
+}
+
 mode_t modeOf(const fs::path &path)
 {
     struct stat status {};
@@ -83,14 +102,16 @@ mode_t modeOf(const fs::path &path)
 
 } // namespace
 
-FolderLock::FolderLock(const fs::path &folder)
+FolderLock::FolderLock(const fs::path &folder, std::chrono::milliseconds patience)
     : m_descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
 {
     if (m_descriptor < 0)
         fail(folder);
-    while (::flock(m_descriptor, LOCK_EX) != 0) {
-        if (errno != EINTR)
-            fail(folder);
+    try {
+        waitForLock(m_descriptor, folder, patience);
+    } catch (...) {
+        ::close(m_descriptor);
+        throw;
     }
 }
 
@@ -106,20 +127,22 @@ std::string readWholeFile(const fs::path &path)
 
 void replaceFile(const fs::path &path, std::string_view text)
 {
-    fs::path temporary = path;
+    const fs::path target = fs::weakly_canonical(path);
+    fs::path temporary = target;
     temporary += ".new";
+    ::unlink(temporary.c_str()); // of a write that was cut short
+    const Descriptor file(temporary, O_WRONLY | O_CREAT | O_EXCL, kNewFileMode);
     try {
-        const Descriptor file(temporary, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW, kNewFileMode);
-        file.setMode(modeOf(path));
+        file.setMode(modeOf(target));
         file.write(text);
         file.sync();
-        if (::rename(temporary.c_str(), path.c_str()) != 0)
-            fail(path);
+        if (::rename(temporary.c_str(), target.c_str()) != 0)
+            fail(target);
     } catch (const std::system_error &) {
         ::unlink(temporary.c_str());
         throw;
     }
-    Descriptor(path.parent_path(), O_RDONLY | O_DIRECTORY).sync();
+    Descriptor(target.parent_path(), O_RDONLY | O_DIRECTORY).sync();
 }
 
 } // namespace brindle::tools

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cstdint>
 #include <iterator>
 #include <set>
@@ -77,6 +78,7 @@ public:
         Level &level = m_levels.back();
         level.key = key;
         level.keyLine = m_line;
+        level.isAwaited = true;
         if (!level.keys.insert(key).second)
             throw JsonSyntaxError(m_line, fmt::format("{}: the key stands twice", path()));
         return true;
@@ -84,7 +86,8 @@ public:
 
     bool parse_error(std::size_t, const std::string &token, const Json::exception &)
     {
-        const std::string place = m_levels.empty() ? std::string() : path() + ": ";
+        const std::string at = placeOfError();
+        const std::string place = at.empty() ? at : at + ": ";
         throw JsonSyntaxError(m_line, fmt::format("{}not JSON at \"{}\"", place, token.substr(0, kLongestToken)));
     }
 
@@ -92,6 +95,7 @@ private:
     struct Level {
         std::string path;
         bool isArray = false;
+        bool isAwaited = false; ///< The key's value hasn't been read yet.
         std::size_t index = 0;
         std::string key;
         std::size_t keyLine = 0;
@@ -108,12 +112,23 @@ private:
         return level.path.empty() ? level.key : fmt::format("{}.{}", level.path, level.key);
     }
 
+    /// The key whose value isn't JSON or, where none is awaited, the list or object that doesn't go on as it should.
+    [[nodiscard]] std::string placeOfError() const
+    {
+        if (m_levels.empty() || m_levels.back().isAwaited)
+            return path();
+        return m_levels.back().path;
+    }
+
     // The parser has read one character beyond a number, so a scalar in an object stands where its key does.
     void note() { m_lines[path()] = m_levels.empty() || m_levels.back().isArray ? m_line : m_levels.back().keyLine; }
 
     void next()
     {
-        if (!m_levels.empty() && m_levels.back().isArray)
+        if (m_levels.empty())
+            return;
+        m_levels.back().isAwaited = false;
+        if (m_levels.back().isArray)
             ++m_levels.back().index;
     }
 
@@ -148,10 +163,21 @@ private:
     std::vector<Level> m_levels;
 };
 
+/// The parser would take a NUL byte for the end of the text.
+void requireNoNul(std::string_view text)
+{
+    const std::size_t at = text.find('\0');
+    if (at == std::string_view::npos)
+        return;
+    const auto newlines = std::ranges::count(text.substr(0, at), '\n');
+    throw JsonSyntaxError(static_cast<std::size_t>(newlines) + 1, "not JSON at a NUL byte");
+}
+
 } // namespace
 
 JsonPositions::JsonPositions(std::string_view text)
 {
+    requireNoNul(text);
     std::size_t line = 1;
     Noter noter(line, m_lines);
     const CountingIterator begin(text.data(), &line);

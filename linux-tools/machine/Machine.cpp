@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <set>
 #include <utility>
 
@@ -17,6 +18,7 @@ namespace {
 using namespace std::string_view_literals;
 
 constexpr std::uint64_t kFormat = 1;
+constexpr std::uint64_t kLargestNextDisk = std::numeric_limits<std::uint32_t>::max();
 constexpr std::size_t kLongestFileName = 255;
 
 constexpr std::array kSmartNames{
@@ -50,6 +52,10 @@ public:
             root.refuse("format", fmt::format("must be {}", kFormat));
         m_machine.password = root.text("password");
         m_machine.nextDisk = root.number("nextDisk");
+        if (m_machine.nextDisk > kLargestNextDisk)
+            root.refuse("nextDisk", fmt::format("must be at most {}", kLargestNextDisk));
+        if (!root.object("hardware")) // read by those alone who tell of it
+            root.refuse("hardware", "the key is missing");
         for (const JsonObject &disk : root.objects("disks"))
             m_machine.inventory.disks.push_back(readDisk(disk, &m_machine.inventory.containers));
         for (const JsonObject &mount : root.objectsIfPresent("mounts"))

@@ -9,15 +9,12 @@
 
 #include <system_error>
 
-#include <sys/auxv.h>
-
 namespace brindle::tools {
 namespace {
 
 namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 
-constexpr std::string_view kFileName = "machine.json";
 constexpr int kIndent = 2;
 
 /// Does \a work; what the system refuses becomes a MachineFileError. A filesystem_error is a system_error.
@@ -42,7 +39,7 @@ MachineFile::MachineFile(const fs::path &root) : m_root(fs::absolute(root).lexic
 
 fs::path MachineFile::path() const
 {
-    return m_root / kFileName;
+    return m_root / kMachineFileName;
 }
 
 Machine MachineFile::read() const
@@ -65,13 +62,13 @@ void MachineFile::change(const std::function<void(Json &, const Machine &)> &edi
         const std::string text = readText();
         const Json original = parse(text);
         const Machine before = describe(original, text);
+        m_folders.settle(before);
         Json json = original;
         edit(json, before);
         if (json == original)
             return;
         const std::string changed = written(json);
         const Machine after = describe(json, changed);
-        m_folders.settle(before);
         m_folders.detach(before, after);
         write(changed, before);
         m_folders.attach(before, after);
@@ -84,17 +81,6 @@ void MachineFile::settle() const
         const FolderLock lock(m_root);
         m_folders.settle(read());
     });
-}
-
-std::optional<fs::path> MachineFile::findRoot(const fs::path &programPath)
-{
-    const fs::path folder = fs::absolute(programPath).parent_path();
-    for (const fs::path &root : {folder.parent_path(), folder.parent_path().parent_path()}) {
-        std::error_code error;
-        if (fs::is_regular_file(root / kFileName, error))
-            return root;
-    }
-    return std::nullopt;
 }
 
 std::string MachineFile::readText() const
@@ -131,12 +117,6 @@ void MachineFile::write(std::string_view text, const Machine &before) const
         m_folders.settle(before);
         throw;
     }
-}
-
-fs::path programPath()
-{
-    const auto *const path = reinterpret_cast<const char *>(::getauxval(AT_EXECFN)); // NOLINT: the kernel's pointer
-    return path ? fs::path(path) : fs::path();
 }
 
 } // namespace brindle::tools

@@ -13,6 +13,8 @@
 
 namespace brindle::tools {
 
+inline constexpr std::string_view kMachineFileName = "machine.json";
+
 /// The description of a simulated machine, ROOT/machine.json, with the folders beside it.
 ///
 /// The format is told in docs/machine-file.md. Whatever can't be read or written is a MachineFileError.
@@ -30,16 +32,18 @@ public:
     [[nodiscard]] std::string hardware() const;
 
     /// One change: \a edit gets the file's JSON and the machine that it describes, and alters the JSON. Others that
-    /// change the file wait meanwhile. The file is replaced in one step and the folders follow; where \a edit throws
-    /// or its result is no machine, nothing has changed.
+    /// change the file wait meanwhile. What a change left that was cut short is finished first. The file is replaced in
+    /// one step and the folders follow; where \a edit throws or its result is no machine, nothing has changed.
     void change(const std::function<void(nlohmann::ordered_json &, const Machine &)> &edit) const;
 
     /// A machine whose folders lie where its file says, as after a copy.
     void settle() const;
 
     /// The root of the machine file that a program called by \a programPath belongs to: the folder that holds
-    /// machine.json, one or two levels above the program's ("ROOT/bin/df", "ROOT/usr/sbin/diskutil"). Links are not
-    /// followed, for the programs are links in it. `nullopt` when there is none.
+    /// machine.json, one or two levels above the program's ("ROOT/bin/df", "ROOT/usr/sbin/diskutil"). The path's links
+    /// are followed one after the other, for the programs are links in ROOT themselves, and the first that has a
+    /// machine file above it counts. `nullopt` when there is none: the program belongs to the real machine. A path that
+    /// doesn't tell, such as a descriptor's, is a MachineFileError.
     [[nodiscard]] static std::optional<std::filesystem::path> findRoot(const std::filesystem::path &programPath);
 
 private:

@@ -22,6 +22,8 @@ constexpr std::array kMountable{"vfat"sv, "exfat"sv, "ntfs"sv, "hfs"sv, "hfsplus
 constexpr std::string_view kEfiType = "EFI";
 constexpr std::string_view kUnsupported = "Perhaps the operation is not supported (kDAReturnUnsupported)";
 constexpr std::string_view kNotPermitted = "Perhaps the operation is not appropriate (kDAReturnNotPermitted)";
+constexpr std::string_view kNotPrivileged =
+    "Perhaps the operation is not allowed by the invoking user (kDAReturnNotPrivileged)";
 constexpr std::string_view kTryDisk = "If it has a partitioning scheme, use \"diskutil mountDisk\"";
 constexpr std::string_view kTryReadOnly =
     "If you think the volume is supported but damaged, try the \"readOnly\" option";
@@ -111,7 +113,7 @@ std::optional<Dissenter> dissenterOf(const Machine &machine, const Mount &mount,
 std::string dissent(const Dissenter &dissenter)
 {
     return fmt::format("dissented by PID {} ({})\nDissenter parent PPID 1 (/sbin/launchd)", dissenter.pid,
-                       dissenter.program);
+                       printable(dissenter.program));
 }
 
 /// What uses a part of \a device and is not a mount; empty for nothing.
@@ -119,7 +121,7 @@ std::string holderOn(const Machine &machine, const Device &device)
 {
     const auto holder = [&](const std::string &identifier) -> std::string {
         const std::string &name = machine.carriers.at(identifier).holder;
-        return name.empty() ? name : fmt::format("{} is in use by {}", identifier, name);
+        return name.empty() ? name : fmt::format("{} is in use by {}", identifier, printable(name));
     };
     if (device.partition)
         return holder(device.partition->identifier);
@@ -129,23 +131,40 @@ std::string holderOn(const Machine &machine, const Device &device)
     return found;
 }
 
-/// Takes all mounts on \a device out before it is erased, or says why it must not be erased.
-void unmountToErase(Json &json, const Machine &machine, const Device &device)
+/// Takes all mounts on \a device out before it is erased and gives them, or says why it must not be erased.
+std::vector<Mount> unmountToErase(Json &json, const Machine &machine, const Device &device)
 {
     const std::string holder = holderOn(machine, device);
     if (!holder.empty())
         throw ActionError(fmt::format("{}\n{}", holder, kCantUnmount));
-    for (const Mount &mount : mountsOn(machine, device)) {
+    std::vector<Mount> mounts = mountsOn(machine, device);
+    for (const Mount &mount : mounts) {
         if (dissenterOf(machine, mount, false))
             throw ActionError(std::string(kCantUnmount));
         removeMount(json, mount.carrier);
     }
+    return mounts;
 }
 
 void requireWritable(const Device &device)
 {
     if (device.disk->isReadOnly)
         throw ActionError(fmt::format("{} is read-only", device.disk->identifier));
+}
+
+/// An EFI partition keeps its type, and an APFS container needs its own.
+void requireVolumeFor(const Format &format, const Device &device, const std::string &argument)
+{
+    if (isWholeWithTable(device) || (device.container && !device.apfsVolume))
+        throw ActionError(fmt::format("{} is not a volume: use eraseDisk for a whole disk", argument));
+    if (isEfi(device) && format.fileSystem == "apfs")
+        throw ActionError(fmt::format("{} is an EFI partition, which can't be erased to APFS", argument));
+}
+
+/// Whether only root changes what is on the device: an EFI partition, or a disk that isn't made to be taken out.
+bool needsPrivilege(const Device &device)
+{
+    return isEfi(device) || !(device.disk->isExternal || device.disk->isRemovable);
 }
 
 std::string typeFor(const Device &device, const Format &format)
@@ -182,22 +201,17 @@ MachineFileActor::MachineFileActor(const MachineFile &file, bool isPrivileged)
 
 std::string MachineFileActor::mount(const Target &target)
 {
-    return mountVolume(target.identifier(), target.argument);
-}
-
-std::string MachineFileActor::mountVolume(const std::string &identifier, const std::string &argument)
-{
     std::string name;
     m_file.change([&](Json &json, const Machine &machine) {
-        const Device device = locate(machine, identifier, argument);
+        const Device device = locate(machine, target.identifier(), target.argument);
         name = nameOf(device);
         if (device.mount)
             return;
         if (!isMountable(device))
-            throw mountFailure(argument, kUnsupported, device);
+            throw mountFailure(target.argument, kUnsupported, device);
         if (isEfi(device) && !m_isPrivileged)
-            throw mountFailure(argument, kNotPermitted, device);
-        addMount(json, identifier, m_file.folders().freeMountPoint(machine, name));
+            throw mountFailure(target.argument, kNotPermitted, device);
+        addMount(json, target.identifier(), m_file.folders().freeMountPoint(machine, name));
     });
     return name;
 }
@@ -210,6 +224,10 @@ std::string MachineFileActor::unmount(const Target &target, bool isForced)
         name = nameOf(device);
         if (!device.mount)
             return;
+        requirePrivilege(device, [&] {
+            return fmt::format("Volume {} on {} failed to unmount\n{}", printable(name), target.argument,
+                               kNotPrivileged);
+        });
         if (const auto dissenter = dissenterOf(machine, *device.mount, isForced))
             throw ActionError(fmt::format("Volume {} on {} failed to unmount: {}", printable(name), target.argument,
                                           dissent(*dissenter)));
@@ -226,6 +244,8 @@ std::string MachineFileActor::rename(const Target &target, std::string_view name
         const std::string fileSystem = fileSystemOf(device);
         if (!isMountable(device) && !fileSystem.starts_with("ext"))
             throw ActionError(fmt::format("Volume on {} failed to rename\n{}", target.argument, kUnsupported));
+        requirePrivilege(
+            device, [&] { return fmt::format("Volume on {} failed to rename\n{}", target.argument, kNotPrivileged); });
         requireWritable(device);
         label = fittedLabel(name, fileSystem);
         setName(*findObject(json, target.identifier()), label);
@@ -256,20 +276,18 @@ void MachineFileActor::eject(const Target &target)
 Erased MachineFileActor::eraseVolume(const Target &target, const Format &format, std::string_view name)
 {
     Erased erased;
-    bool isToBeMounted = false;
     m_file.change([&](Json &json, const Machine &machine) {
         const Device device = locate(machine, target.identifier(), target.argument);
-        if (isWholeWithTable(device) || (device.container && !device.apfsVolume))
-            throw ActionError(fmt::format("{} is not a volume: use eraseDisk for a whole disk", target.argument));
-        requirePrivilegeToErase(device);
-        requireWritable(device);
-        unmountToErase(json, machine, device);
+        requireVolumeFor(format, device, target.argument);
+        requireErasable(device);
+        const std::vector<Mount> ended = unmountToErase(json, machine, device);
         erased.label = fittedLabel(name, format.fileSystem);
-        isToBeMounted = device.mount || !isEfi(device);
         erased.identifier = eraseOne(json, device, format, erased.label);
+        erased.sizeBytes = device.partition ? device.partition->sizeBytes : device.disk->sizeBytes;
+        erased.isMounted = device.mount || !isEfi(device);
+        if (erased.isMounted)
+            addMount(json, erased.identifier, m_file.folders().freeMountPoint(machine, erased.label, ended));
     });
-    if (isToBeMounted)
-        mountVolume(erased.identifier, erased.identifier);
     return erased;
 }
 
@@ -280,23 +298,30 @@ Erased MachineFileActor::eraseDisk(const Target &target, const Format &format, s
         const Device device = locate(machine, target.identifier(), target.argument);
         if (device.partition || device.container)
             throw ActionError(fmt::format("{} is not a whole disk: use eraseVolume", target.argument));
-        requirePrivilegeToErase(device);
-        requireWritable(device);
+        requireErasable(device);
         if (device.disk->sizeBytes < kSmallestDiskBytes)
             throw ActionError(fmt::format("{} is too small for an EFI partition and a volume", target.argument));
-        unmountToErase(json, machine, device);
+        const std::vector<Mount> ended = unmountToErase(json, machine, device);
         erased.label = fittedLabel(name, format.fileSystem);
         Json &partition = makeTable(*findObject(json, device.disk->identifier), format);
+        erased.sizeBytes = partition.at("sizeBytes").get<std::uint64_t>();
+        erased.isMounted = true;
         erased.identifier = tools::format(json, partition, format, erased.label);
+        addMount(json, erased.identifier, m_file.folders().freeMountPoint(machine, erased.label, ended));
     });
-    mountVolume(erased.identifier, erased.identifier);
     return erased;
 }
 
-void MachineFileActor::requirePrivilegeToErase(const Device &device) const
+void MachineFileActor::requireErasable(const Device &device) const
 {
-    if (!m_isPrivileged && (isEfi(device) || !device.disk->isExternal))
-        throw ActionError(std::string(kCantOpen));
+    requirePrivilege(device, [] { return std::string(kCantOpen); });
+    requireWritable(device);
+}
+
+void MachineFileActor::requirePrivilege(const Device &device, const std::function<std::string()> &refusal) const
+{
+    if (!m_isPrivileged && needsPrivilege(device))
+        throw ActionError(refusal());
 }
 
 bool hasSimulatedPrivilege()

@@ -3,14 +3,17 @@
 #include "acting/Actor.h"
 #include "machine/MachineFile.h"
 
+#include <functional>
+#include <string>
+
 namespace brindle::tools {
 
 /// Acts on the machine that a machine file describes, with the refusals and messages of a real one. A file that can't
 /// be read or written is a MachineFileError.
 class MachineFileActor : public Actor {
 public:
-    /// \a isPrivileged: as root, which mounting an EFI partition and erasing one or an internal disk need. The file
-    /// outlives the actor.
+    /// \a isPrivileged: as root, which all actions on an EFI partition need, and unmounting, renaming and erasing on a
+    /// disk that isn't made to be taken out; ejecting doesn't. The file outlives the actor.
     MachineFileActor(const MachineFile &file, bool isPrivileged);
 
     std::string mount(const Target &target) override;
@@ -21,8 +24,8 @@ public:
     Erased eraseDisk(const Target &target, const Format &format, std::string_view name) override;
 
 private:
-    std::string mountVolume(const std::string &identifier, const std::string &argument);
-    void requirePrivilegeToErase(const Device &device) const;
+    void requireErasable(const Device &device) const;
+    void requirePrivilege(const Device &device, const std::function<std::string()> &refusal) const;
 
     const MachineFile &m_file;
     bool m_isPrivileged;

@@ -25,7 +25,7 @@ fs::path shippedDemo()
 void printDisks(const std::string &root)
 {
     for (const PluggedDisk &disk : pluggedDisks(MachineFile(root)))
-        fmt::print("{:<4}{:<8}{}\n", disk.isIn ? "in" : "out", disk.identifier, disk.mediaName);
+        fmt::print("{:<4}{:<8}{}\n", disk.isIn ? "in" : "out", disk.identifier, printable(disk.mediaName));
 }
 
 struct Options {

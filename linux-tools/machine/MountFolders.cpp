@@ -16,10 +16,17 @@ constexpr std::string_view kContents = "contents";
 constexpr std::uint64_t kClusterBytes = 4096;
 constexpr std::size_t kLongestName = 240; // room for a number within the 255 bytes of a file name
 
-bool isMountedAlike(const Machine &machine, const Mount &mount)
+bool contains(const std::vector<Mount> &mounts, const std::string &mountPoint)
 {
-    return std::ranges::any_of(machine.inventory.mounts, [&](const Mount &other) {
-        return other.carrier == mount.carrier && other.mountPoint == mount.mountPoint;
+    return std::ranges::find(mounts, mountPoint, &Mount::mountPoint) != mounts.end();
+}
+
+/// Whether \a mount of \a before goes on in \a after with the same files.
+bool goesOn(const Mount &mount, const Machine &before, const Machine &after)
+{
+    return std::ranges::any_of(after.inventory.mounts, [&](const Mount &other) {
+        return other.carrier == mount.carrier && other.mountPoint == mount.mountPoint &&
+               before.carriers.at(mount.carrier).content == after.carriers.at(mount.carrier).content;
     });
 }
 
@@ -79,7 +86,7 @@ void MountFolders::settle(const Machine &machine) const
 void MountFolders::detach(const Machine &before, const Machine &after) const
 {
     for (const Mount &mount : before.inventory.mounts) {
-        if (!isSystemMount(mount) && !isMountedAlike(after, mount))
+        if (!isSystemMount(mount) && !goesOn(mount, before, after))
             move(m_root / mount.mountPoint, home(before, mount.carrier));
     }
 }
@@ -94,12 +101,12 @@ void MountFolders::attach(const Machine &before, const Machine &after) const
     settle(after);
 }
 
-std::string MountFolders::freeMountPoint(const Machine &machine, std::string_view name) const
+std::string MountFolders::freeMountPoint(const Machine &machine, std::string_view name,
+                                         const std::vector<Mount> &ending) const
 {
     const auto isTaken = [&](const std::string &mountPoint) {
-        const auto &mounts = machine.inventory.mounts;
-        return std::ranges::find(mounts, mountPoint, &Mount::mountPoint) != mounts.end() ||
-               fs::exists(fs::symlink_status(m_root / mountPoint));
+        return !contains(ending, mountPoint) &&
+               (contains(machine.inventory.mounts, mountPoint) || fs::exists(fs::symlink_status(m_root / mountPoint)));
     };
     const std::string first = "Volumes/" + folderName(name);
     std::string mountPoint = first;

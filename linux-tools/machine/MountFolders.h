@@ -28,8 +28,10 @@ public:
     /// once the file is written.
     void attach(const Machine &before, const Machine &after) const;
 
-    /// "Volumes/NAME" for a volume \a name, with a number behind it where that is taken in \a machine or on the disk.
-    [[nodiscard]] std::string freeMountPoint(const Machine &machine, std::string_view name) const;
+    /// "Volumes/NAME" for a volume \a name, with a number behind it where that is taken in \a machine or on the disk,
+    /// and not by one of the mounts \a ending.
+    [[nodiscard]] std::string freeMountPoint(const Machine &machine, std::string_view name,
+                                             const std::vector<Mount> &ending = {}) const;
 
     /// Where the files of \a carrier are now.
     [[nodiscard]] std::filesystem::path filesOf(const Machine &machine, const std::string &carrier) const;

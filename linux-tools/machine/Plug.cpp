@@ -1,13 +1,16 @@
 #include "machine/Plug.h"
 
 #include "acting/Actor.h"
+#include "machine/FileIo.h"
 #include "machine/MachineEdit.h"
+#include "text/Words.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <ranges>
+#include <system_error>
 
 namespace brindle::tools {
 namespace {
@@ -24,23 +27,58 @@ const Disk &findDisk(const std::vector<Disk> &disks, const std::string &name, st
     const auto isNamed = [&](const Disk &disk) { return disk.mediaName == name; };
     const auto count = std::ranges::count_if(disks, isNamed);
     if (count == 0)
-        throw ActionError(fmt::format("There is no disk {} {}", name, where));
+        throw ActionError(fmt::format("There is no disk {} {}", printable(name), where));
     if (count > 1)
-        throw ActionError(fmt::format("{} is the name of {} disks: use an identifier", name, count));
+        throw ActionError(fmt::format("{} is the name of {} disks: use an identifier", printable(name), count));
     return *std::ranges::find_if(disks, isNamed);
 }
 
-void copyEntry(const fs::directory_entry &entry, const fs::path &to)
+bool liesIn(const fs::path &path, const fs::path &folder)
 {
-    if (entry.is_symlink())
-        fs::create_symlink(fs::weakly_canonical(entry.path().parent_path() / fs::read_symlink(entry.path())), to);
-    else if (entry.is_directory())
+    return std::mismatch(folder.begin(), folder.end(), path.begin(), path.end()).first == folder.end();
+}
+
+/// Where the copy of \a link, which lies in the machine \a from, leads: within the machine to the same place of the
+/// copy, and beyond it to the same file.
+fs::path copiedTarget(const fs::path &link, const fs::path &from)
+{
+    const fs::path folder = link.parent_path();
+    const fs::path target = (folder / fs::read_symlink(link)).lexically_normal();
+    return liesIn(target, from) ? target.lexically_relative(folder) : target;
+}
+
+/// Copies a file, folder or link. The machine file is copied also where it is a link: no two machines share one.
+void copyEntry(const fs::directory_entry &entry, const fs::path &from, const fs::path &to)
+{
+    if (entry.is_symlink() && entry.path() != from / kMachineFileName) {
+        fs::create_symlink(copiedTarget(entry.path(), from), to);
+        return;
+    }
+    if (entry.is_directory())
         fs::create_directory(to);
-    else
+    else if (entry.is_regular_file())
         fs::copy_file(entry.path(), to);
+    else
+        return; // A pipe or a socket is no file of a volume.
     // What is installed for all may be read-only; a copy is there to be changed.
-    if (!entry.is_symlink())
-        fs::permissions(to, fs::perms::owner_write, fs::perm_options::add);
+    fs::permissions(to, fs::perms::owner_write, fs::perm_options::add);
+}
+
+/// Fills the folder \a to. Where that fails, nothing of the copy is left.
+void fillCopy(const fs::path &from, const fs::path &to)
+{
+    const bool isNew = fs::create_directories(to);
+    try {
+        for (const fs::directory_entry &entry : fs::recursive_directory_iterator(from))
+            copyEntry(entry, from, to / entry.path().lexically_relative(from));
+        MachineFile(to).settle();
+    } catch (...) {
+        for (const fs::directory_entry &entry : fs::directory_iterator(to))
+            fs::remove_all(entry);
+        if (isNew)
+            fs::remove(to);
+        throw;
+    }
 }
 
 } // namespace
@@ -84,15 +122,18 @@ void plugOut(const MachineFile &file, const std::string &name)
 void copyMachine(const fs::path &from, const fs::path &to)
 {
     try {
-        if (fs::exists(to) && !fs::is_empty(to))
+        const fs::path source = fs::canonical(from);
+        const fs::path copy = fs::weakly_canonical(fs::absolute(to));
+        if (liesIn(copy, source))
+            throw MachineFileError(fmt::format("{} lies in the machine that is to be copied", to.string()));
+        if (fs::exists(copy) && !fs::is_empty(copy))
             throw MachineFileError(fmt::format("{} is there already", to.string()));
-        fs::create_directories(to);
-        for (const fs::directory_entry &entry : fs::recursive_directory_iterator(from))
-            copyEntry(entry, to / entry.path().lexically_relative(from));
-    } catch (const fs::filesystem_error &error) {
+        const FolderLock lock(source);
+        (void)MachineFile(source).read();
+        fillCopy(source, copy);
+    } catch (const std::system_error &error) {
         throw MachineFileError(error.what());
     }
-    MachineFile(to).settle();
 }
 
 } // namespace brindle::tools

@@ -24,8 +24,9 @@ std::string plugIn(const MachineFile &file, const std::string &name);
 /// Pulls a disk out as it is, mounted or in use. Throws ActionError, for the disk that the system runs from too.
 void plugOut(const MachineFile &file, const std::string &name);
 
-/// Copies a machine, ROOT with all that it holds, to \a to, which must be missing or empty. Links to its tools lead to
-/// the same programs from the new place. Throws MachineFileError.
+/// Copies a machine, ROOT with all files, folders and links that it holds, to \a to, which must be missing or empty and
+/// lie outside. Links to its tools lead to the same programs from the new place, links within it to the copy. Tools
+/// that change the machine wait meanwhile. Throws MachineFileError, and nothing is left of the copy.
 void copyMachine(const std::filesystem::path &from, const std::filesystem::path &to);
 
 } // namespace brindle::tools

@@ -43,6 +43,10 @@ std::optional<SudoRequest> readSudoRequest(std::span<const char *const> argument
     std::size_t index = 0;
     for (; index < arguments.size() && *arguments[index] == '-'; ++index) {
         const std::string_view option = arguments[index];
+        if (option == "--") {
+            ++index;
+            break;
+        }
         if (option == "-S")
             request.readsStandardInput = true;
         else if (option == "-v")

@@ -10,7 +10,7 @@
 
 namespace brindle::tools {
 
-/// What the simulated sudo was asked for: `sudo -S -v`, or `sudo -S [-k] COMMAND ARGUMENTS...`.
+/// What the simulated sudo was asked for: `sudo -S -v`, or `sudo -S [-k] [--] COMMAND ARGUMENTS...`.
 struct SudoRequest {
     bool readsStandardInput = false; ///< -S
     bool onlyProves = false;         ///< -v

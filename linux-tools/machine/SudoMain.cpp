@@ -4,6 +4,7 @@
 #include "machine/MachineFile.h"
 #include "machine/MachineFileActor.h"
 #include "machine/Sudo.h"
+#include "text/Words.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -30,7 +31,7 @@ int become(const std::filesystem::path &root, const SudoRequest &request)
     arguments.push_back(nullptr);
     ::setenv(kPrivilegeVariable, "1", 1);
     ::execvp(program.c_str(), arguments.data());
-    std::fprintf(stderr, "sudo: %s: command not found\n", request.command.front().c_str());
+    std::fprintf(stderr, "sudo: %s: command not found\n", printable(request.command.front()).c_str());
     return kRefused;
 }
 
@@ -38,7 +39,7 @@ int run(std::span<const char *const> arguments)
 {
     const auto request = readSudoRequest(arguments);
     if (!request) {
-        std::fputs("usage: sudo -S -v\nusage: sudo -S [-k] command [arg ...]\n", stderr);
+        std::fputs("usage: sudo -S -v\nusage: sudo -S [-k] [--] command [arg ...]\n", stderr);
         return kRefused;
     }
     const auto root = MachineFile::findRoot(programPath());
@@ -65,7 +66,7 @@ int main(int argc, char *argv[])
     try {
         return run({argv + 1, static_cast<std::size_t>(std::max(argc - 1, 0))});
     } catch (const std::exception &error) {
-        std::fprintf(stderr, "sudo: %s\n", error.what());
+        std::fprintf(stderr, "sudo: %s\n", printable(error.what()).c_str());
         return kRefused;
     }
 }

@@ -1,7 +1,11 @@
 #include "acting/ActingVerbs.h"
 
+#include "acting/Actor.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace brindle::tools {
 namespace {
@@ -72,7 +76,8 @@ class ActingVerbs : public testing::Test {
 protected:
     int run(std::vector<std::string_view> words)
     {
-        return runActingVerb(context, words.front(), Arguments(words).subspan(1));
+        const auto verb = std::ranges::find(actingVerbs(), words.front(), &Verb::name);
+        return verb->run(context, *verb, Arguments(words).subspan(1));
     }
 
     SampleSource source;

@@ -174,6 +174,13 @@ TEST_F(CommandTest, DiskutilSaysThatItCannotActYet)
     EXPECT_TRUE(m_source.scopes.empty());
 }
 
+TEST_F(CommandTest, DiskutilTellsTheUsageBeforeItSaysThatItCannotAct)
+{
+    EXPECT_EQ(run(runDiskutil, {"eraseDisk"}), 2);
+
+    EXPECT_THAT(m_context.err, StartsWith("Usage:  diskutil eraseDisk FORMAT NAME [GPT] DISK\n"));
+}
+
 TEST_F(CommandTest, DfTellsTheSpaceInOneReading)
 {
     EXPECT_EQ(run(runDf, {"-k"}), 0);

@@ -115,6 +115,23 @@ TEST_F(Demo, ShowsCloverOnceTheInternalPartitionIsMounted)
     EXPECT_TRUE(fs::exists(root / "Volumes/EFI/EFI/CLOVER/CLOVERX64.efi"));
 }
 
+TEST_F(Demo, IsABelievablePc)
+{
+    const std::string profiler = (root / "usr/sbin/system_profiler").string();
+
+    const Outcome hardware = runProgram({profiler, "SPHardwareDataType"});
+    const Outcome memory = runProgram({profiler, "SPMemoryDataType"});
+    const Outcome displays = runProgram({profiler, "SPDisplaysDataType"});
+
+    for (const char *const label : {"Model Name: ", "Model Identifier: ", "Processor Name: ", "Processor Speed: ",
+                                    "Total Number of Cores: 8\n", "Memory: 32 GB\n", "Serial Number (system): "})
+        EXPECT_THAT(hardware.output, testing::HasSubstr(label)) << hardware.errors;
+    for (const char *const label : {"Size: 16 GB\n", "Type: DDR4\n", "Speed: 2667 MHz\n", "Part Number: "})
+        EXPECT_THAT(memory.output, testing::HasSubstr(label)) << memory.errors;
+    for (const char *const label : {"Chipset Model: ", "VRAM (Total): 8 GB\n", "Displays:\n", "Resolution: "})
+        EXPECT_THAT(displays.output, testing::HasSubstr(label)) << displays.errors;
+}
+
 TEST_F(Demo, HasADiskToPlugIn)
 {
     EXPECT_EQ(plugIn(MachineFile(root), "Kingston DataTraveler 3.0"), "disk8");

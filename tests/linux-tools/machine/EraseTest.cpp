@@ -5,6 +5,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
+#include <functional>
+
+#include <sys/inotify.h>
+#include <unistd.h>
+
 namespace brindle::tools {
 namespace {
 
@@ -35,6 +41,62 @@ TEST(Erase, KeepsTypeAndUuidOfAnEfiPartition)
     EXPECT_EQ(after.sizeBytes, before.sizeBytes);
     EXPECT_EQ(after.volume->name, "EFI");
     EXPECT_NE(after.volume->uuid, before.volume->uuid);
+}
+
+/// How often the machine file is replaced while \a work runs. The way from is watched too, for events that are alike
+/// are told as one.
+int replacementsDuring(const TestMachine &machine, const std::function<void()> &work)
+{
+    const int watch = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    EXPECT_GE(::inotify_add_watch(watch, machine.root().c_str(), IN_MOVED_FROM | IN_MOVED_TO), 0);
+    work();
+    int count = 0;
+    alignas(inotify_event) std::array<char, 4096> events{};
+    for (ssize_t length = 0; (length = ::read(watch, events.data(), events.size())) > 0;) {
+        for (ssize_t at = 0; at < length; ++count)
+            at += static_cast<ssize_t>(sizeof(inotify_event)) +
+                  reinterpret_cast<const inotify_event *>(events.data() + at)->len; // NOLINT: inotify's own way
+    }
+    ::close(watch);
+    return count / 2;
+}
+
+TEST(Erase, ChangesTheMachineFileOnce)
+{
+    const TestMachine machine;
+
+    const int volume = replacementsDuring(machine, [&] {
+        EXPECT_EQ(machine.diskutil({"eraseVolume", "ExFAT", "DATA", "disk2s2"}).status, 0);
+    });
+    const int disk = replacementsDuring(machine, [&] {
+        EXPECT_EQ(machine.diskutil({"eraseDisk", "APFS", "DATA", "disk2"}).status, 0);
+    });
+
+    EXPECT_EQ(volume, 1);
+    EXPECT_EQ(disk, 1);
+    EXPECT_EQ(machine.mountPointOf("disk5s1"), "Volumes/DATA");
+}
+
+TEST(Erase, TellsTheStepsOfAVolume)
+{
+    const TestMachine machine;
+
+    const Outcome mounted = machine.diskutil({"eraseVolume", "JHFS+", "Mac", "disk2s2"});
+    const Outcome unmounted = machine.diskutil({"eraseVolume", "FAT32", "EFI", "disk2s1"});
+
+    EXPECT_EQ(mounted.output,
+              "Started erase on disk2s2\n"
+              "Unmounting disk\n"
+              "Erasing\n"
+              "Initialized /dev/rdisk2s2 as a 15 GB case-insensitive HFS Plus volume with a 8192k journal\n"
+              "Mounting disk\n"
+              "Finished erase on disk2s2 Mac\n");
+    EXPECT_EQ(unmounted.output, "Started erase on disk2s1\n"
+                                "Unmounting disk\n"
+                                "Erasing\n"
+                                "512 bytes per physical sector\n"
+                                "/dev/rdisk2s1: 403266 sectors in 403266 FAT32 clusters (512 bytes/cluster)\n"
+                                "Finished erase on disk2s1 EFI\n");
 }
 
 TEST(Erase, RemovesTheFiles)
@@ -145,6 +207,9 @@ TEST(Erase, GivesAWholeDiskAnEfiPartitionAndAVolume)
                               "Creating the partition map\n"
                               "Waiting for partitions to activate\n"
                               "Formatting disk2s2 as MS-DOS (FAT32) with name UDISK\n"
+                              "512 bytes per physical sector\n"
+                              "/dev/rdisk2s2: 30804560 sectors in 1925285 FAT32 clusters (8192 bytes/cluster)\n"
+                              "Mounting disk\n"
                               "Finished erase on disk2\n");
     const Partition efi = partitionOf(machine, "disk2s1");
     EXPECT_EQ(efi.type, "EFI");
@@ -221,6 +286,7 @@ INSTANTIATE_TEST_SUITE_P(
         RefusedCase{"AContainerAsAVolume", {"eraseVolume", "APFS", "X", "disk1"}, true, "disk1 is not a volume"},
         RefusedCase{"APartitionAsADisk", {"eraseDisk", "FAT32", "X", "disk2s1"}, true, "disk2s1 is not a whole disk"},
         RefusedCase{"AnApfsVolumeToFat", {"eraseVolume", "FAT32", "X", "disk1s3"}, true, "to APFS alone"},
+        RefusedCase{"AnEfiPartitionToApfs", {"eraseVolume", "APFS", "X", "disk2s1"}, true, "EFI partition"},
         RefusedCase{"AnEfiPartitionWithoutRoot", {"eraseVolume", "FAT32", "X", "disk2s1"}, false, kCantOpen},
         RefusedCase{"AnInternalDiskWithoutRoot", {"eraseDisk", "FAT32", "X", "disk0"}, false, kCantOpen},
         RefusedCase{

@@ -133,6 +133,86 @@ TEST(MachineFileActor, MountsNoEfiPartitionWithoutRoot)
     EXPECT_EQ(machine.text(), sampleMachineText());
 }
 
+struct PrivilegeCase {
+    const char *name;
+    std::vector<std::string> arguments;
+    const char *error;
+};
+
+class NeedsRoot : public testing::TestWithParam<PrivilegeCase> {};
+
+TEST_P(NeedsRoot, ForEfiPartitionsAndInternalDisks)
+{
+    const TestMachine machine;
+    ASSERT_EQ(machine.diskutil({"mount", "disk2s1"}).status, 0);
+    ASSERT_EQ(machine.diskutil({"mount", "disk1s3"}).status, 0);
+    const std::string text = machine.text();
+
+    const Outcome refused = machine.diskutil(GetParam().arguments, false);
+    const std::string afterwards = machine.text();
+    const Outcome done = machine.diskutil(GetParam().arguments, true);
+
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(refused.errors,
+              std::string(GetParam().error) +
+                  "\nPerhaps the operation is not allowed by the invoking user (kDAReturnNotPrivileged)\n");
+    EXPECT_EQ(afterwards, text);
+    EXPECT_EQ(done.status, 0) << done.errors;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    MachineFileActor, NeedsRoot,
+    testing::Values(
+        PrivilegeCase{
+            "ToUnmountAnEfiPartition", {"unmount", "disk2s1"}, "Volume OPENCORE on disk2s1 failed to unmount"},
+        PrivilegeCase{
+            "ToForceAnEfiPartition", {"unmount", "force", "disk2s1"}, "Volume OPENCORE on disk2s1 failed to unmount"},
+        PrivilegeCase{"ToRenameAnEfiPartition", {"rename", "disk2s1", "X"}, "Volume on disk2s1 failed to rename"},
+        PrivilegeCase{"ToUnmountAnInternalVolume", {"unmount", "disk1s3"}, "Volume Spare on disk1s3 failed to unmount"},
+        PrivilegeCase{"ToRenameAnInternalVolume", {"rename", "disk1s3", "X"}, "Volume on disk1s3 failed to rename"}),
+    [](const auto &info) { return std::string(info.param.name); });
+
+TEST(MachineFileActor, NeedsNoRootForWhatIsUnmountedAlready)
+{
+    const TestMachine machine;
+
+    EXPECT_EQ(machine.diskutil({"unmount", "disk2s1"}, false).status, 0);
+}
+
+TEST(MachineFileActor, NeedsNoRootForACardInABuiltInReader)
+{
+    const TestMachine machine;
+    auto json = machine.json();
+    json["disks"][1]["isExternal"] = false;
+    machine.write(json.dump());
+
+    EXPECT_EQ(machine.diskutil({"rename", "disk2s2", "NEW"}, false).status, 0);
+    EXPECT_EQ(machine.diskutil({"unmount", "disk2s2"}, false).status, 0);
+}
+
+TEST(MachineFileActor, EjectsADiskWithAMountedEfiPartitionWithoutRoot)
+{
+    const TestMachine machine;
+    ASSERT_EQ(machine.diskutil({"mount", "disk2s1"}).status, 0);
+
+    const Outcome outcome = machine.diskutil({"eject", "disk2"}, false);
+
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    EXPECT_EQ(machine.json()["disks"].size(), 2U);
+}
+
+TEST(MachineFileActor, PrintsNoRawBytesOfWhatKeepsAVolumeBusy)
+{
+    const TestMachine machine;
+    auto json = machine.json();
+    json["mounts"][2]["dissenter"] = {{"pid", 7}, {"program", "/bin/\x1B[2J"}};
+    json["disks"][2]["partitions"][1]["holder"] = "\x1B[2J";
+    machine.write(json.dump());
+
+    EXPECT_THAT(machine.diskutil({"unmount", "disk2s2"}).errors, testing::HasSubstr("PID 7 (/bin/\uFFFD[2J)"));
+    EXPECT_THAT(machine.diskutil({"eject", "disk3"}).errors, testing::HasSubstr("in use by \uFFFD[2J"));
+}
+
 TEST(MachineFileActor, MountsAnOrdinaryVolumeWithoutRoot)
 {
     const TestMachine machine;

@@ -2,6 +2,8 @@
 
 #include "TestMachine.h"
 
+#include "machine/FileIo.h"
+
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -127,6 +129,11 @@ INSTANTIATE_TEST_SUITE_P(
         FaultCase{"OddHexadecimalDigits", "00ff41", "00ff4", "nvram[1].valueHex: must be pairs of hexadecimal digits"},
         FaultCase{"NoJsonInTheMiddle", R"("mediaName": "Stick",)", R"("mediaName": Stick,)",
                   R"(disks[1].mediaName: not JSON at ""mediaName": S")"},
+        FaultCase{"MissingHardware", R"("hardware":)", R"("software":)", "hardware: the key is missing", "{"},
+        FaultCase{"HardwareThatIsNoObject", R"("hardware": {"model": "iMac19,1"})", R"("hardware": 7)",
+                  "hardware: must be an object"},
+        FaultCase{"NextDiskBeyondAllNumbers", R"("nextDisk": 5)", R"("nextDisk": 18446744073709551615)",
+                  "nextDisk: must be at most 4294967295"},
         FaultCase{"LaterFormat", R"("format": 1)", R"("format": 2)", "format: must be 1"}),
     [](const auto &info) { return std::string(info.param.name); });
 
@@ -135,7 +142,34 @@ TEST(MachineFile, SaysWhereTheTextEndsTooEarly)
     const TestMachine machine;
     machine.write("{\n  \"format\": 1,\n  \"password\": \"x\"\n");
 
-    EXPECT_THAT(errorOf(machine.file()), HasSubstr("machine.json:4: password: not JSON at "));
+    EXPECT_THAT(errorOf(machine.file()), HasSubstr("machine.json:4: not JSON at "));
+}
+
+TEST(MachineFile, NamesTheListThatDoesNotGoOnAsItShould)
+{
+    const TestMachine machine;
+
+    machine.write("{\"disks\": [{\"a\": 1},\n]}");
+    const std::string inList = errorOf(machine.file());
+    machine.write("{\"disks\": [{\"a\": 1\n\"b\": 2}]}");
+    const std::string inObject = errorOf(machine.file());
+
+    EXPECT_THAT(inList, HasSubstr("machine.json:2: disks: not JSON at "));
+    EXPECT_THAT(inObject, HasSubstr("machine.json:2: disks[0]: not JSON at "));
+}
+
+TEST(MachineFile, SaysThatAnotherProgramChangesTheMachineForTooLong)
+{
+    const TestMachine machine;
+    const FolderLock other(machine.root());
+
+    try {
+        const FolderLock second(machine.root(), std::chrono::milliseconds(0));
+        FAIL() << "two locks at a time";
+    } catch (const MachineFileError &error) {
+        EXPECT_EQ(error.what(),
+                  machine.root().string() + ": another program is changing this machine and doesn't come to an end");
+    }
 }
 
 TEST(MachineFile, RefusesATextThatIsNestedTooDeeply)
@@ -144,6 +178,38 @@ TEST(MachineFile, RefusesATextThatIsNestedTooDeeply)
     machine.write(R"({"format": 1, "x": )" + std::string(100'000, '[') + std::string(100'000, ']') + '}');
 
     EXPECT_THAT(errorOf(machine.file()), EndsWith("nested too deeply"));
+}
+
+TEST(MachineFile, RefusesWhatStandsBehindTheMachine)
+{
+    const TestMachine machine;
+
+    const std::string text = sampleMachineText();
+    machine.write(text + "x");
+    const std::string afterText = errorOf(machine.file());
+    machine.write(text + '\0' + "x");
+    const std::string afterNul = errorOf(machine.file());
+    machine.write(std::string("{\n\0}", 4));
+    const std::string withinText = errorOf(machine.file());
+
+    const auto lines = std::ranges::count(text, '\n');
+    EXPECT_THAT(afterText, HasSubstr(fmt::format("machine.json:{}: not JSON at ", lines + 1)));
+    EXPECT_THAT(afterNul, EndsWith(": not JSON at a NUL byte"));
+    EXPECT_THAT(withinText, EndsWith("machine.json:2: not JSON at a NUL byte"));
+}
+
+TEST(MachineFile, PrintsNoRawBytesInAnError)
+{
+    const TestMachine machine;
+
+    machine.write(R"({"\u001b[2J": 1, "\u001b[2J": 2})");
+    const std::string ofKey = errorOf(machine.file());
+    machine.write("{\"a\": \x1B[2J\xFF}");
+    const std::string ofText = errorOf(machine.file());
+
+    EXPECT_THAT(ofKey, EndsWith(": \uFFFD[2J: the key stands twice"));
+    EXPECT_THAT(ofText, testing::Not(HasSubstr("\x1B")));
+    EXPECT_THAT(ofText, testing::Not(HasSubstr("\xFF")));
 }
 
 TEST(MachineFile, RefusesAListInThePlaceOfTheMachine)
@@ -224,13 +290,34 @@ TEST(MachineFile, IsAsItWasWhenTheSpaceEndsWhileItIsWritten)
     EXPECT_FALSE(machine.hasFile("machine.json.new"));
 }
 
-TEST(MachineFile, IsFoundByThePathOfAToolThatIsALink)
+TEST(MachineFile, WritesToNoFileThatALeftoverOfAWriteLeadsTo)
 {
     const TestMachine machine;
+    machine.writeFile("other/hard", "kept");
+    std::filesystem::create_hard_link(machine.root() / "other/hard", machine.root() / "machine.json.new");
 
-    EXPECT_EQ(MachineFile::findRoot(machine.root() / "usr/sbin/diskutil"), machine.root());
-    EXPECT_EQ(MachineFile::findRoot(machine.root() / "bin/df"), machine.root());
-    EXPECT_EQ(MachineFile::findRoot(machine.root() / "a/b/c/tool"), std::nullopt);
+    ASSERT_EQ(machine.diskutil({"rename", "disk2s2", "HARD"}).status, 0);
+    const bool isLinked = std::filesystem::hard_link_count(machine.root() / "other/hard") > 1;
+    std::filesystem::create_symlink("other/hard", machine.root() / "machine.json.new");
+    ASSERT_EQ(machine.diskutil({"rename", "disk2s2", "SOFT"}).status, 0);
+
+    EXPECT_FALSE(isLinked);
+    EXPECT_EQ(readWholeFile(machine.root() / "other/hard"), "kept");
+    EXPECT_EQ(machine.labelOf("disk2s2"), "SOFT");
+}
+
+TEST(MachineFile, StaysALinkWhereItIsOne)
+{
+    const TestMachine machine;
+    std::filesystem::create_directory(machine.root() / "kept");
+    std::filesystem::rename(machine.root() / "machine.json", machine.root() / "kept/real.json");
+    std::filesystem::create_symlink("kept/real.json", machine.root() / "machine.json");
+
+    ASSERT_EQ(machine.diskutil({"rename", "disk2s2", "NEW"}).status, 0);
+
+    EXPECT_TRUE(std::filesystem::is_symlink(machine.root() / "machine.json"));
+    EXPECT_EQ(machine.labelOf("disk2s2"), "NEW");
+    EXPECT_FALSE(machine.hasFile("kept/real.json.new"));
 }
 
 TEST(MachineFile, FinishesAMountThatWasCutShort)
@@ -242,6 +329,16 @@ TEST(MachineFile, FinishesAMountThatWasCutShort)
 
     EXPECT_TRUE(machine.hasFile("Volumes/DATA/file"));
     EXPECT_FALSE(machine.hasFile("contents/22222222-0000-4000-8000-000000000002"));
+}
+
+TEST(MachineFile, FinishesAMountThatWasCutShortAlsoWhereNothingElseIsToDo)
+{
+    const TestMachine machine;
+    machine.writeFile("contents/22222222-0000-4000-8000-000000000002/file", "x"); // written as mounted, not yet moved
+
+    ASSERT_EQ(machine.diskutil({"mount", "disk2s2"}).status, 0);
+
+    EXPECT_TRUE(machine.hasFile("Volumes/DATA/file"));
 }
 
 TEST(MachineFile, MakesTheFolderOfAMountThatHasNone)

@@ -21,6 +21,7 @@ void writeManyVolumes(const TestMachine &machine)
     for (int number = 1; number <= 2 * kRenames; ++number) {
         auto partition = first;
         partition["identifier"] = fmt::format("disk2s{}", number);
+        partition["type"] = "Microsoft Basic Data"; // which needs no root
         partition["uuid"] = fmt::format("UUID-{}", number);
         partitions.push_back(partition);
     }

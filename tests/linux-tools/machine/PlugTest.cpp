@@ -3,9 +3,16 @@
 #include "TestMachine.h"
 
 #include "acting/Actor.h"
+#include "machine/FileIo.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <chrono>
+#include <future>
+#include <optional>
+
+#include <sys/stat.h>
 
 namespace brindle::tools {
 namespace {
@@ -106,17 +113,115 @@ TEST(Plug, RefusesAMediaNameOfTwoDisks)
 TEST(Plug, CopiesAMachineWithLinksToTheSameTools)
 {
     const TestMachine machine;
-    machine.writeFile("tools/diskutil", "tool");
-    machine.install("usr/sbin/diskutil", "../../tools/diskutil");
+    const TestMachine place;
+    place.writeFile("tools/diskutil", "tool");
+    const fs::path way = fs::relative(place.root() / "tools/diskutil", machine.root() / "usr/sbin");
+    machine.install("usr/sbin/diskutil", way.string());
     machine.writeFile("contents/22222222-0000-4000-8000-000000000002/file", "x");
+    const fs::path copy = place.root() / "copy";
+
+    copyMachine(machine.root(), copy);
+
+    EXPECT_EQ(fs::read_symlink(copy / "usr/sbin/diskutil"), fs::canonical(place.root() / "tools/diskutil"));
+    EXPECT_TRUE(fs::exists(copy / "Volumes/DATA/file")); // mounted, so moved there
+    EXPECT_EQ(MachineFile(copy).read().inventory.disks.size(), 3U);
+}
+
+TEST(Plug, CopiesLinksWithinAMachineToLeadToTheCopy)
+{
+    const TestMachine machine;
+    machine.writeFile("contents/x/folder/file", "x");
+    fs::create_symlink("folder/file", machine.root() / "contents/x/relative");
+    fs::create_symlink(machine.root() / "contents/x/folder", machine.root() / "contents/x/absolute");
     const TestMachine place;
     const fs::path copy = place.root() / "copy";
 
     copyMachine(machine.root(), copy);
 
-    EXPECT_EQ(fs::read_symlink(copy / "usr/sbin/diskutil"), fs::canonical(machine.root() / "tools/diskutil"));
-    EXPECT_TRUE(fs::exists(copy / "Volumes/DATA/file")); // mounted, so moved there
-    EXPECT_EQ(MachineFile(copy).read().inventory.disks.size(), 3U);
+    EXPECT_EQ(fs::canonical(copy / "contents/x/relative"), fs::canonical(copy / "contents/x/folder/file"));
+    EXPECT_EQ(fs::canonical(copy / "contents/x/absolute"), fs::canonical(copy / "contents/x/folder"));
+}
+
+TEST(Plug, CopiesAMachineFileThatIsALinkToAFileOfItsOwn)
+{
+    const TestMachine machine;
+    const TestMachine place;
+    fs::rename(machine.root() / "machine.json", place.root() / "elsewhere.json");
+    fs::create_symlink(place.root() / "elsewhere.json", machine.root() / "machine.json");
+
+    copyMachine(machine.root(), place.root() / "copy");
+
+    EXPECT_FALSE(fs::is_symlink(place.root() / "copy/machine.json"));
+    EXPECT_EQ(MachineFile(place.root() / "copy").read().inventory.disks.size(), 3U);
+}
+
+TEST(Plug, LeavesOutOfACopyWhatIsNoFile)
+{
+    const TestMachine machine;
+    machine.writeFile("contents/x/file", "x");
+    ASSERT_EQ(::mkfifo((machine.root() / "contents/x/pipe").c_str(), 0600), 0);
+    const TestMachine place;
+
+    copyMachine(machine.root(), place.root() / "copy");
+
+    EXPECT_TRUE(fs::exists(place.root() / "copy/contents/x/file"));
+    EXPECT_FALSE(fs::exists(place.root() / "copy/contents/x/pipe"));
+}
+
+TEST(Plug, CopiesNoMachineIntoItself)
+{
+    const TestMachine machine;
+    fs::create_directory(machine.root() / "x");
+    fs::create_symlink("x", machine.root() / "link");
+
+    EXPECT_THROW(copyMachine(machine.root(), machine.root() / "x/copy"), MachineFileError);
+    EXPECT_THROW(copyMachine(machine.root(), machine.root() / "link/copy"), MachineFileError);
+    EXPECT_THROW(copyMachine(machine.root() / ".", machine.root() / "x"), MachineFileError);
+
+    EXPECT_TRUE(fs::is_empty(machine.root() / "x"));
+}
+
+TEST(Plug, CopiesNothingThatIsNoMachine)
+{
+    const TestMachine machine;
+    machine.write("{}");
+    const TestMachine place;
+
+    EXPECT_THROW(copyMachine(machine.root(), place.root() / "copy"), MachineFileError);
+    EXPECT_THROW(copyMachine(machine.root() / "gone", place.root() / "copy"), MachineFileError);
+
+    EXPECT_FALSE(fs::exists(place.root() / "copy"));
+}
+
+TEST(Plug, LeavesNothingOfACopyThatFails)
+{
+    const TestMachine machine;
+    machine.writeFile("Volumes", "a file where the mount points should be");
+    const TestMachine place;
+    fs::create_directory(place.root() / "empty");
+
+    EXPECT_THROW(copyMachine(machine.root(), place.root() / "copy"), MachineFileError);
+    EXPECT_THROW(copyMachine(machine.root(), place.root() / "empty"), MachineFileError);
+
+    EXPECT_FALSE(fs::exists(place.root() / "copy"));
+    EXPECT_TRUE(fs::is_empty(place.root() / "empty"));
+}
+
+TEST(Plug, CopiesNoMachineThatIsBeingChanged)
+{
+    const TestMachine machine;
+    const TestMachine place;
+    auto lock = std::make_optional<FolderLock>(machine.root());
+
+    auto copied = std::async(std::launch::async, copyMachine, machine.root(), place.root() / "copy");
+    const auto state = copied.wait_for(std::chrono::milliseconds(300));
+    const bool isBegun = fs::exists(place.root() / "copy");
+    lock.reset();
+    copied.get();
+
+    EXPECT_EQ(state, std::future_status::timeout);
+    EXPECT_FALSE(isBegun);
+    EXPECT_TRUE(fs::exists(place.root() / "copy/machine.json"));
 }
 
 TEST(Plug, CopiesReadOnlyFilesToBeWritten)
@@ -165,6 +270,32 @@ TEST(MachineCommand, SaysWhatItCannotDo)
 
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.errors, "brindle-machine: There is no disk disk9 on the shelf\n");
+}
+
+TEST(MachineCommand, PrintsNoRawBytesOfANameOnTheTerminal)
+{
+    const TestMachine machine;
+    auto json = machine.json();
+    json["disks"][1]["mediaName"] = "\x1B[2J";
+    machine.write(json.dump());
+
+    const Outcome list = runProgram({MACHINE_TOOL, "list", machine.root().string()});
+    const Outcome in = runProgram({MACHINE_TOOL, "in", machine.root().string(), "\x1B[2J"});
+
+    EXPECT_THAT(list.output, testing::HasSubstr("in  disk2   \uFFFD[2J\n"));
+    EXPECT_EQ(in.errors, "brindle-machine: There is no disk \uFFFD[2J on the shelf\n");
+}
+
+TEST(Plug, NamesNoDiskByANumberBeyondTheLast)
+{
+    const TestMachine machine;
+    auto json = machine.json();
+    json["nextDisk"] = 4294967295U;
+    machine.write(json.dump());
+
+    EXPECT_THROW((void)plugIn(machine.file(), "disk4"), MachineFileError);
+
+    EXPECT_EQ(machine.text(), json.dump());
 }
 
 TEST(MachineCommand, EndsWithTwoForAWrongUsage)

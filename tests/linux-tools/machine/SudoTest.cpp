@@ -128,6 +128,21 @@ TEST_F(Sudo, HandsArgumentsOnAsTheyAre)
     EXPECT_EQ(outcome.output, "Volume on disk2s2 renamed to -S a; b\n");
 }
 
+TEST_F(Sudo, TakesWhatStandsBehindTwoHyphensForTheCommand)
+{
+    const Outcome outcome = sudo({"-S", "-k", "--", "/usr/sbin/diskutil", "mount", "disk2s1"}, "secret\n");
+
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    EXPECT_EQ(outcome.output, "Volume OPENCORE on disk2s1 mounted\n");
+}
+
+TEST_F(Sudo, PrintsNoRawBytesOfACommand)
+{
+    const Outcome outcome = sudo({"-S", "-k", "/no/\x1B[2J"}, "secret\n");
+
+    EXPECT_EQ(outcome.errors, "Password:sudo: /no/\uFFFD[2J: command not found\n");
+}
+
 TEST_F(Sudo, NamesACommandThatIsMissing)
 {
     const Outcome outcome = sudo({"-S", "-k", "/no/such/tool"}, "secret\n");
