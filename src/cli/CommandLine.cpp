@@ -10,6 +10,7 @@
 #include "cli/InfoCommand.h"
 #include "cli/ListCommand.h"
 #include "cli/RowsCommand.h"
+#include "cli/SettingsCommand.h"
 #include "cli/SystemCommand.h"
 #include "cli/WatchCommand.h"
 
@@ -106,6 +107,7 @@ int runCommandLine(int argc, char **argv)
     addIconStateCommand(app, options, command);
     addSystemCommand(app, options, command);
     addWatchCommand(app, options, command);
+    addSettingsCommand(app, options, command);
     addCompletionCommand(app, command);
 
     try {
