@@ -3,8 +3,8 @@
 /// The keys of the user defaults: all settings and the small persistent state, in one flat store.
 ///
 /// Several processes share the store: the application, the one that it starts again in the other launch mode, and the
-/// command line. They call no function of one another; this list, with the names and the types of its values, is the
-/// whole contract between them, and no line of it ever changes its meaning.
+/// command line. A key, once released, keeps its name and the type of its values: older stores hold them, and no value
+/// is ever migrated. The types and what stands in for a missing value are in records/Preferences.h.
 namespace brindle::DefaultsKeys {
 
 // Bool, except where a line says otherwise.

@@ -10,15 +10,20 @@
 #include "cli/InfoCommand.h"
 #include "cli/ListCommand.h"
 #include "cli/RowsCommand.h"
+#include "cli/SettingsCommand.h"
 #include "cli/SystemCommand.h"
 #include "cli/WatchCommand.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace brindle {
 
@@ -33,6 +38,25 @@ void logVisibly(std::string_view line)
 void tellError(std::string_view description)
 {
     fmt::print(stderr, "brindlectl: {}\n", visibleLines(description));
+}
+
+/// The arguments in the order that CLI11 wants, the last one first. It takes the argument behind "--expand=" for the
+/// missing value, but knows an empty one that stands alone.
+std::vector<std::string> argumentsOf(int argc, char **argv)
+{
+    std::vector<std::string> arguments;
+    bool mayBeOption = true;
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view argument = argv[i];
+        mayBeOption = mayBeOption && argument != "--";
+        const bool hasEmptyValue =
+            mayBeOption && argument.starts_with("--") && argument.find('=') + 1 == argument.size();
+        arguments.emplace_back(hasEmptyValue ? argument.substr(0, argument.size() - 1) : argument);
+        if (hasEmptyValue)
+            arguments.emplace_back();
+    }
+    std::reverse(arguments.begin(), arguments.end());
+    return arguments;
 }
 
 /// Runs \a command and tells why it failed; output that can't be written is a failure too.
@@ -83,10 +107,11 @@ int runCommandLine(int argc, char **argv)
     addIconStateCommand(app, options, command);
     addSystemCommand(app, options, command);
     addWatchCommand(app, options, command);
+    addSettingsCommand(app, options, command);
     addCompletionCommand(app, command);
 
     try {
-        app.parse(argc, argv);
+        app.parse(argumentsOf(argc, argv));
     } catch (const CLI::ParseError &error) {
         return static_cast<int>(report(app, error));
     }

@@ -5,6 +5,7 @@
 #include "base/Error.h"
 #include "base/Log.h"
 #include "base/Text.h"
+#include "records/Preferences.h"
 
 #include <fmt/ranges.h>
 
@@ -26,7 +27,7 @@ QCoro::Task<std::vector<std::string>> DiskDetector::listPhysicalDisks(Cancellati
         auto physicalList = m_diskutil.run({"list", "physical"}, token);
         disks = parseDiskIdentifiers(co_await physicalList);
         Log::line("Found {} physical disks: {}", disks.size(), disks);
-        if (m_defaults.objectAs<bool>(DefaultsKeys::kShowDiskImages).value_or(false)) {
+        if (isOn(m_defaults, DefaultsKeys::kShowDiskImages)) {
             auto wholeList = m_diskutil.run({"list"}, token);
             auto images = exposedDiskImages(parseDiskIdentifiers(co_await wholeList), disks, token);
             const std::vector<std::string> found = co_await images;

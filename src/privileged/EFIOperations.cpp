@@ -3,6 +3,7 @@
 #include "base/DefaultsKeys.h"
 #include "base/Text.h"
 #include "detectors/ToolText.h"
+#include "records/Preferences.h"
 
 #include <filesystem>
 #include <optional>
@@ -55,7 +56,7 @@ QCoro::Task<> EFIOperations::mount(std::string identifier, std::string diskName)
         throw;
     }
     m_notifier.mountResult(diskName, true, identifier);
-    if (!m_defaults.objectAs<bool>(DefaultsKeys::kAutoOpenFinderOnMount).value_or(true))
+    if (!isOn(m_defaults, DefaultsKeys::kAutoOpenFinderOnMount))
         co_return;
     try {
         auto opening = openMountPoint(identifier);

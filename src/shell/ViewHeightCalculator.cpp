@@ -1,6 +1,7 @@
 #include "shell/ViewHeightCalculator.h"
 
 #include "base/DefaultsKeys.h"
+#include "records/Preferences.h"
 
 namespace brindle {
 
@@ -45,8 +46,7 @@ double ViewHeightCalculator::contentHeight(std::size_t diskCount, const std::set
 
 double ViewHeightCalculator::rowHeight(const PhysicalDisk &disk) const
 {
-    const bool hasBar =
-        m_defaults.boolForKey(DefaultsKeys::kShowDiskSpaceIndicator) && disk.totalSpaceBytes.value_or(0) > 0;
+    const bool hasBar = isOn(m_defaults, DefaultsKeys::kShowDiskSpaceIndicator) && disk.totalSpaceBytes.value_or(0) > 0;
     return hasBar ? kRowHeightWithBar : kRowHeight;
 }
 

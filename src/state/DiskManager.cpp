@@ -1,6 +1,7 @@
 #include "state/DiskManager.h"
 
 #include "base/DefaultsKeys.h"
+#include "records/Preferences.h"
 
 #include <algorithm>
 #include <utility>
@@ -18,37 +19,21 @@ DiskManager::DiskManager(ToolRunner &tools, const ToolPaths &paths, UserDefaults
       m_efiPartitionReader(tools, paths),
       m_systemInfoDetector(systemInfoDetector)
 {
-    initializePreferences();
+    initializePreferences(m_defaults);
     restorePersistedState();
-}
-
-void DiskManager::initializePreferences()
-{
-    if (m_defaults.boolForKey(DefaultsKeys::kPreferencesInitialized))
-        return;
-    m_defaults.set(DefaultsKeys::kShowInternalDisks, true);
-    m_defaults.set(DefaultsKeys::kShowExternalDisks, true);
-    m_defaults.set(DefaultsKeys::kShowRemovableDisks, true);
-    m_defaults.set(DefaultsKeys::kShowDiskImages, false);
-    m_defaults.set(DefaultsKeys::kShowNotifications, true);
-    m_defaults.set(DefaultsKeys::kAutoOpenFinderOnMount, true);
-    m_defaults.set(DefaultsKeys::kPreferencesInitialized, true);
 }
 
 bool DiskManager::isDiskVisible(const PhysicalDisk &disk) const
 {
-    const auto isWanted = [this](const char *key, bool byDefault) {
-        return m_defaults.objectAs<bool>(key).value_or(byDefault);
-    };
     switch (disk.diskType) {
     case PhysicalDisk::DiskType::physicalInternal:
-        return isWanted(DefaultsKeys::kShowInternalDisks, true);
+        return isOn(m_defaults, DefaultsKeys::kShowInternalDisks);
     case PhysicalDisk::DiskType::physicalExternal:
-        return isWanted(DefaultsKeys::kShowExternalDisks, true);
+        return isOn(m_defaults, DefaultsKeys::kShowExternalDisks);
     case PhysicalDisk::DiskType::removable:
-        return isWanted(DefaultsKeys::kShowRemovableDisks, true);
+        return isOn(m_defaults, DefaultsKeys::kShowRemovableDisks);
     case PhysicalDisk::DiskType::diskImage:
-        return isWanted(DefaultsKeys::kShowDiskImages, false);
+        return isOn(m_defaults, DefaultsKeys::kShowDiskImages);
     }
     return true;
 }

@@ -110,7 +110,6 @@ private:
         bool operator==(const BootloaderInfo &) const = default;
     };
 
-    void initializePreferences();
     void restorePersistedState();
     void restorePersistedDisks();
 

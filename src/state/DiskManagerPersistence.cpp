@@ -3,6 +3,7 @@
 #include "base/DefaultsKeys.h"
 #include "base/Error.h"
 #include "base/Log.h"
+#include "records/Preferences.h"
 #include "records/SerializablePhysicalDisk.h"
 
 #include <cstddef>
@@ -68,7 +69,7 @@ void DiskManager::persistState()
 
 void DiskManager::restorePersistedState()
 {
-    if (m_defaults.boolForKey(DefaultsKeys::kIsModeSwitchRelaunch)) {
+    if (isOn(m_defaults, DefaultsKeys::kIsModeSwitchRelaunch)) {
         Log::line("🔄 Mode switch detected — loading persisted disk state");
         restorePersistedDisks();
         m_defaults.remove(DefaultsKeys::kIsModeSwitchRelaunch);

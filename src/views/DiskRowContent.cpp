@@ -1,6 +1,7 @@
 #include "views/DiskRowContent.h"
 
 #include "base/DefaultsKeys.h"
+#include "records/Preferences.h"
 #include "views/ByteCount.h"
 
 #include <fmt/format.h>
@@ -117,9 +118,8 @@ double SpaceBar::fillWidth(double availableWidth) const
 
 void DiskRowContent::readSettings(const UserDefaults &defaults)
 {
-    const auto isOn = [&](const char *key) { return defaults.objectAs<bool>(key).value_or(false); };
-    showDiskSpaceIndicator = isOn(DefaultsKeys::kShowDiskSpaceIndicator);
-    showSMARTStatus = isOn(DefaultsKeys::kShowSMARTStatus);
+    showDiskSpaceIndicator = isShownOn(defaults, DefaultsKeys::kShowDiskSpaceIndicator);
+    showSMARTStatus = isShownOn(defaults, DefaultsKeys::kShowSMARTStatus);
 }
 
 RowSymbol DiskRowContent::icon() const

@@ -28,6 +28,9 @@ const std::vector<Line> &lines()
         {"completion --", {"--demo", "--help", "--verbose", "--version"}},
         {"completion z", {"zsh"}},
         {"wa", {"watch"}},
+        {"settings s", {"set"}},
+        {"settings get Launch", {"LaunchAtLogin", "LaunchMode"}},
+        {"settings --demo set SUSch", {"SUScheduledCheckInterval"}},
         {"watch --j", {"--json"}},
     };
     return all;

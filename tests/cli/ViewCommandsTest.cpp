@@ -88,6 +88,8 @@ TEST_F(ViewCommands, TellTheHeightWithTheRowsOpenedThatAreNamed)
     EXPECT_EQ(run({"height", "--expand", "disk0"}).output, "315\n");
     EXPECT_EQ(run({"height", "--expand", "disk0,disk2,disk7", "--json"}).output, "{\"height\": 409}\n");
     EXPECT_EQ(run({"height", "--expand", ""}).output, "222\n");
+    EXPECT_EQ(run({"height", "--expand=disk0"}).output, "315\n");
+    EXPECT_EQ(run({"height", "--expand=", "--json"}).output, "{\"height\": 222}\n");
 }
 
 TEST_F(ViewCommands, TellTheHeightWithTheRowsThatWereLeftOpenUnlessOthersAreNamed)
