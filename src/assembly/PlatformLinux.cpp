@@ -14,17 +14,17 @@ namespace brindle {
 
 namespace {
 
-/// The tools that come with the program lie beside its folder: bin/brindlectl, libexec/brindle/usr/sbin/diskutil.
-ToolPaths suppliedTools()
+/// What comes with the program lies beside its folder: bin/brindlectl, libexec/brindle/usr/sbin/diskutil.
+std::string suppliedFolder()
 {
-    return ToolPaths::withSuppliedTools(QCoreApplication::applicationDirPath().toStdString() + "/../libexec/brindle");
+    return QCoreApplication::applicationDirPath().toStdString() + "/../libexec/brindle";
 }
 
 std::unique_ptr<SecretStore> secretStoreFor(const PlatformChanges &changes)
 {
     if (changes.toolRoot)
         return std::make_unique<MemorySecretStore>();
-    return std::make_unique<LinuxSecretStore>();
+    return std::make_unique<LinuxSecretStore>(suppliedFolder() + "/lib/brindle-secret-service.so");
 }
 
 /// The kernel's events say nothing of a simulated machine.
@@ -46,7 +46,8 @@ Platform makePlatform(const PlatformChanges &changes)
             std::make_unique<PlistUserDefaults>(changes.userDefaultsFile.value_or(PlistUserDefaults::defaultPath())),
         .secretStore = secretStoreFor(changes),
         .diskEvents = makeDiskEvents(changes),
-        .toolPaths = changes.toolRoot ? ToolPaths::underRoot(*changes.toolRoot) : suppliedTools(),
+        .toolPaths =
+            changes.toolRoot ? ToolPaths::underRoot(*changes.toolRoot) : ToolPaths::withSuppliedTools(suppliedFolder()),
     };
 }
 
