@@ -16,6 +16,7 @@ public:
     explicit Assembly(Platform platform);
 
     [[nodiscard]] UserDefaults &userDefaults() { return *m_platform.userDefaults; }
+    [[nodiscard]] ToolRunner &toolRunner() { return m_toolRunner; }
     [[nodiscard]] SystemInfoDetector &systemInfoDetector() { return m_systemInfoDetector; }
     [[nodiscard]] DiskManager &diskManager() { return m_diskManager; }
     [[nodiscard]] const ViewHeightCalculator &viewHeightCalculator() const { return m_viewHeightCalculator; }

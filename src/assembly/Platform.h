@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Secret.h"
 #include "platform/ChildProcess.h"
 #include "platform/DiskEvents.h"
 #include "platform/Scheduler.h"
@@ -31,6 +32,8 @@ struct PlatformChanges {
     /// sudo can't be handed a real password.
     std::optional<std::string> toolRoot;
     std::optional<std::filesystem::path> userDefaultsFile;
+    /// The administrator's password: all that the secret store holds then, which ends with the process.
+    std::optional<Secret> password;
 };
 
 /// The running system's platform, but for \a changes.

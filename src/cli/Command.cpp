@@ -13,7 +13,7 @@ ExitStatus onMachine(const GlobalOptions &options, const std::function<ExitStatu
         return run(makePlatform(changesOfEnvironment()));
     std::optional<DemoMachine> demo;
     const Interruption interruption([&] { demo.reset(); });
-    demo.emplace();
+    demo.emplace(options.demoAsksForPassword ? DemoMachine::Password::missing : DemoMachine::Password::stored);
     return run(makePlatform(demo->platformChanges()));
 }
 

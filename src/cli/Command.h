@@ -15,6 +15,7 @@ namespace brindle {
 struct GlobalOptions {
     bool verbose = false;
     bool demo = false;
+    bool demoAsksForPassword = false; ///< The demo machine's password isn't stored.
 };
 
 /// What the command line asks for: set by the callback of the subcommand that was named, run once all was read.

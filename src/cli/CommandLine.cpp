@@ -99,6 +99,17 @@ std::vector<std::string> argumentsOf(int argc, char **argv)
     return arguments;
 }
 
+constexpr std::string_view kAsking = "ask";
+
+/// What stands behind "--demo=": "true" where nothing does.
+CLI::Validator isKindOfDemo()
+{
+    const auto complaint = [](const std::string &kind) {
+        return kind == "true" || kind == kAsking ? std::string() : fmt::format("takes {} or nothing", kAsking);
+    };
+    return {complaint, ""};
+}
+
 /// Runs \a command and tells why it failed; output that can't be written is a failure too.
 ExitStatus run(const Command &command)
 {
@@ -138,7 +149,10 @@ int runCommandLine(int argc, char **argv)
     app.fallthrough();
     app.set_version_flag("--version", "brindlectl " BRINDLE_VERSION, "Print the version and end");
     app.set_help_flag("-h,--help", "Print this help and end");
-    app.add_flag("--demo", options.demo, "Work on a simulated machine, which is gone afterwards");
+    std::string demo;
+    app.add_flag("--demo", demo,
+                 "Work on a simulated machine, which is gone afterwards; with --demo=ask its password isn't stored")
+        ->check(isKindOfDemo());
     app.add_flag("-v,--verbose", options.verbose, "Write the log to standard error");
     addCommands(app, options, command, namedCommand(argc, argv));
 
@@ -147,6 +161,8 @@ int runCommandLine(int argc, char **argv)
     } catch (const CLI::ParseError &error) {
         return static_cast<int>(report(app, error));
     }
+    options.demo = !demo.empty();
+    options.demoAsksForPassword = demo == kAsking;
     Log::setSink(options.verbose ? Log::Sink(logVisibly) : Log::Sink());
     return static_cast<int>(run(command));
 }

@@ -82,6 +82,7 @@ std::unique_ptr<QSocketNotifier> watchForReader(std::function<void()> readerHasG
 void stop(Assembly &assembly)
 {
     assembly.diskEventMonitor().stopMonitoring();
+    assembly.toolRunner().endAll();
     try {
         blockOn(assembly.diskManager().stopScan(), kPatienceAtTheEnd);
     } catch (const Error &error) {

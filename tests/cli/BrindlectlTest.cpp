@@ -170,6 +170,23 @@ TEST_F(Brindlectl, ListsTheDemoMachineAndLeavesNothingOfIt)
     EXPECT_TRUE(machine.calls().empty());
 }
 
+TEST_F(Brindlectl, TakesADemoMachineWhosePasswordIsAskedFor)
+{
+    const Outcome list = run({"list", "--demo=ask", "--json"});
+
+    EXPECT_EQ(list.identifiers(), (std::vector<std::string>{"disk0", "disk3", "disk2", "disk4", "disk5"}));
+    EXPECT_TRUE(machine.calls().empty());
+}
+
+TEST_F(Brindlectl, RefusesADemoMachineOfAnotherKind)
+{
+    const Outcome list = run({"list", "--demo=no"});
+
+    EXPECT_EQ(list.status, 2);
+    EXPECT_THAT(list.error, HasSubstr("--demo: takes ask or nothing"));
+    EXPECT_THAT(list.output, IsEmpty());
+}
+
 TEST_F(Brindlectl, LeavesNothingOfTheDemoMachineWhenItIsInterrupted)
 {
     int interrupted = 0;

@@ -31,6 +31,11 @@ const std::vector<Line> &lines()
         {"settings s", {"set"}},
         {"settings get Launch", {"LaunchAtLogin", "LaunchMode"}},
         {"settings --demo set SUSch", {"SUScheduledCheckInterval"}},
+        {"settings set LaunchMode w", {"window"}},
+        {"settings set ShowDiskImages t", {"true"}},
+        {"settings --demo set ShowDiskImages f", {"false"}},
+        {"settings set ShowDiskImages --de", {"--demo"}},
+        {"settings set SUScheduledCheckInterval --de", {"--demo"}},
         {"watch --j", {"--json"}},
     };
     return all;
