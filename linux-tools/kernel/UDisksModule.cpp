@@ -1,15 +1,16 @@
 #include "kernel/UDisksModule.h"
 
+#include "kernel/Module.h"
+
 #include <cstdlib>
 #include <string_view>
 
-#include <dlfcn.h>
 #include <unistd.h>
 
 namespace brindle::tools {
 namespace {
 
-constexpr const char *kModule = "brindle-udisks.so"; // Found by the program's run path.
+constexpr const char *kModule = "brindle-udisks.so";
 
 /// Whether it may be worth to load the module. A socket that is named by its path is looked for.
 bool isThere(const std::string &busAddress)
@@ -26,8 +27,7 @@ Smart healthFromUDisks(const std::string &busAddress, const std::string &device)
 {
     if (!isThere(busAddress))
         return Smart::notSupported;
-    void *const module = ::dlopen(kModule, RTLD_NOW | RTLD_LOCAL); // Stays: the program ends soon.
-    void *const function = module ? ::dlsym(module, "brindleUDisksHealth") : nullptr;
+    void *const function = moduleFunction(kModule, "brindleUDisksHealth");
     if (!function)
         return Smart::notSupported;
     return static_cast<Smart>(
