@@ -2,6 +2,7 @@
 
 #include "kernel/Module.h"
 
+#include <array>
 #include <cstdlib>
 #include <string_view>
 
@@ -32,6 +33,22 @@ Smart healthFromUDisks(const std::string &busAddress, const std::string &device)
         return Smart::notSupported;
     return static_cast<Smart>(
         reinterpret_cast<decltype(&brindleUDisksHealth)>(function)(busAddress.c_str(), device.c_str()));
+}
+
+std::optional<std::string> ejectThroughUDisks(const std::string &busAddress, const std::string &device,
+                                              const std::vector<std::string> &mounted)
+{
+    void *const function = isThere(busAddress) ? moduleFunction(kModule, "brindleUDisksEject") : nullptr;
+    if (!function)
+        return std::nullopt;
+    std::vector<const char *> names;
+    for (const std::string &name : mounted)
+        names.push_back(name.c_str());
+    std::array<char, 512> refusal{};
+    (void)reinterpret_cast<decltype(&brindleUDisksEject)>(function)(busAddress.c_str(), device.c_str(), names.data(),
+                                                                    static_cast<unsigned>(names.size()), refusal.data(),
+                                                                    static_cast<unsigned>(refusal.size()));
+    return std::string(refusal.data());
 }
 
 std::string systemBusAddress()

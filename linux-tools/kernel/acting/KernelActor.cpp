@@ -5,6 +5,7 @@
 #include "acting/VolumeLabel.h"
 #include "inventory/Identifier.h"
 #include "kernel/DiskQualities.h"
+#include "kernel/UDisksModule.h"
 #include "kernel/acting/DiskUse.h"
 #include "kernel/acting/Dissenters.h"
 #include "kernel/acting/FileSystemPrograms.h"
@@ -66,7 +67,7 @@ void writeFile(const std::string &path, std::string_view text)
 KernelActor::KernelActor(KernelRoots kernel, ActorRoots roots, KernelCalls &calls)
     : m_kernel(std::move(kernel)),
       m_roots(std::move(roots)),
-      m_places(m_roots.media, m_roots.user),
+      m_places(m_roots.media),
       m_calls(calls)
 {
 }
@@ -93,8 +94,8 @@ int KernelActor::tryToMount(const LiveDevice &live, const BlockDevice &device, s
     if (!m_calls.isPrivileged())
         return EPERM;
     const Descriptor held = live.open(device, O_RDONLY, m_calls); // Until it is mounted.
-    const std::string place = m_places.make(label, live, m_calls);
-    const VolumeUser &user = m_places.user();
+    const VolumeUser user = m_roots.user();
+    const std::string place = m_places.make(user, label, live, m_calls);
     const std::string owner = fmt::format("uid={},gid={},umask=077", user.uid, user.gid);
     int error = ENODEV;
     for (const Mountable &mountable : kMountables) {
@@ -192,12 +193,28 @@ void KernelActor::eject(const Target &target)
     const std::string holder = holderOf(live, swaps());
     if (!holder.empty())
         throw ejectFailure(disk, holder);
+    if (!m_calls.isPrivileged()) {
+        ejectAsUser(live, mounts);
+        return;
+    }
     for (const CarriedMount &mount : mounts | std::views::reverse) {
         if (const auto dissenter = findDissenter(m_roots.processes, mount.entry->mountPoint))
             throw ejectDissent(disk, *dissenter);
         endMount(target, mount, false);
     }
     giveOut(live, live.open(live.disk(), O_RDONLY | O_EXCL, m_calls));
+}
+
+void KernelActor::ejectAsUser(const LiveDevice &live, const std::vector<CarriedMount> &mounts) const
+{
+    std::vector<std::string> mounted;
+    for (const CarriedMount &mount : mounts | std::views::reverse) {
+        if (std::ranges::find(mounted, mount.carrier->name) == mounted.end())
+            mounted.push_back(mount.carrier->name);
+    }
+    const auto refusal = ejectThroughUDisks(m_kernel.systemBus, live.disk().name, mounted);
+    if (!refusal || !refusal->empty())
+        throw ejectFailure(live.identifierOf(live.disk()), refusal ? printable(*refusal) : std::string(kNotPrivileged));
 }
 
 void KernelActor::giveOut(const LiveDevice &live, const Descriptor &disk)

@@ -6,6 +6,7 @@
 #include "kernel/acting/MountPlaces.h"
 #include "kernel/acting/Programs.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -18,7 +19,7 @@ struct NewPartition;
 struct ActorRoots {
     std::string media = "/run/media";
     std::string processes = "/proc";
-    VolumeUser user = callingUser();
+    std::function<VolumeUser()> user = callingUser; ///< Asked where a volume is mounted alone: it reads many files.
     Programs programs = Programs();
 };
 
@@ -42,7 +43,8 @@ public:
     /// A volume that is mounted is unmounted for it and mounted again.
     std::string rename(const Target &target, std::string_view name) override;
 
-    /// A disk image loses its file, a removable medium is given out, and another external disk leaves the kernel.
+    /// Who isn't root asks UDisks2, where it runs. A disk image loses its file, a removable medium is given out, and
+    /// another external disk leaves the kernel.
     void eject(const Target &target) override;
 
     Erased eraseVolume(const Target &target, const Format &format, std::string_view name,
@@ -55,6 +57,7 @@ private:
                                  std::string_view label);
     void endMount(const Target &target, const CarriedMount &mount, bool isForced);
     void endMountsToErase(const LiveDevice &live, const Target &target);
+    void ejectAsUser(const LiveDevice &live, const std::vector<CarriedMount> &mounts) const;
     void giveOut(const LiveDevice &live, const Descriptor &disk);
     [[nodiscard]] std::string swaps() const;
 

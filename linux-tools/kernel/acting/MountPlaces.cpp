@@ -84,12 +84,13 @@ VolumeUser callingUser()
     return user;
 }
 
-MountPlaces::MountPlaces(std::string root, VolumeUser user) : m_root(std::move(root)), m_user(std::move(user)) {}
+MountPlaces::MountPlaces(std::string root) : m_root(std::move(root)) {}
 
-std::string MountPlaces::make(std::string_view label, const LiveDevice &live, KernelCalls &calls) const
+std::string MountPlaces::make(const VolumeUser &user, std::string_view label, const LiveDevice &live,
+                              KernelCalls &calls) const
 {
     constexpr int kMost = 1000;
-    const std::string home = m_root + '/' + m_user.name;
+    const std::string home = m_root + '/' + user.name;
     requireOwnFolder(m_root);
     requireOwnFolder(home);
     const std::string first = home + '/' + folderNameOf(label);

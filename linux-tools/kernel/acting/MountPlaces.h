@@ -25,19 +25,17 @@ struct VolumeUser {
 /// a link put in its place could lead the mount elsewhere.
 class MountPlaces {
 public:
-    MountPlaces(std::string root, VolumeUser user); ///< \a root is "/run/media".
+    explicit MountPlaces(std::string root); ///< "/run/media"
 
     /// A folder to mount a volume of this label on. \throws ActionError where there can be none.
-    [[nodiscard]] std::string make(std::string_view label, const LiveDevice &live, KernelCalls &calls) const;
+    [[nodiscard]] std::string make(const VolumeUser &user, std::string_view label, const LiveDevice &live,
+                                   KernelCalls &calls) const;
 
     /// Removes the folder of a volume that was unmounted, if it is one of ours; silent where it can't.
     void drop(const std::string &mountPoint) const;
 
-    [[nodiscard]] const VolumeUser &user() const { return m_user; }
-
 private:
     std::string m_root;
-    VolumeUser m_user;
 };
 
 } // namespace brindle::tools

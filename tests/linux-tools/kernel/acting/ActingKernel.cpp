@@ -170,7 +170,10 @@ Outcome ActingKernel::run(std::vector<std::string_view> words)
     KernelActor actor(m_kernel.roots(),
                       {.media = media(),
                        .processes = m_kernel.root() / "proc",
-                       .user = {1000, 1001, "ann"},
+                       .user =
+                           [] {
+                               return VolumeUser{1000, 1001, "ann"};
+                           },
                        .programs = Programs({m_kernel.root() / "programs"})},
                       *this);
     Context context{.source = inventory, .out = {}, .err = {}, .actor = &actor};

@@ -274,6 +274,20 @@ TEST(KernelActor, GivesARemovableMediumOut)
     EXPECT_THAT(kernel.asked, ElementsAre("ejectMedium"));
 }
 
+TEST(KernelActor, EjectsNothingAsAUserWhereThereIsNoUDisks)
+{
+    ActingKernel kernel;
+    kernel.plugStick();
+    kernel.addMount("8:17", "/mnt/efi");
+    kernel.isRoot = false;
+
+    const Outcome outcome = kernel.run({"eject", "disk7"});
+
+    EXPECT_EQ(outcome.errors, "Ejection of disk7 failed: Perhaps the operation is not allowed by the invoking user "
+                              "(kDAReturnNotPrivileged)\n");
+    EXPECT_THAT(kernel.mountPoints(), ElementsAre("/mnt/efi"));
+}
+
 TEST(KernelActor, EjectsNoDiskOfTheRunningSystem)
 {
     ActingKernel kernel;
