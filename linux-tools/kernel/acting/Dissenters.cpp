@@ -3,6 +3,8 @@
 #include "kernel/Files.h"
 #include "text/LineReading.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 
@@ -55,7 +57,7 @@ std::optional<Dissenter> findDissenter(const std::string &processes, const std::
         if (!pid || !holds(process, mountPoint))
             continue;
         const std::uint64_t parent = parentOf(process);
-        return Dissenter{*pid, programOf(process), parent, programOf(processes + '/' + std::to_string(parent))};
+        return Dissenter{*pid, programOf(process), parent, programOf(fmt::format("{}/{}", processes, parent))};
     }
     return std::nullopt;
 }

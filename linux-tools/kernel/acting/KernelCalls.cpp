@@ -1,5 +1,7 @@
 #include "kernel/acting/KernelCalls.h"
 
+#include "kernel/Files.h"
+
 #include <cerrno>
 
 #include <fcntl.h>
@@ -71,7 +73,11 @@ int KernelCalls::removePartition(int disk, int number)
 
 int KernelCalls::ejectMedium(int disk)
 {
-    return errorOf(::ioctl(disk, CDROMEJECT, 0));
+    if (const int error = errorOf(::ioctl(disk, CDROMEJECT, 0)))
+        return error;
+    // Opened once more the drive is asked whether its medium is out: a stick may only say that it obeyed.
+    const Descriptor again("/proc/self/fd/" + std::to_string(disk), O_RDONLY);
+    return again.isValid() ? EBUSY : 0;
 }
 
 int KernelCalls::detachImage(int disk)

@@ -47,7 +47,7 @@ public:
     [[nodiscard]] virtual int addPartition(int disk, const PartitionExtent &extent);
     [[nodiscard]] virtual int removePartition(int disk, int number);
 
-    /// Asks a SCSI device to give its medium out.
+    /// Has a SCSI device give its medium out; EBUSY where it is still in then.
     [[nodiscard]] virtual int ejectMedium(int disk);
 
     /// Takes the file off a loop device.

@@ -267,7 +267,7 @@ int ActingKernel::ejectMedium(int disk)
 {
     touched.push_back(diskSequence(disk).value_or(0));
     asked.emplace_back("ejectMedium");
-    return 0;
+    return ejectError;
 }
 
 int ActingKernel::detachImage(int)

@@ -77,6 +77,7 @@ public:
     bool knowsSequences = true;
     int mountError = 0;
     int unmountError = 0;
+    int ejectError = 0;
     std::vector<MountCall> mounted;
     std::vector<std::string> detached;
     std::vector<std::string> asked; ///< "removePartition 1", "ejectMedium", …

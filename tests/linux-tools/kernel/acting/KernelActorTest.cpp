@@ -274,6 +274,21 @@ TEST(KernelActor, GivesARemovableMediumOut)
     EXPECT_THAT(kernel.asked, ElementsAre("ejectMedium"));
 }
 
+TEST(KernelActor, LetsAStickGoThatKeepsItsMedium)
+{
+    ActingKernel kernel;
+    kernel.plugStick();
+    kernel.setRemovable("sdb");
+    kernel.ejectError = EBUSY;
+    const std::string path = "pci0000:00/0000:00:14.0/usb1/1-1/1-1:1.0/host2/target2:0:0/sdb/block/sdb";
+    kernel.files().setAttribute(path, "device/delete", "");
+
+    EXPECT_EQ(kernel.run({"eject", "disk7"}).status, 0);
+
+    std::ifstream removal(kernel.files().root() / "sys/devices" / path / "device/delete");
+    EXPECT_EQ(removal.get(), '1');
+}
+
 TEST(KernelActor, EjectsNothingAsAUserWhereThereIsNoUDisks)
 {
     ActingKernel kernel;
