@@ -1,5 +1,6 @@
 #include "acting/ActingVerbs.h"
 
+#include "acting/ActionWords.h"
 #include "acting/Actor.h"
 #include "acting/EraseText.h"
 #include "inventory/Identifier.h"
@@ -10,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <csignal>
+#include <utility>
 
 namespace brindle::tools {
 namespace {
@@ -38,7 +40,7 @@ Target findTarget(const Inventory &inventory, std::string_view argument)
 {
     const auto device = findDevice(inventory, argument);
     if (!device)
-        throw ActionError(fmt::format("Unable to find disk for {}", printable(argument)));
+        throw diskNotFound(argument);
     Target target{printable(argument), *device};
     const int bearers = volumesNamed(inventory, argument);
     if (bearers > 1 && !namesThePlace(inventory, target, argument))
@@ -60,6 +62,13 @@ template <typename... Values>
 void print(Context &context, fmt::format_string<Values...> text, Values &&...values)
 {
     context.out += fmt::format(text, std::forward<Values>(values)...) + '\n';
+}
+
+/// An erase takes long: who waits reads how far it is.
+void tellSoFar(Context &context)
+{
+    if (context.tell)
+        context.tell(std::exchange(context.out, {}));
 }
 
 void mount(Context &context, Arguments arguments)
@@ -105,8 +114,11 @@ void eraseVolume(Context &context, Arguments arguments)
     const Inventory inventory = inventoryFor(context.source, arguments[2]);
     const Target target = findTarget(inventory, arguments[2]);
     print(context, "Started erase on {}\nUnmounting disk", target.identifier());
-    const Erased erased = context.actor->eraseVolume(target, format, arguments[1]);
-    print(context, "Erasing");
+    tellSoFar(context);
+    const Erased erased = context.actor->eraseVolume(target, format, arguments[1], [&](const Erased &) {
+        print(context, "Erasing");
+        tellSoFar(context);
+    });
     printFormatting(context, erased, format);
     print(context, "Finished erase on {} {}", erased.identifier, erased.label);
 }
@@ -120,9 +132,12 @@ void eraseDisk(Context &context, Arguments arguments)
     const Inventory inventory = inventoryFor(context.source, arguments.back());
     const Target target = findTarget(inventory, arguments.back());
     print(context, "Started erase on {}\nUnmounting disk", target.identifier());
-    const Erased erased = context.actor->eraseDisk(target, format, arguments[1]);
-    print(context, "Creating the partition map\nWaiting for partitions to activate");
-    print(context, "Formatting {} as {} with name {}", erased.identifier, format.title, erased.label);
+    tellSoFar(context);
+    const Erased erased = context.actor->eraseDisk(target, format, arguments[1], [&](const Erased &made) {
+        print(context, "Creating the partition map\nWaiting for partitions to activate");
+        print(context, "Formatting {} as {} with name {}", made.identifier, format.title, made.label);
+        tellSoFar(context);
+    });
     printFormatting(context, erased, format);
     print(context, "Finished erase on {}", target.identifier());
 }
