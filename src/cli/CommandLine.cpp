@@ -5,13 +5,18 @@
 #include "base/VisibleText.h"
 #include "cli/Command.h"
 #include "cli/Completions.h"
+#include "cli/EjectCommand.h"
 #include "cli/HeightCommand.h"
 #include "cli/IconStateCommand.h"
 #include "cli/InfoCommand.h"
 #include "cli/ListCommand.h"
+#include "cli/MountCommand.h"
+#include "cli/PasswordCommand.h"
+#include "cli/RenameCommand.h"
 #include "cli/RowsCommand.h"
 #include "cli/SettingsCommand.h"
 #include "cli/SystemCommand.h"
+#include "cli/UnmountCommand.h"
 #include "cli/WatchCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -43,6 +48,11 @@ constexpr CommandEntry kCommands[] = {
     {"icon-state", addIconStateCommand},
     {"system", addSystemCommand},
     {"watch", addWatchCommand},
+    {"mount", addMountCommand},
+    {"unmount", addUnmountCommand},
+    {"rename", addRenameCommand},
+    {"eject", addEjectCommand},
+    {"password", addPasswordCommand},
     {"settings", addSettingsCommand},
 };
 

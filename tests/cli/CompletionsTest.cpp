@@ -37,6 +37,8 @@ const std::vector<Line> &lines()
         {"settings set ShowDiskImages --de", {"--demo"}},
         {"settings set SUScheduledCheckInterval --de", {"--demo"}},
         {"watch --j", {"--json"}},
+        {"mount --p", {"--password-stdin"}},
+        {"password ", {"--demo", "--help", "--verbose", "--version", "remove", "set", "test"}},
     };
     return all;
 }
