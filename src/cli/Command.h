@@ -23,4 +23,7 @@ using Command = std::function<ExitStatus()>;
 /// Runs \a run on this machine; or on a demo machine, which is gone afterwards, also after an interruption.
 ExitStatus onMachine(const GlobalOptions &options, const std::function<ExitStatus(Platform)> &run);
 
+/// Writes out what was set; throws an Error that names the setting \a key where it can't be kept.
+void keepSetting(UserDefaults &defaults, const char *key);
+
 } // namespace brindle

@@ -3,6 +3,7 @@
 #include "base/Error.h"
 #include "base/Log.h"
 #include "base/VisibleText.h"
+#include "cli/AutoMountCommand.h"
 #include "cli/Command.h"
 #include "cli/Completions.h"
 #include "cli/HeightCommand.h"
@@ -106,6 +107,7 @@ int runCommandLine(int argc, char **argv)
     addHeightCommand(app, options, command);
     addIconStateCommand(app, options, command);
     addSystemCommand(app, options, command);
+    addAutoMountCommand(app, options, command);
     addWatchCommand(app, options, command);
     addSettingsCommand(app, options, command);
     addCompletionCommand(app, command);
