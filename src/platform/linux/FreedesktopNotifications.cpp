@@ -47,7 +47,11 @@ std::string escaped(std::string_view text)
 
 } // namespace
 
-FreedesktopNotifications::FreedesktopNotifications(MakeDaemon makeDaemon) : m_makeDaemon(std::move(makeDaemon)) {}
+FreedesktopNotifications::FreedesktopNotifications(MakeDaemon makeDaemon, Offer offer)
+    : m_makeDaemon(std::move(makeDaemon)),
+      m_offer(offer)
+{
+}
 
 void FreedesktopNotifications::requestAuthorization(Options /*options*/, Authorized authorized)
 {
@@ -116,11 +120,12 @@ NotificationDaemon::Message FreedesktopNotifications::messageOf(const UserNotifi
 {
     const auto can = [&](const char *capability) { return std::ranges::count(capabilities, capability) > 0; };
     const std::string body = visibleText(notification.body);
+    const bool offersActions = m_offer == Offer::actions && can("actions");
     const Options options = m_delegate ? m_delegate->willPresent(notification) : kBanner;
     return {
         .summary = visibleText(notification.title),
         .body = can("body-markup") ? escaped(body) : body,
-        .actions = can("actions") ? actionsOf(notification.category) : std::vector<std::string>(),
+        .actions = offersActions ? actionsOf(notification.category) : std::vector<std::string>(),
         .isSilent = (options & kSound) == 0,
     };
 }

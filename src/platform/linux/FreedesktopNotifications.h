@@ -21,7 +21,10 @@ public:
     /// Makes the daemon at the first notification; null where it can't be reached in any way.
     using MakeDaemon = std::function<std::unique_ptr<NotificationDaemon>()>;
 
-    explicit FreedesktopNotifications(MakeDaemon makeDaemon);
+    /// What can be done with a notification; nothing where the process has ended by the time that anybody does it.
+    enum class Offer { actions, nothing };
+
+    explicit FreedesktopNotifications(MakeDaemon makeDaemon, Offer offer = Offer::actions);
 
     void setDelegate(Delegate *delegate) override { m_delegate = delegate; }
     void requestAuthorization(Options options, Authorized authorized) override;
@@ -38,6 +41,7 @@ private:
     void actionInvoked(const NotificationDaemon::Key &key, const std::string &action);
 
     MakeDaemon m_makeDaemon;
+    Offer m_offer;
     std::unique_ptr<NotificationDaemon> m_daemon;
     Delegate *m_delegate = nullptr;
     std::vector<NotificationCategory> m_categories;

@@ -146,6 +146,15 @@ TEST_F(FreedesktopNotificationsTest, OffersNothingToADaemonWithoutActions)
     EXPECT_THAT(message().actions, IsEmpty());
 }
 
+TEST_F(FreedesktopNotificationsTest, OffersNothingWhereTheProcessEndsSoon)
+{
+    FreedesktopNotifications shortLived([this] { return std::move(owned); }, FreedesktopNotifications::Offer::nothing);
+
+    shortLived.add({.identifier = "id", .title = "EFI Mounted", .category = "MOUNT_SUCCESS"}, [](const auto &) {});
+
+    EXPECT_THAT(message().actions, IsEmpty());
+}
+
 TEST_F(FreedesktopNotificationsTest, LeavesTheSoundOutWhereTheDelegateWantsNone)
 {
     delegate.options = UserNotifications::kBanner;
