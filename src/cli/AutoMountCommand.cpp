@@ -4,6 +4,7 @@
 #include "base/BlockOn.h"
 #include "base/DefaultsKeys.h"
 #include "base/VisibleText.h"
+#include "cli/Acting.h"
 #include "cli/DisplayText.h"
 #include "cli/Terminal.h"
 #include "state/AutoMountMarks.h"
@@ -13,8 +14,8 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <cstdio>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -66,27 +67,19 @@ void keep(UserDefaults &defaults, const AutoMountMarks &marks)
     keepSetting(defaults, DefaultsKeys::kAutoMountDiskUUIDs);
 }
 
-ExitStatus complainOfNoDisk(const std::string &disk)
-{
-    fmt::print(stderr, "brindlectl: There is no disk \"{}\"\n", visibleText(disk));
-    return ExitStatus::notFound;
-}
-
-/// Scans for the disk; null where there is none.
-const PhysicalDisk *findDisk(Assembly &assembly, const std::string &identifier)
+/// Scans for the disk.
+std::optional<PhysicalDisk> scannedDisk(Assembly &assembly, const std::string &identifier)
 {
     blockOn(assembly.diskManager().startScan(false));
-    const auto &disks = assembly.diskManager().disks();
-    const auto disk = std::ranges::find(disks, identifier, &PhysicalDisk::identifier);
-    return disk == disks.end() ? nullptr : &*disk;
+    return findDisk(assembly.diskManager(), identifier);
 }
 
 ExitStatus add(Platform platform, const std::string &identifier)
 {
     Assembly assembly(std::move(platform));
-    const PhysicalDisk *disk = findDisk(assembly, identifier);
+    const std::optional<PhysicalDisk> disk = scannedDisk(assembly, identifier);
     if (!disk)
-        return complainOfNoDisk(identifier);
+        return tellNotFound("disk", identifier);
     if (!disk->mediaUUID)
         throw Error(kDomain, 1, fmt::format("{} has no UUID to be known by.", identifier));
     AutoMountMarks marks = autoMountMarks(assembly.userDefaults());
@@ -100,9 +93,9 @@ ExitStatus remove(Platform platform, const std::string &identifierOrUUID)
     Assembly assembly(std::move(platform));
     AutoMountMarks marks = autoMountMarks(assembly.userDefaults());
     if (marks.erase(identifierOrUUID) == 0) {
-        const PhysicalDisk *disk = findDisk(assembly, identifierOrUUID);
+        const std::optional<PhysicalDisk> disk = scannedDisk(assembly, identifierOrUUID);
         if (!disk)
-            return complainOfNoDisk(identifierOrUUID);
+            return tellNotFound("disk", identifierOrUUID);
         marks = autoMountMarks(assembly.userDefaults());
         if (!disk->mediaUUID || marks.erase(*disk->mediaUUID) == 0)
             throw Error(kDomain, 2, fmt::format("{} is not marked.", identifierOrUUID));
