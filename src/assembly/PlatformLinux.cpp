@@ -2,10 +2,12 @@
 
 #include "platform/MemorySecretStore.h"
 #include "platform/NoDialogs.h"
+#include "platform/linux/FreedesktopNotifications.h"
 #include "platform/linux/LinuxChildProcess.h"
 #include "platform/linux/LinuxDiskEvents.h"
 #include "platform/linux/LinuxSecretStore.h"
 #include "platform/linux/LinuxWorkspace.h"
+#include "platform/linux/NotificationModule.h"
 #include "platform/linux/PlistUserDefaults.h"
 #include "platform/qt/MachineFileEvents.h"
 #include "platform/qt/QtScheduler.h"
@@ -45,6 +47,14 @@ std::unique_ptr<DiskEvents> makeDiskEvents(const PlatformChanges &changes)
     return std::make_unique<LinuxDiskEvents>();
 }
 
+std::unique_ptr<UserNotifications> makeUserNotifications(const PlatformChanges &changes)
+{
+    const auto makeDaemon = [] { return loadNotificationDaemon(suppliedFolder() + "/lib/brindle-notifications.so"); };
+    const auto offer =
+        changes.endsSoon ? FreedesktopNotifications::Offer::nothing : FreedesktopNotifications::Offer::actions;
+    return std::make_unique<FreedesktopNotifications>(makeDaemon, offer);
+}
+
 } // namespace
 
 Platform makePlatform(const PlatformChanges &changes)
@@ -59,6 +69,7 @@ Platform makePlatform(const PlatformChanges &changes)
         .secretStore = secretStoreFor(changes),
         .diskEvents = makeDiskEvents(changes),
         .workspace = std::move(workspace),
+        .userNotifications = makeUserNotifications(changes),
         .dialogs = std::make_unique<NoDialogs>(),
         .toolPaths =
             changes.toolRoot ? ToolPaths::underRoot(*changes.toolRoot) : ToolPaths::withSuppliedTools(suppliedFolder()),

@@ -1,12 +1,16 @@
 #include "cli/Command.h"
 
 #include "assembly/DemoMachine.h"
+#include "base/Error.h"
 #include "cli/Interruption.h"
 #include "cli/PasswordInput.h"
 #include "cli/TerminalDialogs.h"
+#include "platform/NoNotifications.h"
 #include "platform/NoWorkspace.h"
 
 #include <CLI/CLI.hpp>
+
+#include <fmt/format.h>
 
 #include <optional>
 #include <utility>
@@ -21,7 +25,11 @@ Platform platformWith(PlatformChanges changes, const ActingOptions &acting)
 {
     if (acting.passwordFromInput)
         changes.password = readPasswordLine(STDIN_FILENO);
+    changes.endsSoon = acting.endsSoon;
     Platform platform = makePlatform(changes);
+    platform.mountsMarkedDisks = acting.mountsMarkedDisks;
+    if (!acting.notifies)
+        platform.userNotifications = std::make_unique<NoNotifications>();
     platform.dialogs = std::make_unique<TerminalDialogs>();
     if (!acting.opensFolders)
         platform.workspace = std::make_unique<NoWorkspace>();
@@ -45,6 +53,18 @@ void addPasswordOption(CLI::App &subcommand, ActingOptions &acting)
 {
     subcommand.add_flag("--password-stdin", acting.passwordFromInput,
                         "Read the administrator password from the first line of standard input; store nothing");
+}
+
+void addNotifyOption(CLI::App &subcommand, ActingOptions &acting)
+{
+    subcommand.add_flag("--notify", acting.notifies, "Tell how it ended by the desktop's notifications too");
+}
+
+void keepSetting(UserDefaults &defaults, const char *key)
+{
+    if (const std::optional<Error> failure = defaults.synchronize())
+        throw Error(failure->domain(), failure->code(),
+                    fmt::format("{} can't be kept: {}", key, failure->localizedDescription()));
 }
 
 } // namespace brindle

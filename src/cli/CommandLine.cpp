@@ -3,6 +3,7 @@
 #include "base/Error.h"
 #include "base/Log.h"
 #include "base/VisibleText.h"
+#include "cli/AutoMountCommand.h"
 #include "cli/Command.h"
 #include "cli/Completions.h"
 #include "cli/EjectCommand.h"
@@ -47,6 +48,7 @@ constexpr CommandEntry kCommands[] = {
     {"height", addHeightCommand},
     {"icon-state", addIconStateCommand},
     {"system", addSystemCommand},
+    {"automount", addAutoMountCommand},
     {"watch", addWatchCommand},
     {"mount", addMountCommand},
     {"unmount", addUnmountCommand},

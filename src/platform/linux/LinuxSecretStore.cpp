@@ -1,13 +1,12 @@
 #include "platform/linux/LinuxSecretStore.h"
 
 #include "platform/linux/KernelKeyringStore.h"
+#include "platform/linux/ModuleFunction.h"
 #include "platform/linux/SecretServiceModule.h"
 
 #include "base/Log.h"
 
 #include <utility>
-
-#include <dlfcn.h>
 
 namespace brindle {
 
@@ -16,13 +15,9 @@ namespace {
 /// The store that the module at \a path gives; null where it can't be loaded or no service answers.
 std::unique_ptr<SecretStore> storeOfModule(const std::filesystem::path &path)
 {
-    void *const module = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
-    void *const function = module ? dlsym(module, "brindleSecretService") : nullptr;
-    if (!function) {
-        Log::line("⚠️ The module for the Secret Service can't be loaded: {}", dlerror());
-        return nullptr;
-    }
-    return std::unique_ptr<SecretStore>(reinterpret_cast<decltype(&brindleSecretService)>(function)());
+    void *const function = moduleFunction(path, "brindleSecretService", "the Secret Service");
+    using Make = decltype(brindleSecretService);
+    return std::unique_ptr<SecretStore>(function ? reinterpret_cast<Make *>(function)() : nullptr);
 }
 
 } // namespace
