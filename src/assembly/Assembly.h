@@ -3,8 +3,8 @@
 #include "assembly/Platform.h"
 #include "privileged/EFIOperations.h"
 #include "privileged/KeychainHelper.h"
-#include "privileged/NoMountNotifier.h"
 #include "records/ToolRunner.h"
+#include "shell/NotificationManager.h"
 #include "shell/ViewHeightCalculator.h"
 #include "state/DiskEventMonitor.h"
 #include "state/DiskManager.h"
@@ -19,9 +19,11 @@ public:
     explicit Assembly(Platform platform);
 
     [[nodiscard]] UserDefaults &userDefaults() { return *m_platform.userDefaults; }
+    [[nodiscard]] ToolRunner &toolRunner() { return m_toolRunner; }
     [[nodiscard]] Dialogs &dialogs() { return *m_platform.dialogs; }
     [[nodiscard]] Workspace &workspace() { return *m_platform.workspace; }
     [[nodiscard]] KeychainHelper &keychainHelper() { return m_keychainHelper; }
+    [[nodiscard]] NotificationManager &notificationManager() { return m_notificationManager; }
     [[nodiscard]] EFIOperations &efiOperations() { return m_efiOperations; }
     [[nodiscard]] SystemInfoDetector &systemInfoDetector() { return m_systemInfoDetector; }
     [[nodiscard]] DiskManager &diskManager() { return m_diskManager; }
@@ -32,7 +34,7 @@ private:
     Platform m_platform;
     ToolRunner m_toolRunner;
     KeychainHelper m_keychainHelper;
-    NoMountNotifier m_mountNotifier;
+    NotificationManager m_notificationManager;
     EFIOperations m_efiOperations;
     SystemInfoDetector m_systemInfoDetector;
     DiskManager m_diskManager;
