@@ -26,10 +26,11 @@ bool namesThePlace(const Inventory &inventory, const Target &target, std::string
     return isNode || parseIdentifier(argument) || std::ranges::any_of(inventory.mounts, isItsPlace);
 }
 
-/// What the actions need: the whole machine, for a name may stand for any of its volumes.
-Inventory readAll(InventorySource &source)
+/// What an action on what \a name stands for needs to know.
+Inventory inventoryFor(InventorySource &source, std::string_view name)
 {
     Scope scope;
+    scope.name = name;
     scope.withContents = true;
     scope.withMounts = true;
     return source.read(scope);
@@ -72,7 +73,7 @@ void tellSoFar(Context &context)
 
 void mount(Context &context, Arguments arguments)
 {
-    const Inventory inventory = readAll(context.source);
+    const Inventory inventory = inventoryFor(context.source, arguments[0]);
     const std::string name = context.actor->mount(findTarget(inventory, arguments[0]));
     print(context, "Volume {} on {} mounted", printable(name), printable(arguments[0]));
 }
@@ -80,7 +81,7 @@ void mount(Context &context, Arguments arguments)
 void unmount(Context &context, Arguments arguments)
 {
     const bool isForced = arguments.size() == 2;
-    const Inventory inventory = readAll(context.source);
+    const Inventory inventory = inventoryFor(context.source, arguments.back());
     const std::string name = context.actor->unmount(findTarget(inventory, arguments.back()), isForced);
     print(context, "Volume {} on {} {}unmounted", printable(name), printable(arguments.back()),
           isForced ? "force-" : "");
@@ -88,14 +89,14 @@ void unmount(Context &context, Arguments arguments)
 
 void rename(Context &context, Arguments arguments)
 {
-    const Inventory inventory = readAll(context.source);
+    const Inventory inventory = inventoryFor(context.source, arguments[0]);
     const std::string label = context.actor->rename(findTarget(inventory, arguments[0]), arguments[1]);
     print(context, "Volume on {} renamed to {}", printable(arguments[0]), label);
 }
 
 void eject(Context &context, Arguments arguments)
 {
-    const Inventory inventory = readAll(context.source);
+    const Inventory inventory = inventoryFor(context.source, arguments[0]);
     context.actor->eject(findTarget(inventory, arguments[0]));
     print(context, "Disk {} ejected", printable(arguments[0]));
 }
@@ -110,7 +111,7 @@ void printFormatting(Context &context, const Erased &erased, const Format &forma
 void eraseVolume(Context &context, Arguments arguments)
 {
     const Format &format = findFormatOrThrow(arguments[0]);
-    const Inventory inventory = readAll(context.source);
+    const Inventory inventory = inventoryFor(context.source, arguments[2]);
     const Target target = findTarget(inventory, arguments[2]);
     print(context, "Started erase on {}\nUnmounting disk", target.identifier());
     tellSoFar(context);
@@ -128,7 +129,7 @@ void eraseDisk(Context &context, Arguments arguments)
         throw ActionError(
             fmt::format("{} does not appear to be a valid partition scheme: only GPT is", printable(arguments[2])));
     const Format &format = findFormatOrThrow(arguments[0]);
-    const Inventory inventory = readAll(context.source);
+    const Inventory inventory = inventoryFor(context.source, arguments.back());
     const Target target = findTarget(inventory, arguments.back());
     print(context, "Started erase on {}\nUnmounting disk", target.identifier());
     tellSoFar(context);

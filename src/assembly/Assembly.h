@@ -1,7 +1,10 @@
 #pragma once
 
 #include "assembly/Platform.h"
+#include "privileged/EFIOperations.h"
+#include "privileged/KeychainHelper.h"
 #include "records/ToolRunner.h"
+#include "shell/NotificationManager.h"
 #include "shell/ViewHeightCalculator.h"
 #include "state/DiskEventMonitor.h"
 #include "state/DiskManager.h"
@@ -16,6 +19,12 @@ public:
     explicit Assembly(Platform platform);
 
     [[nodiscard]] UserDefaults &userDefaults() { return *m_platform.userDefaults; }
+    [[nodiscard]] ToolRunner &toolRunner() { return m_toolRunner; }
+    [[nodiscard]] Dialogs &dialogs() { return *m_platform.dialogs; }
+    [[nodiscard]] Workspace &workspace() { return *m_platform.workspace; }
+    [[nodiscard]] KeychainHelper &keychainHelper() { return m_keychainHelper; }
+    [[nodiscard]] NotificationManager &notificationManager() { return m_notificationManager; }
+    [[nodiscard]] EFIOperations &efiOperations() { return m_efiOperations; }
     [[nodiscard]] SystemInfoDetector &systemInfoDetector() { return m_systemInfoDetector; }
     [[nodiscard]] DiskManager &diskManager() { return m_diskManager; }
     [[nodiscard]] const ViewHeightCalculator &viewHeightCalculator() const { return m_viewHeightCalculator; }
@@ -24,6 +33,9 @@ public:
 private:
     Platform m_platform;
     ToolRunner m_toolRunner;
+    KeychainHelper m_keychainHelper;
+    NotificationManager m_notificationManager;
+    EFIOperations m_efiOperations;
     SystemInfoDetector m_systemInfoDetector;
     DiskManager m_diskManager;
     ViewHeightCalculator m_viewHeightCalculator;

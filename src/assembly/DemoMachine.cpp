@@ -4,8 +4,11 @@
 
 #include <QCoreApplication>
 
+#include <nlohmann/json.hpp>
+
 #include <cerrno>
 #include <cstdlib>
+#include <fstream>
 #include <string>
 
 namespace brindle {
@@ -41,9 +44,16 @@ void copyMachine(const fs::path &from, const fs::path &to)
     }
 }
 
+/// What the machine's own sudo takes.
+Secret passwordOf(const fs::path &machine)
+{
+    std::ifstream file(machine / "machine.json");
+    return Secret(nlohmann::json::parse(file).at("password").get_ref<const std::string &>());
+}
+
 } // namespace
 
-DemoMachine::DemoMachine() : m_folder(makeFolder())
+DemoMachine::DemoMachine(Password password) : m_folder(makeFolder()), m_password(password)
 {
     try {
         copyMachine(shippedMachine(), m_folder);
@@ -62,7 +72,10 @@ DemoMachine::~DemoMachine()
 
 PlatformChanges DemoMachine::platformChanges() const
 {
-    return {.toolRoot = m_folder.string(), .userDefaultsFile = m_folder / "settings.plist"};
+    const bool isStored = m_password == Password::stored;
+    return {.toolRoot = m_folder.string(),
+            .userDefaultsFile = m_folder / "settings.plist",
+            .password = isStored ? std::optional(passwordOf(m_folder)) : std::nullopt};
 }
 
 } // namespace brindle

@@ -4,6 +4,7 @@
 #include "cli/ExitStatus.h"
 
 #include <functional>
+#include <string>
 
 namespace CLI {
 class App;
@@ -15,12 +16,33 @@ namespace brindle {
 struct GlobalOptions {
     bool verbose = false;
     bool demo = false;
+    bool demoAsksForPassword = false; ///< The demo machine's password isn't stored.
+};
+
+/// What the command line says for commands that act on disks.
+struct ActingOptions {
+    bool passwordFromInput = false; ///< The password stands on standard input; nothing is stored, nothing asked.
+    bool opensFolders = false;      ///< The desktop shows what was mounted.
+    bool notifies = false;          ///< The desktop tells how it ended.
+    bool endsSoon = true;           ///< Nobody can answer to what the desktop has told.
+    bool mountsMarkedDisks = false; ///< When they are plugged in.
 };
 
 /// What the command line asks for: set by the callback of the subcommand that was named, run once all was read.
 using Command = std::function<ExitStatus()>;
 
-/// Runs \a run on this machine; or on a demo machine, which is gone afterwards, also after an interruption.
-ExitStatus onMachine(const GlobalOptions &options, const std::function<ExitStatus(Platform)> &run);
+/// Runs \a run on this machine, or on a demo machine, which is gone afterwards, also after an interruption. What has to
+/// be asked is asked in the terminal.
+ExitStatus onMachine(const GlobalOptions &options, const std::function<ExitStatus(Platform)> &run,
+                     const ActingOptions &acting = {});
+
+/// Adds `--password-stdin` to a command that needs the administrator's password.
+void addPasswordOption(CLI::App &subcommand, ActingOptions &acting);
+
+/// Adds `--notify` to a command that mounts or unmounts.
+void addNotifyOption(CLI::App &subcommand, ActingOptions &acting);
+
+/// Writes out what was set; throws an Error that names the setting \a key where it can't be kept.
+void keepSetting(UserDefaults &defaults, const char *key);
 
 } // namespace brindle

@@ -31,7 +31,14 @@ const std::vector<Line> &lines()
         {"settings s", {"set"}},
         {"settings get Launch", {"LaunchAtLogin", "LaunchMode"}},
         {"settings --demo set SUSch", {"SUScheduledCheckInterval"}},
+        {"settings set LaunchMode w", {"window"}},
+        {"settings set ShowDiskImages t", {"true"}},
+        {"settings --demo set ShowDiskImages f", {"false"}},
+        {"settings set ShowDiskImages --de", {"--demo"}},
+        {"settings set SUScheduledCheckInterval --de", {"--demo"}},
         {"watch --j", {"--json"}},
+        {"mount --p", {"--password-stdin"}},
+        {"password ", {"--demo", "--help", "--verbose", "--version", "remove", "set", "test"}},
     };
     return all;
 }
