@@ -10,6 +10,7 @@ Assembly::Assembly(Platform platform)
       m_systemInfoDetector(m_toolRunner, m_platform.toolPaths),
       m_diskManager(m_toolRunner, m_platform.toolPaths, *m_platform.userDefaults, *m_platform.scheduler,
                     m_systemInfoDetector),
+      m_efiCopyManager(*m_platform.fileManager, *m_platform.dialogs, *m_platform.scheduler),
       m_viewHeightCalculator(*m_platform.userDefaults),
       m_diskEventMonitor(*m_platform.diskEvents, *m_platform.scheduler,
                          [this](bool force) { return m_diskManager.startScan(force); })

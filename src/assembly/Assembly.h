@@ -1,6 +1,7 @@
 #pragma once
 
 #include "assembly/Platform.h"
+#include "efi/EFICopyManager.h"
 #include "records/ToolRunner.h"
 #include "shell/ViewHeightCalculator.h"
 #include "state/DiskEventMonitor.h"
@@ -16,8 +17,11 @@ public:
     explicit Assembly(Platform platform);
 
     [[nodiscard]] UserDefaults &userDefaults() { return *m_platform.userDefaults; }
+    [[nodiscard]] Dialogs &dialogs() { return *m_platform.dialogs; }
+    [[nodiscard]] FileManager &fileManager() { return *m_platform.fileManager; }
     [[nodiscard]] SystemInfoDetector &systemInfoDetector() { return m_systemInfoDetector; }
     [[nodiscard]] DiskManager &diskManager() { return m_diskManager; }
+    [[nodiscard]] EFICopyManager &efiCopyManager() { return m_efiCopyManager; }
     [[nodiscard]] const ViewHeightCalculator &viewHeightCalculator() const { return m_viewHeightCalculator; }
     [[nodiscard]] DiskEventMonitor &diskEventMonitor() { return m_diskEventMonitor; }
 
@@ -26,6 +30,7 @@ private:
     ToolRunner m_toolRunner;
     SystemInfoDetector m_systemInfoDetector;
     DiskManager m_diskManager;
+    EFICopyManager m_efiCopyManager;
     ViewHeightCalculator m_viewHeightCalculator;
     DiskEventMonitor m_diskEventMonitor;
 };

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "platform/ChildProcess.h"
+#include "platform/Dialogs.h"
 #include "platform/DiskEvents.h"
+#include "platform/FileManager.h"
 #include "platform/Scheduler.h"
 #include "platform/SecretStore.h"
 #include "platform/UserDefaults.h"
@@ -21,6 +23,8 @@ struct Platform {
     std::unique_ptr<UserDefaults> userDefaults;
     std::unique_ptr<SecretStore> secretStore;
     std::unique_ptr<DiskEvents> diskEvents;
+    std::unique_ptr<FileManager> fileManager;
+    std::unique_ptr<Dialogs> dialogs; ///< A program that can ask somebody puts its own here: makePlatform() can't.
     ToolPaths toolPaths;
 };
 

@@ -1,8 +1,10 @@
 #include "assembly/Platform.h"
 
 #include "platform/MemorySecretStore.h"
+#include "platform/NoDialogs.h"
 #include "platform/linux/LinuxChildProcess.h"
 #include "platform/linux/LinuxDiskEvents.h"
+#include "platform/linux/LinuxFileManager.h"
 #include "platform/linux/LinuxSecretStore.h"
 #include "platform/linux/PlistUserDefaults.h"
 #include "platform/qt/MachineFileEvents.h"
@@ -46,6 +48,8 @@ Platform makePlatform(const PlatformChanges &changes)
             std::make_unique<PlistUserDefaults>(changes.userDefaultsFile.value_or(PlistUserDefaults::defaultPath())),
         .secretStore = secretStoreFor(changes),
         .diskEvents = makeDiskEvents(changes),
+        .fileManager = std::make_unique<LinuxFileManager>(),
+        .dialogs = std::make_unique<NoDialogs>(),
         .toolPaths = changes.toolRoot ? ToolPaths::underRoot(*changes.toolRoot) : suppliedTools(),
     };
 }

@@ -5,13 +5,16 @@
 #include "base/VisibleText.h"
 #include "cli/Command.h"
 #include "cli/Completions.h"
+#include "cli/CopyCommand.h"
 #include "cli/HeightCommand.h"
 #include "cli/IconStateCommand.h"
 #include "cli/InfoCommand.h"
 #include "cli/ListCommand.h"
 #include "cli/RowsCommand.h"
+#include "cli/SaveCommand.h"
 #include "cli/SettingsCommand.h"
 #include "cli/SystemCommand.h"
+#include "cli/VerifyCommand.h"
 #include "cli/WatchCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -106,6 +109,9 @@ int runCommandLine(int argc, char **argv)
     addHeightCommand(app, options, command);
     addIconStateCommand(app, options, command);
     addSystemCommand(app, options, command);
+    addCopyCommand(app, options, command);
+    addSaveCommand(app, options, command);
+    addVerifyCommand(app, options, command);
     addWatchCommand(app, options, command);
     addSettingsCommand(app, options, command);
     addCompletionCommand(app, command);
