@@ -2,6 +2,9 @@
 
 #include "assembly/Platform.h"
 #include "efi/EFICopyManager.h"
+#include "privileged/EFIOperations.h"
+#include "privileged/KeychainHelper.h"
+#include "privileged/NoMountNotifier.h"
 #include "records/ToolRunner.h"
 #include "shell/ViewHeightCalculator.h"
 #include "state/DiskEventMonitor.h"
@@ -19,6 +22,9 @@ public:
     [[nodiscard]] UserDefaults &userDefaults() { return *m_platform.userDefaults; }
     [[nodiscard]] Dialogs &dialogs() { return *m_platform.dialogs; }
     [[nodiscard]] FileManager &fileManager() { return *m_platform.fileManager; }
+    [[nodiscard]] Workspace &workspace() { return *m_platform.workspace; }
+    [[nodiscard]] KeychainHelper &keychainHelper() { return m_keychainHelper; }
+    [[nodiscard]] EFIOperations &efiOperations() { return m_efiOperations; }
     [[nodiscard]] SystemInfoDetector &systemInfoDetector() { return m_systemInfoDetector; }
     [[nodiscard]] DiskManager &diskManager() { return m_diskManager; }
     [[nodiscard]] EFICopyManager &efiCopyManager() { return m_efiCopyManager; }
@@ -28,6 +34,9 @@ public:
 private:
     Platform m_platform;
     ToolRunner m_toolRunner;
+    KeychainHelper m_keychainHelper;
+    NoMountNotifier m_mountNotifier;
+    EFIOperations m_efiOperations;
     SystemInfoDetector m_systemInfoDetector;
     DiskManager m_diskManager;
     EFICopyManager m_efiCopyManager;

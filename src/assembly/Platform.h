@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Secret.h"
 #include "platform/ChildProcess.h"
 #include "platform/Dialogs.h"
 #include "platform/DiskEvents.h"
@@ -7,6 +8,7 @@
 #include "platform/Scheduler.h"
 #include "platform/SecretStore.h"
 #include "platform/UserDefaults.h"
+#include "platform/Workspace.h"
 #include "records/ToolPaths.h"
 
 #include <filesystem>
@@ -24,8 +26,10 @@ struct Platform {
     std::unique_ptr<SecretStore> secretStore;
     std::unique_ptr<DiskEvents> diskEvents;
     std::unique_ptr<FileManager> fileManager;
+    std::unique_ptr<Workspace> workspace;
     std::unique_ptr<Dialogs> dialogs; ///< A program that can ask somebody puts its own here: makePlatform() can't.
     ToolPaths toolPaths;
+    bool isRoot = false; ///< The process has root's rights on the machine that the tools are of.
 };
 
 /// What stands in place of the system's own; absent for what does not.
@@ -33,8 +37,10 @@ struct PlatformChanges {
     /// A folder that is put in front of every tool's path, so that a folder of programs stands for a whole machine,
     /// whose events are those of its machine file. The real secret store is never opened then, so that a replaced
     /// sudo can't be handed a real password.
-    std::optional<std::string> toolRoot;
-    std::optional<std::filesystem::path> userDefaultsFile;
+    std::optional<std::string> toolRoot = {};
+    std::optional<std::filesystem::path> userDefaultsFile = {};
+    /// The administrator's password: all that the secret store holds then, which ends with the process.
+    std::optional<Secret> password = {};
 };
 
 /// The running system's platform, but for \a changes.

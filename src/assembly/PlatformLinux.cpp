@@ -6,11 +6,17 @@
 #include "platform/linux/LinuxDiskEvents.h"
 #include "platform/linux/LinuxFileManager.h"
 #include "platform/linux/LinuxSecretStore.h"
+#include "platform/linux/LinuxWorkspace.h"
 #include "platform/linux/PlistUserDefaults.h"
 #include "platform/qt/MachineFileEvents.h"
 #include "platform/qt/QtScheduler.h"
+#include "privileged/KeychainHelper.h"
 
 #include <QCoreApplication>
+
+#include <unistd.h>
+
+#include <utility>
 
 namespace brindle {
 
@@ -24,9 +30,12 @@ ToolPaths suppliedTools()
 
 std::unique_ptr<SecretStore> secretStoreFor(const PlatformChanges &changes)
 {
-    if (changes.toolRoot)
-        return std::make_unique<MemorySecretStore>();
-    return std::make_unique<LinuxSecretStore>();
+    if (!changes.toolRoot && !changes.password)
+        return std::make_unique<LinuxSecretStore>();
+    auto store = std::make_unique<MemorySecretStore>();
+    if (changes.password)
+        (void)store->add({KeychainHelper::kService, KeychainHelper::kAccount}, *changes.password);
+    return store;
 }
 
 /// The kernel's events say nothing of a simulated machine.
@@ -41,16 +50,20 @@ std::unique_ptr<DiskEvents> makeDiskEvents(const PlatformChanges &changes)
 
 Platform makePlatform(const PlatformChanges &changes)
 {
+    auto scheduler = std::make_unique<QtScheduler>();
+    auto workspace = std::make_unique<LinuxWorkspace>(*scheduler);
     return {
-        .scheduler = std::make_unique<QtScheduler>(),
+        .scheduler = std::move(scheduler),
         .childProcesses = std::make_unique<LinuxChildProcessLauncher>(),
         .userDefaults =
             std::make_unique<PlistUserDefaults>(changes.userDefaultsFile.value_or(PlistUserDefaults::defaultPath())),
         .secretStore = secretStoreFor(changes),
         .diskEvents = makeDiskEvents(changes),
         .fileManager = std::make_unique<LinuxFileManager>(),
+        .workspace = std::move(workspace),
         .dialogs = std::make_unique<NoDialogs>(),
         .toolPaths = changes.toolRoot ? ToolPaths::underRoot(*changes.toolRoot) : suppliedTools(),
+        .isRoot = !changes.toolRoot && geteuid() == 0,
     };
 }
 

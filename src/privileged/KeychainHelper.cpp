@@ -12,8 +12,6 @@ namespace brindle {
 
 namespace {
 
-constexpr const char *kAccount = "admin-password";
-
 // The service names of earlier versions, the one to be preferred first.
 constexpr std::array kLegacyServices{"com.orlane.Tansy", "com.brindle.adminauth"};
 

@@ -24,6 +24,10 @@ namespace brindle {
 /// thread only.
 class KeychainHelper {
 public:
+    /// What an application's password is stored under where its bundle tells nothing else.
+    static constexpr const char *kService = "com.orlane.Brindle";
+    static constexpr const char *kAccount = "admin-password";
+
     /// What the helper works with; all of it outlives the helper.
     struct Surroundings {
         SecretStore &secretStore;
@@ -33,7 +37,7 @@ public:
         UserDefaults &userDefaults;
         const ToolPaths &toolPaths;
         /// What the password is stored under: the identifier of the application's bundle.
-        std::string service = "com.orlane.Brindle";
+        std::string service = kService;
         /// The process has root's rights: sudo would ask for no password and hand it on to the tool, so that the tool
         /// is run directly and no password is asked for, stored or read.
         bool isRoot = false;

@@ -8,16 +8,17 @@
 
 namespace brindle {
 
-DiskManager::DiskManager(ToolRunner &tools, const ToolPaths &paths, UserDefaults &defaults, Scheduler &scheduler,
-                         SystemInfoDetector &systemInfoDetector)
-    : m_tools(tools),
-      m_paths(paths),
-      m_defaults(defaults),
-      m_scheduler(scheduler),
-      m_diskDetector(tools, paths, defaults),
-      m_filesystemDetector(tools, paths),
-      m_efiPartitionReader(tools, paths),
-      m_systemInfoDetector(systemInfoDetector)
+DiskManager::DiskManager(const Surroundings &surroundings)
+    : m_tools(surroundings.tools),
+      m_paths(surroundings.paths),
+      m_defaults(surroundings.defaults),
+      m_scheduler(surroundings.scheduler),
+      m_diskDetector(m_tools, m_paths, m_defaults),
+      m_filesystemDetector(m_tools, m_paths),
+      m_systemInfoDetector(surroundings.systemInfoDetector),
+      m_keychain(surroundings.keychain),
+      m_efiOperations(surroundings.efiOperations),
+      m_workspace(surroundings.workspace)
 {
     initializePreferences(m_defaults);
     restorePersistedState();

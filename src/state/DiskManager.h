@@ -1,16 +1,19 @@
 #pragma once
 
 #include "state/DiskutilListSections.h"
+#include "state/EraseOperations.h"
 #include "state/SpaceFigures.h"
 
 #include "base/CancellationToken.h"
 #include "base/Completion.h"
 #include "detectors/BootloaderDetector.h"
 #include "detectors/DiskDetector.h"
-#include "detectors/EFIPartitionReader.h"
 #include "detectors/FilesystemDetector.h"
 #include "platform/Scheduler.h"
 #include "platform/UserDefaults.h"
+#include "platform/Workspace.h"
+#include "privileged/EFIOperations.h"
+#include "privileged/KeychainHelper.h"
 #include "records/PhysicalDisk.h"
 #include "records/ToolPaths.h"
 #include "records/ToolRunner.h"
@@ -32,8 +35,9 @@ namespace brindle {
 ///
 /// A scan turns the text of the disk tools into an ordered list of records and publishes it. A disk's lasting identity
 /// is its identifier: a scan makes new records. What it holds is written to the user defaults, so that the process that
-/// a switch of the launch mode starts shows it at once. Main thread only.
-class DiskManager : public QObject {
+/// a switch of the launch mode starts shows it at once. An action repairs the record that it concerns without a scan.
+/// Main thread only.
+class DiskManager : public QObject, public EraseOperations {
     Q_OBJECT
 
 public:
@@ -43,10 +47,21 @@ public:
     /// A request of the user within this time after the last scan is passed over.
     static constexpr std::chrono::milliseconds kMinimumManualRefresh{2000};
 
+    /// What the manager works with; all of it outlives the manager.
+    struct Surroundings {
+        ToolRunner &tools;
+        const ToolPaths &paths;
+        UserDefaults &defaults;
+        Scheduler &scheduler;
+        SystemInfoDetector &systemInfoDetector;
+        KeychainHelper &keychain;
+        EFIOperations &efiOperations;
+        Workspace &workspace;
+    };
+
     /// Writes the first-run settings where they are missing, and takes back what a former process left: the opened rows
-    /// always, the disks only after a switch of the launch mode. Starts no scan. All arguments outlive the manager.
-    DiskManager(ToolRunner &tools, const ToolPaths &paths, UserDefaults &defaults, Scheduler &scheduler,
-                SystemInfoDetector &systemInfoDetector);
+    /// always, the disks only after a switch of the launch mode. Starts no scan.
+    explicit DiskManager(const Surroundings &surroundings);
 
     /// The visible disks in display order. Replaced as a whole by a scan.
     [[nodiscard]] const std::vector<PhysicalDisk> &disks() const { return m_disks; }
@@ -84,6 +99,26 @@ public:
     /// Takes what the system information knows about the boot for the next disks that are read.
     void syncBootloaderInfo();
 
+    /// EFIOperations::mount(), then the record of the partition is read anew and kept; its config.plist is opened where
+    /// the user wants that. Throws what the mount throws, and nothing has changed then.
+    QCoro::Task<> mountEFI(std::string identifier, std::string diskName);
+
+    /// Reads the EFI partition anew and repairs its disk's record in its place; the list is not sorted again. Nothing
+    /// where the tool knows no such partition or the list holds none. Never throws.
+    QCoro::Task<> updateEFIPartitionState(std::string identifier);
+
+    /// Opens the config.plist of OpenCore, or else that of Clover, on the mounted EFI partition; where there is none
+    /// the log alone tells. Never throws.
+    QCoro::Task<> openConfigPlist(std::string identifier);
+
+    /// Lets the whole disk go and takes it off the list before any scan, then refreshes. Gives what the tool printed.
+    /// Throws the tool's Error, and nothing has changed then.
+    [[nodiscard]] QCoro::Task<std::string> ejectDisk(std::string identifier);
+
+    QCoro::Task<> formatEFIPartition(std::string identifier, std::string name) override;
+    QCoro::Task<> eraseVolume(std::string identifier, std::string name, std::string format) override;
+    QCoro::Task<> eraseDisk(std::string identifier, std::string name, std::string format) override;
+
     /// Opens the disk's row, or closes it.
     void toggleExpanded(const std::string &identifier);
 
@@ -91,6 +126,7 @@ public:
     void persistState();
 
 Q_SIGNALS:
+    void changed();      ///< An action has changed the model: once more beside the signals of the fields.
     void disksChanged(); ///< At every publish: equality of records is narrower than what is shown.
     void isLoadingDisksChanged();
     void efiStatesChanged(); ///< At every publish, whether it differs or not.
@@ -123,9 +159,15 @@ private:
     QCoro::Task<std::optional<PhysicalDisk>> processDisk(std::string identifier, const DiskUsage *usage,
                                                          std::string section, CancellationToken token);
     void detectBootloaders(PhysicalDisk &disk);
+    void detectBootloaderFlags(PhysicalDisk &disk);
     void endWithoutDisks();
     void publishDisks(std::vector<PhysicalDisk> disks);
     void closeRowsOfMissingDisks();
+
+    void replaceEFIPartition(const EFIPartition &partition);
+    void setEFIState(const std::string &identifier, bool isMounted);
+    void forgetDisk(const std::string &identifier);
+    QCoro::Task<> erase(std::vector<std::string> arguments);
 
     void setDisks(std::vector<PhysicalDisk> disks);
     void updateEFIStates();
@@ -140,8 +182,10 @@ private:
     DiskDetector m_diskDetector;
     FilesystemDetector m_filesystemDetector;
     BootloaderDetector m_bootloaderDetector;
-    EFIPartitionReader m_efiPartitionReader;
     SystemInfoDetector &m_systemInfoDetector;
+    KeychainHelper &m_keychain;
+    EFIOperations &m_efiOperations;
+    Workspace &m_workspace;
     std::optional<BootloaderInfo> m_cachedBootloaderInfo;
 
     std::vector<PhysicalDisk> m_disks;
@@ -160,5 +204,8 @@ private:
 
 /// The first of the disk's EFI partitions that is mounted; null where none is.
 [[nodiscard]] const EFIPartition *mountedEFIPartition(const PhysicalDisk &disk);
+
+/// The configuration of the boot loader below \a mountPoint: OpenCore's, or else Clover's; nullopt where neither is.
+[[nodiscard]] std::optional<std::string> configPlistAt(const std::string &mountPoint);
 
 } // namespace brindle

@@ -177,7 +177,7 @@ QCoro::Task<std::optional<PhysicalDisk>> DiskManager::processDisk(std::string id
     disk.hasLinux = flags.hasLinux;
     disk.hasExFAT = flags.hasExFAT;
 
-    auto partitions = m_efiPartitionReader.efiPartitions(identifier, section, token);
+    auto partitions = m_efiOperations.efiPartitions(identifier, section, token);
     disk.efiPartitions = co_await partitions;
     detectBootloaders(disk);
 
@@ -191,14 +191,17 @@ QCoro::Task<std::optional<PhysicalDisk>> DiskManager::processDisk(std::string id
 
 void DiskManager::detectBootloaders(PhysicalDisk &disk)
 {
-    const auto isNamedBy = [&](const std::optional<std::string> BootloaderInfo::*role) {
-        return m_cachedBootloaderInfo && (*m_cachedBootloaderInfo).*role == disk.identifier;
-    };
+    disk.isBootDisk = m_cachedBootloaderInfo && m_cachedBootloaderInfo->bootDisk == disk.identifier;
+    detectBootloaderFlags(disk);
+}
+
+void DiskManager::detectBootloaderFlags(PhysicalDisk &disk)
+{
+    const bool isBootloaderDisk = m_cachedBootloaderInfo && m_cachedBootloaderInfo->bootloaderDisk == disk.identifier;
     const EFIPartition *mounted = mountedEFIPartition(disk);
-    disk.isBootDisk = isNamedBy(&BootloaderInfo::bootDisk);
-    const BootloaderFlags flags = m_bootloaderDetector.detectBootloaders(
-        disk.identifier, disk.isBootDisk, isNamedBy(&BootloaderInfo::bootloaderDisk), mounted != nullptr,
-        mounted ? mounted->mountPoint : std::nullopt);
+    const BootloaderFlags flags =
+        m_bootloaderDetector.detectBootloaders(disk.identifier, disk.isBootDisk, isBootloaderDisk, mounted != nullptr,
+                                               mounted ? mounted->mountPoint : std::nullopt);
     disk.hasOpenCore = flags.hasOpenCore;
     disk.hasClover = flags.hasClover;
 }

@@ -7,6 +7,8 @@
 
 #include <QTemporaryDir>
 
+#include <unistd.h>
+
 #include <string>
 
 namespace brindle {
@@ -16,7 +18,7 @@ class PlatformTest : public testing::Test {
 protected:
     std::string root() { return m_folder.path().toStdString(); }
 
-    PlatformChanges changes() { return {.toolRoot = std::nullopt, .userDefaultsFile = root() + "/settings.plist"}; }
+    PlatformChanges changes() { return {.userDefaultsFile = root() + "/settings.plist"}; }
 
 private:
     QTemporaryDir m_folder;
@@ -31,6 +33,26 @@ TEST_F(PlatformTest, NeverOpensTheRealSecretStoreWhereAFolderStandsForTheMachine
 
     EXPECT_TRUE(dynamic_cast<MemorySecretStore *>(platform.secretStore.get()));
     EXPECT_EQ(platform.toolPaths.sudo(), root() + "/usr/bin/sudo");
+}
+
+TEST_F(PlatformTest, HoldsAGivenPasswordInMemoryAlone)
+{
+    PlatformChanges withPassword = changes();
+    withPassword.password = Secret("open sesame");
+
+    const Platform platform = makePlatform(withPassword);
+
+    ASSERT_TRUE(dynamic_cast<MemorySecretStore *>(platform.secretStore.get()));
+    EXPECT_EQ(platform.secretStore->find({"com.orlane.Brindle", "admin-password"}), Secret("open sesame"));
+}
+
+TEST_F(PlatformTest, NeedsNoPasswordOnlyForRootOnTheRealMachine)
+{
+    PlatformChanges withToolRoot = changes();
+    withToolRoot.toolRoot = root();
+
+    EXPECT_EQ(makePlatform(changes()).isRoot, geteuid() == 0);
+    EXPECT_FALSE(makePlatform(withToolRoot).isRoot);
 }
 
 TEST_F(PlatformTest, KeepsSecretsInTheSystemsStoreOtherwise)

@@ -3,7 +3,12 @@
 #include "state/DiskManager.h"
 
 #include "base/BlockOn.h"
+#include "support/FakeDialogs.h"
+#include "support/FakeLauncher.h"
+#include "support/FakeMountNotifier.h"
+#include "support/FakeSecretStore.h"
 #include "support/FakeToolRunner.h"
+#include "support/FakeWorkspace.h"
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
 #include "support/MemoryUserDefaults.h"
@@ -17,6 +22,7 @@
 #include <chrono>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace brindle {
 
@@ -29,8 +35,42 @@ protected:
     DiskManager &manager()
     {
         if (!m_manager)
-            m_manager.emplace(tools, ToolPaths::system(), defaults, clock, systemInfo);
+            m_manager.emplace(surroundings(systemInfo));
         return *m_manager;
+    }
+
+    DiskManager::Surroundings surroundings(SystemInfoDetector &systemInfoDetector)
+    {
+        return {.tools = tools,
+                .paths = paths,
+                .defaults = defaults,
+                .scheduler = clock,
+                .systemInfoDetector = systemInfoDetector,
+                .keychain = keychain(),
+                .efiOperations = efiOperations(),
+                .workspace = workspace};
+    }
+
+    /// Made at the first call; its migration is over and told to nobody.
+    KeychainHelper &keychain()
+    {
+        if (!m_keychain) {
+            const LogCapture quiet;
+            m_keychain.emplace(KeychainHelper::Surroundings{.secretStore = secretStore,
+                                                            .dialogs = dialogs,
+                                                            .childProcesses = launcher,
+                                                            .scheduler = clock,
+                                                            .userDefaults = m_keychainDefaults,
+                                                            .toolPaths = paths});
+        }
+        return *m_keychain;
+    }
+
+    EFIOperations &efiOperations()
+    {
+        if (!m_efiOperations)
+            m_efiOperations.emplace(tools, paths, keychain(), notifier, workspace, defaults);
+        return *m_efiOperations;
     }
 
     /// Lets the event loop work until \a commandLine was run.
@@ -58,11 +98,21 @@ protected:
     LogCapture log;
     ManualClock clock;
     MemoryUserDefaults defaults;
+    ToolPaths paths = ToolPaths::system();
+    std::vector<std::string> journal; ///< What the notifier and the workspace note.
     FakeToolRunner tools;
     FakeToolRunner bootTools;
+    FakeLauncher launcher;
+    FakeSecretStore secretStore;
+    FakeDialogs dialogs;
+    FakeMountNotifier notifier{journal};
+    FakeWorkspace workspace{journal};
     SystemInfoDetector systemInfo{bootTools, ToolPaths::system()};
 
 private:
+    MemoryUserDefaults m_keychainDefaults;
+    std::optional<KeychainHelper> m_keychain;
+    std::optional<EFIOperations> m_efiOperations;
     std::optional<DiskManager> m_manager;
 };
 

@@ -280,7 +280,7 @@ TEST_F(ScanOfOneDisk, AwaitsTheBootInformationOnceAndBeforeTheDiskList)
 {
     FakeToolRunner slow;
     SystemInfoDetector unknown(slow, ToolPaths::system());
-    DiskManager fresh(tools, ToolPaths::system(), defaults, clock, unknown);
+    DiskManager fresh(surroundings(unknown));
     slow.hold("/usr/sbin/diskutil info /");
 
     auto first = fresh.startScan(false);

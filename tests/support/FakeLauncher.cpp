@@ -89,6 +89,8 @@ std::unique_ptr<ChildProcess> FakeLauncher::launch(ChildProcessCommand command, 
 {
     const std::string commandLine = commandLineOf(command);
     commands.push_back(std::move(command));
+    if (journal)
+        journal->push_back(commandLine);
     const auto child = std::make_shared<State>(State{.ended = std::move(ended)});
     if (const auto held = m_held.find(commandLine); held != m_held.end())
         held->second.push_back(child);

@@ -17,7 +17,8 @@ class FakeLauncher : public ChildProcessLauncher {
 public:
     /// The commands that were started, in order.
     std::vector<ChildProcessCommand> commands;
-    int terminations = 0; ///< Of running children.
+    int terminations = 0;                        ///< Of running children.
+    std::vector<std::string> *journal = nullptr; ///< Gets the command lines too, where it is set.
 
     void answer(const std::string &commandLine, ChildProcessEnd end);
 

@@ -71,6 +71,8 @@ QCoro::Task<std::string> FakeToolRunner::run(std::string path, std::vector<std::
 {
     const std::string commandLine = fmt::format("{} {}", path, fmt::join(args, " "));
     m_calls.push_back(commandLine);
+    if (journal)
+        journal->push_back(m_calls.back());
 
     const Gate gate = gateOf(commandLine);
     const auto cancellation = token.onCancel([gate] { gate.complete(false); });

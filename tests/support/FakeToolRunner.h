@@ -32,6 +32,8 @@ class FakeToolRunner : private detail::NoPlatform, public ToolRunner {
 public:
     FakeToolRunner();
 
+    std::vector<std::string> *journal = nullptr; ///< Gets the command lines too, where it is set.
+
     void answer(const std::string &commandLine, std::string output);
     void fail(const std::string &commandLine, Error error);
 

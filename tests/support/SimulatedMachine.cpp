@@ -4,6 +4,8 @@
 #include "base/BlockOn.h"
 #include "base/Log.h"
 #include "platform/MemorySecretStore.h"
+#include "platform/NoDialogs.h"
+#include "platform/NoWorkspace.h"
 #include "platform/linux/LinuxChildProcess.h"
 #include "platform/qt/MachineFileEvents.h"
 #include "platform/qt/QtScheduler.h"
@@ -237,6 +239,8 @@ Platform SimulatedMachine::platform() const
             .userDefaults = std::make_unique<MemoryUserDefaults>(),
             .secretStore = std::make_unique<MemorySecretStore>(),
             .diskEvents = std::make_unique<MachineFileEvents>(m_root),
+            .workspace = std::make_unique<NoWorkspace>(),
+            .dialogs = std::make_unique<NoDialogs>(),
             .toolPaths = ToolPaths::underRoot(m_root.string())};
 }
 

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "platform/Scheduler.h"
+#include "platform/Workspace.h"
+
+#include <map>
+#include <string>
+
+namespace brindle {
+
+/// Opens by the desktop's own opener, xdg-open, in a session of its own: what it starts outlives this process. Nothing
+/// where the opener is not installed.
+class LinuxWorkspace final : public Workspace {
+public:
+    explicit LinuxWorkspace(const Scheduler &clock) : m_clock(clock) {} ///< Outlives the workspace.
+
+    /// A path that was asked for less than two seconds ago is passed over: a mount opens its folder, and so does the
+    /// row that asked for the mount.
+    void openFile(const std::string &path) override;
+
+private:
+    const Scheduler &m_clock;
+    std::map<std::string, Scheduler::Date> m_openedAt; ///< By path.
+};
+
+} // namespace brindle

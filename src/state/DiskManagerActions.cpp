@@ -1,0 +1,164 @@
+#include "state/DiskManager.h"
+
+#include "base/DefaultsKeys.h"
+#include "base/Log.h"
+#include "records/Preferences.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <filesystem>
+#include <utility>
+
+namespace brindle {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+// The first that exists is opened.
+constexpr std::array kConfigPaths{"EFI/OC/config.plist", "EFI/CLOVER/config.plist"};
+
+auto partitionIn(auto &disk, const std::string &identifier)
+{
+    return std::ranges::find(disk.efiPartitions, identifier, &EFIPartition::identifier);
+}
+
+/// The first of \a disks that holds the EFI partition, as an iterator.
+auto diskWithPartition(auto &disks, const std::string &identifier)
+{
+    return std::ranges::find_if(
+        disks, [&](const auto &disk) { return partitionIn(disk, identifier) != disk.efiPartitions.end(); });
+}
+
+} // namespace
+
+std::optional<std::string> configPlistAt(const std::string &mountPoint)
+{
+    for (const char *path : kConfigPaths) {
+        std::error_code ignored;
+        const auto file = std::filesystem::path(mountPoint) / path;
+        if (std::filesystem::exists(file, ignored))
+            return file.string();
+    }
+    return std::nullopt;
+}
+
+QCoro::Task<> DiskManager::mountEFI(std::string identifier, std::string diskName)
+{
+    auto mounting = m_efiOperations.mount(identifier, std::move(diskName));
+    co_await mounting;
+    auto updating = updateEFIPartitionState(identifier);
+    co_await updating;
+    persistState();
+    if (!isOn(m_defaults, DefaultsKeys::kAutoOpenConfigOnMount))
+        co_return;
+    auto opening = openConfigPlist(identifier);
+    co_await opening;
+}
+
+QCoro::Task<> DiskManager::updateEFIPartitionState(std::string identifier)
+{
+    Log::line("🔄 Updating EFI partition state for {}", identifier);
+    auto reading = m_efiOperations.partitionInfo(identifier);
+    const std::optional<EFIPartition> partition = co_await reading;
+    if (partition)
+        replaceEFIPartition(*partition);
+}
+
+void DiskManager::replaceEFIPartition(const EFIPartition &partition)
+{
+    const auto place = diskWithPartition(m_disks, partition.identifier);
+    if (place == m_disks.end())
+        return;
+    PhysicalDisk disk = *place;
+    *partitionIn(disk, partition.identifier) = partition;
+    detectBootloaderFlags(disk);
+    Log::line("   🔍 Bootloader re-detection — OC: {}, Clover: {}", disk.hasOpenCore, disk.hasClover);
+    *place = disk;
+    Q_EMIT disksChanged();
+    setEFIState(disk.identifier, mountedEFIPartition(disk) != nullptr);
+    Q_EMIT changed();
+    Log::line("✅ EFI state updated: {} mounted={}", partition.identifier, partition.isMounted);
+}
+
+QCoro::Task<> DiskManager::openConfigPlist(std::string identifier)
+{
+    const auto disk = diskWithPartition(m_disks, identifier);
+    const auto mountPoint = disk == m_disks.end() ? std::nullopt : partitionIn(*disk, identifier)->mountPoint;
+    if (!mountPoint) {
+        Log::line("   ⚠️ Auto-open config.plist: couldn't resolve mount point for {}", identifier);
+        co_return;
+    }
+    const std::optional<std::string> path = configPlistAt(*mountPoint);
+    if (!path) {
+        Log::line("   ⚠️ No config.plist found in OC or CLOVER folders for {}", disk->name);
+        co_return;
+    }
+    Log::line("   📄 Auto-opening config.plist at {}", *path);
+    m_workspace.openFile(*path);
+}
+
+QCoro::Task<std::string> DiskManager::ejectDisk(std::string identifier)
+{
+    Log::line("🔄 Ejecting disk: {}", identifier);
+    const auto disk = std::ranges::find(m_disks, identifier, &PhysicalDisk::identifier);
+    const bool hadMountedEFI = disk != m_disks.end() && mountedEFIPartition(*disk);
+    auto ejecting = m_tools.run(m_paths.diskutil(), {"eject", identifier});
+    std::string output = co_await ejecting;
+    forgetDisk(identifier);
+    if (hadMountedEFI)
+        Log::line("   📢 Disk with mounted EFI ejected — forcing icon update");
+    auto pause = m_scheduler.sleep(500ms); // the system takes notice of what has gone
+    co_await pause;
+    auto refreshing = refresh(false);
+    co_await refreshing;
+    co_return output;
+}
+
+void DiskManager::setEFIState(const std::string &identifier, bool isMounted)
+{
+    m_efiStates[identifier] = isMounted;
+    Q_EMIT efiStatesChanged();
+}
+
+void DiskManager::forgetDisk(const std::string &identifier)
+{
+    std::vector<PhysicalDisk> disks = m_disks;
+    std::erase_if(disks, [&](const PhysicalDisk &disk) { return disk.identifier == identifier; });
+    setDisks(std::move(disks));
+    std::set<std::string> expandedDisks = m_expandedDisks;
+    expandedDisks.erase(identifier);
+    setExpandedDisks(std::move(expandedDisks));
+    m_efiStates.erase(identifier);
+    Q_EMIT efiStatesChanged();
+    Q_EMIT changed();
+    persistState();
+}
+
+QCoro::Task<> DiskManager::formatEFIPartition(std::string identifier, std::string name)
+{
+    return erase({"eraseVolume", "FAT32", std::move(name), std::move(identifier)});
+}
+
+QCoro::Task<> DiskManager::eraseVolume(std::string identifier, std::string name, std::string format)
+{
+    return erase({"eraseVolume", std::move(format), std::move(name), std::move(identifier)});
+}
+
+QCoro::Task<> DiskManager::eraseDisk(std::string identifier, std::string name, std::string format)
+{
+    return erase({"eraseDisk", std::move(format), std::move(name), "GPT", std::move(identifier)});
+}
+
+QCoro::Task<> DiskManager::erase(std::vector<std::string> arguments)
+{
+    auto erasing = m_keychain.runPrivileged(m_paths.diskutil(), std::move(arguments));
+    co_await erasing;
+    auto pause = m_scheduler.sleep(1500ms); // the system settles
+    co_await pause;
+    auto scan = startScan(false);
+    co_await scan;
+}
+
+} // namespace brindle
