@@ -3,9 +3,12 @@
 #include "base/Error.h"
 
 #include <QCoreApplication>
+#include <nlohmann/json.hpp>
 
 #include <cerrno>
 #include <cstdlib>
+#include <fstream>
+#include <optional>
 #include <string>
 
 namespace brindle {
@@ -41,6 +44,17 @@ void copyMachine(const fs::path &from, const fs::path &to)
     }
 }
 
+/// The password that the machine's own sudo asks for; nullopt where its description tells none.
+std::optional<Secret> passwordOf(const fs::path &machineFile)
+{
+    std::ifstream file(machineFile);
+    const auto machine = nlohmann::json::parse(file, nullptr, false);
+    const auto password = machine.is_object() ? machine.find("password") : machine.end();
+    if (password == machine.end() || !password->is_string())
+        return std::nullopt;
+    return Secret(password->get_ref<const std::string &>());
+}
+
 } // namespace
 
 DemoMachine::DemoMachine() : m_folder(makeFolder())
@@ -62,7 +76,9 @@ DemoMachine::~DemoMachine()
 
 PlatformChanges DemoMachine::platformChanges() const
 {
-    return {.toolRoot = m_folder.string(), .userDefaultsFile = m_folder / "settings.plist"};
+    return {.toolRoot = m_folder.string(),
+            .userDefaultsFile = m_folder / "settings.plist",
+            .password = passwordOf(m_folder / "machine.json")};
 }
 
 } // namespace brindle

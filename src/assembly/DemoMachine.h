@@ -16,7 +16,7 @@ public:
     DemoMachine(const DemoMachine &) = delete;
     DemoMachine &operator=(const DemoMachine &) = delete;
 
-    /// Its tools and settings in place of the system's own.
+    /// Its tools and settings in place of the system's own, and its administrator's password, which is stored.
     [[nodiscard]] PlatformChanges platformChanges() const;
 
 private:

@@ -6,14 +6,19 @@
 #include "cli/Command.h"
 #include "cli/Completions.h"
 #include "cli/CopyCommand.h"
+#include "cli/EjectCommand.h"
 #include "cli/HeightCommand.h"
 #include "cli/IconStateCommand.h"
 #include "cli/InfoCommand.h"
 #include "cli/ListCommand.h"
+#include "cli/MountCommand.h"
+#include "cli/PasswordCommand.h"
+#include "cli/RenameCommand.h"
 #include "cli/RowsCommand.h"
 #include "cli/SaveCommand.h"
 #include "cli/SettingsCommand.h"
 #include "cli/SystemCommand.h"
+#include "cli/UnmountCommand.h"
 #include "cli/VerifyCommand.h"
 #include "cli/WatchCommand.h"
 
@@ -101,7 +106,9 @@ int runCommandLine(int argc, char **argv)
     app.fallthrough();
     app.set_version_flag("--version", "brindlectl " BRINDLE_VERSION, "Print the version and end");
     app.set_help_flag("-h,--help", "Print this help and end");
-    app.add_flag("--demo", options.demo, "Work on a simulated machine, which is gone afterwards");
+    app.add_flag("--demo{stored}", options.demo,
+                 "Work on a simulated machine, which is gone afterwards; --demo=ask without its stored password")
+        ->check(CLI::IsMember(std::vector<std::string>{"stored", "ask"}));
     app.add_flag("-v,--verbose", options.verbose, "Write the log to standard error");
     addListCommand(app, options, command);
     addInfoCommand(app, options, command);
@@ -113,6 +120,11 @@ int runCommandLine(int argc, char **argv)
     addSaveCommand(app, options, command);
     addVerifyCommand(app, options, command);
     addWatchCommand(app, options, command);
+    addMountCommand(app, options, command);
+    addUnmountCommand(app, options, command);
+    addRenameCommand(app, options, command);
+    addEjectCommand(app, options, command);
+    addPasswordCommand(app, options, command);
     addSettingsCommand(app, options, command);
     addCompletionCommand(app, command);
 

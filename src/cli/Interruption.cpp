@@ -43,11 +43,10 @@ Interruption::Interruption(std::function<void()> function, Then then)
       m_then(then),
       m_outerPipe(signalPipe)
 {
-    std::array<int, 2> ownPipe{};
-    if (pipe2(ownPipe.data(), O_CLOEXEC | O_NONBLOCK) != 0)
+    if (pipe2(m_pipe.data(), O_CLOEXEC | O_NONBLOCK) != 0)
         throw Error::fromErrno(errno, "A pipe can't be made");
-    signalPipe = ownPipe;
-    m_notifier = std::make_unique<QSocketNotifier>(signalPipe[0], QSocketNotifier::Read);
+    signalPipe = m_pipe;
+    m_notifier = std::make_unique<QSocketNotifier>(m_pipe[0], QSocketNotifier::Read);
     QObject::connect(m_notifier.get(), &QSocketNotifier::activated, [this] { interrupt(); });
     setHandlers(noteSignal);
 }
@@ -57,18 +56,23 @@ Interruption::~Interruption()
     if (m_outerPipe[0] < 0)
         setHandlers(SIG_DFL);
     m_notifier.reset();
-    for (const int descriptor : std::exchange(signalPipe, m_outerPipe))
+    signalPipe = m_outerPipe;
+    for (const int descriptor : m_pipe)
         close(descriptor);
 }
 
 void Interruption::interrupt()
 {
     char signalNumber = 0;
-    if (read(signalPipe[0], &signalNumber, 1) != 1)
+    if (read(m_pipe[0], &signalNumber, 1) != 1)
         return;
     m_function();
     if (m_then == Then::goOn)
         return;
+    if (m_outerPipe[1] >= 0) {
+        [[maybe_unused]] const ssize_t written = write(m_outerPipe[1], &signalNumber, 1);
+        return;
+    }
     setHandlers(SIG_DFL);
     std::raise(signalNumber);
 }

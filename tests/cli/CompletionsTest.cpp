@@ -35,6 +35,8 @@ const std::vector<Line> &lines()
         {"settings get Launch", {"LaunchAtLogin", "LaunchMode"}},
         {"settings --demo set SUSch", {"SUScheduledCheckInterval"}},
         {"watch --j", {"--json"}},
+        {"mount --p", {"--password-stdin"}},
+        {"password ", {"--demo", "--help", "--verbose", "--version", "remove", "set", "test"}},
     };
     return all;
 }

@@ -54,9 +54,9 @@ private:
 
 TEST_F(LinuxWorkspaceTest, HandsThePathToTheOpenerAsOneArgument)
 {
-    workspace.openFile("/media/$(reboot); a b\xff");
+    workspace.openFile("/media/$(reboot); a b é");
 
-    EXPECT_EQ(opened(1), "1|/media/$(reboot); a b\xff\n");
+    EXPECT_EQ(opened(1), "1|/media/$(reboot); a b é\n");
 }
 
 TEST_F(LinuxWorkspaceTest, OpensAPathOnceWithinTwoSeconds)

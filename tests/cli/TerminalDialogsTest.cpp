@@ -1,0 +1,130 @@
+#include "cli/TerminalDialogs.h"
+
+#include "base/BlockOn.h"
+#include "support/MaskedPassword.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include <poll.h>
+#include <pty.h>
+#include <unistd.h>
+
+namespace brindle {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::HasSubstr;
+
+/// Dialogs in a pseudo terminal, in which a test types.
+class TerminalDialogsTest : public testing::Test {
+protected:
+    TerminalDialogsTest()
+    {
+        int terminal = -1;
+        EXPECT_EQ(openpty(&m_keyboard, &terminal, nullptr, nullptr, nullptr), 0);
+        dialogs.emplace(terminal);
+    }
+    ~TerminalDialogsTest() override { close(m_keyboard); }
+
+    /// The answer of \a dialog, in which \a keys are typed once it waits.
+    template <typename T>
+    T answerTo(QCoro::Task<T> dialog, std::string_view keys)
+    {
+        EXPECT_EQ(write(m_keyboard, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
+        return blockOn(std::move(dialog), 30s);
+    }
+
+    std::string shown() const
+    {
+        std::string text(65536, '\0');
+        pollfd waiting{.fd = m_keyboard, .events = POLLIN, .revents = 0};
+        const ssize_t count = poll(&waiting, 1, 0) == 1 ? read(m_keyboard, text.data(), text.size()) : 0;
+        text.resize(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+        return text;
+    }
+
+    std::optional<TerminalDialogs> dialogs;
+
+private:
+    int m_keyboard = -1;
+};
+
+const Alert kQuestion{.messageText = "Really?", .informativeText = "\x1b[2JIt hurts.", .buttons = {"Yes", "No"}};
+
+TEST_F(TerminalDialogsTest, LeaveNoCopyOfAPasswordInMemory)
+{
+    {
+        Secret typed = maskedPassword();
+        typed.append("\n");
+        const auto answer = answerTo(dialogs->securePrompt({.placeholder = "Password"}), typed.view());
+        EXPECT_EQ(answer, maskedPassword());
+    }
+
+    EXPECT_FALSE(isMaskedPasswordInMemory());
+    EXPECT_EQ(shown(), "\r\n\r\nPassword: \r\n"); // nothing of it either
+}
+
+TEST_F(TerminalDialogsTest, ChooseAButtonByItsNumberAndTheLastOneOtherwise)
+{
+    EXPECT_EQ(answerTo(dialogs->alert(kQuestion), "1\n"), 0U);
+    EXPECT_EQ(answerTo(dialogs->alert(kQuestion), "2\n"), 1U);
+    EXPECT_EQ(answerTo(dialogs->alert(kQuestion), "7\n"), 1U);
+    EXPECT_EQ(answerTo(dialogs->alert(kQuestion), "\n"), 1U);
+    EXPECT_EQ(answerTo(dialogs->alert(kQuestion), "\x03"), 1U);
+    EXPECT_THAT(shown(), HasSubstr("Really?\r\n<U+001B>[2JIt hurts.\r\n1) Yes  2) No  Number: "));
+}
+
+TEST_F(TerminalDialogsTest, DoNotWaitForTheOnlyButtonOfAnAlert)
+{
+    EXPECT_EQ(answerTo(dialogs->alert({.messageText = "So it is"}), ""), 0U);
+}
+
+TEST_F(TerminalDialogsTest, TakeTheProposalForAnEmptyLine)
+{
+    const TextPrompt prompt{.placeholder = "New name", .text = "EFI"};
+
+    EXPECT_EQ(answerTo(dialogs->textPrompt(prompt), "BOOT\n"), "BOOT");
+    EXPECT_EQ(answerTo(dialogs->textPrompt(prompt), "\n"), "EFI");
+    EXPECT_EQ(answerTo(dialogs->textPrompt(prompt), "BOOT\x03"), std::nullopt);
+    EXPECT_THAT(shown(), HasSubstr("New name [EFI]: "));
+}
+
+TEST_F(TerminalDialogsTest, GiveAnAbsolutePathToSaveTo)
+{
+    const SavePanel panel{.proposedName = "EFI Backup", .startFolder = "/home/user"};
+
+    EXPECT_EQ(answerTo(dialogs->savePanel(panel), "\n"), "/home/user/EFI Backup");
+    EXPECT_EQ(answerTo(dialogs->savePanel(panel), "mine\n"), (std::filesystem::current_path() / "mine").string());
+    EXPECT_EQ(answerTo(dialogs->savePanel(panel), "\x04"), std::nullopt);
+}
+
+TEST_F(TerminalDialogsTest, ForgetWhatWasTypedBeforeTheyAsk)
+{
+    answerTo(dialogs->alert({}), "early\n");
+    for (std::string echo; echo.find("early") == std::string::npos;)
+        echo += shown(); // the line has reached the terminal
+
+    EXPECT_EQ(answerTo(dialogs->textPrompt({}), "late\n"), "late");
+}
+
+TEST_F(TerminalDialogsTest, AreCancelledAtOnceWithoutATerminal)
+{
+    TerminalDialogs nobody(-1);
+
+    EXPECT_FALSE(nobody.hasTerminal());
+    EXPECT_EQ(blockOn(nobody.alert(kQuestion), 30s), 1U);
+    EXPECT_EQ(blockOn(nobody.securePrompt({}), 30s), std::nullopt);
+    EXPECT_EQ(blockOn(nobody.textPrompt({}), 30s), std::nullopt);
+    EXPECT_EQ(blockOn(nobody.savePanel({}), 30s), std::nullopt);
+}
+
+} // namespace
+} // namespace brindle
