@@ -2,6 +2,7 @@
 
 #include "assembly/Platform.h"
 #include "efi/EFICopyManager.h"
+#include "efi/EraseFlow.h"
 #include "privileged/EFIOperations.h"
 #include "privileged/KeychainHelper.h"
 #include "privileged/NoMountNotifier.h"
@@ -28,6 +29,8 @@ public:
     [[nodiscard]] SystemInfoDetector &systemInfoDetector() { return m_systemInfoDetector; }
     [[nodiscard]] DiskManager &diskManager() { return m_diskManager; }
     [[nodiscard]] EFICopyManager &efiCopyManager() { return m_efiCopyManager; }
+    [[nodiscard]] EraseOperationManager &eraseOperationManager() { return m_eraseOperationManager; }
+    [[nodiscard]] EraseFlow &eraseFlow() { return m_eraseFlow; }
     [[nodiscard]] const ViewHeightCalculator &viewHeightCalculator() const { return m_viewHeightCalculator; }
     [[nodiscard]] DiskEventMonitor &diskEventMonitor() { return m_diskEventMonitor; }
 
@@ -40,6 +43,8 @@ private:
     SystemInfoDetector m_systemInfoDetector;
     DiskManager m_diskManager;
     EFICopyManager m_efiCopyManager;
+    EraseOperationManager m_eraseOperationManager;
+    EraseFlow m_eraseFlow;
     ViewHeightCalculator m_viewHeightCalculator;
     DiskEventMonitor m_diskEventMonitor;
 };

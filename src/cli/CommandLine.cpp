@@ -7,6 +7,9 @@
 #include "cli/Completions.h"
 #include "cli/CopyCommand.h"
 #include "cli/EjectCommand.h"
+#include "cli/EraseDiskCommand.h"
+#include "cli/EraseEFICommand.h"
+#include "cli/EraseVolumeCommand.h"
 #include "cli/HeightCommand.h"
 #include "cli/IconStateCommand.h"
 #include "cli/InfoCommand.h"
@@ -118,6 +121,9 @@ int runCommandLine(int argc, char **argv)
     addSystemCommand(app, options, command);
     addCopyCommand(app, options, command);
     addSaveCommand(app, options, command);
+    addEraseEFICommand(app, options, command);
+    addEraseVolumeCommand(app, options, command);
+    addEraseDiskCommand(app, options, command);
     addVerifyCommand(app, options, command);
     addWatchCommand(app, options, command);
     addMountCommand(app, options, command);

@@ -1,10 +1,9 @@
 #include "cli/CopyCommand.h"
 
-#include "assembly/Assembly.h"
 #include "base/BlockOn.h"
 #include "base/VisibleText.h"
+#include "cli/Acting.h"
 #include "cli/CopyProgress.h"
-#include "cli/FoundPartition.h"
 #include "cli/GivenPlace.h"
 #include "views/EFIDestinationSelection.h"
 
@@ -91,12 +90,12 @@ ExitStatus copy(Platform platform, const CopyArguments &arguments)
         platform.dialogs = std::make_unique<GivenPlace>(*arguments.backup, std::move(platform.dialogs));
     Assembly assembly(std::move(platform));
     blockOn(assembly.diskManager().startScan(false));
-    const auto source = findEFIPartition(assembly.diskManager().disks(), arguments.source);
+    const auto source = findEFIPartition(assembly.diskManager(), arguments.source);
     if (!source)
-        return ExitStatus::notFound;
-    const auto destination = findEFIPartition(assembly.diskManager().disks(), arguments.destination);
+        return tellNotFound("EFI partition", arguments.source);
+    const auto destination = findEFIPartition(assembly.diskManager(), arguments.destination);
     if (!destination)
-        return ExitStatus::notFound;
+        return tellNotFound("EFI partition", arguments.destination);
     return carryOut(assembly, arguments, *source, *destination);
 }
 

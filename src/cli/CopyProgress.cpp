@@ -37,11 +37,13 @@ bool canBeStopped(const EFICopyManager &manager)
 
 } // namespace
 
-CopyProgress::CopyProgress(EFICopyManager &manager) : m_manager(manager), m_terminal(Terminal::ofStandardOutput())
+CopyProgress::CopyProgress(EFICopyManager &manager)
+    : m_manager(manager),
+      m_terminal(Terminal::ofStandardOutput()),
+      m_work("Files are being copied, which can't be stopped", [this] { return stopUnlessBegun(); })
 {
     QObject::connect(&manager, &EFICopyManager::operationStatusChanged, &m_receiver, [this] { showStatus(); });
     QObject::connect(&manager, &EFICopyManager::operationProgressChanged, &m_receiver, [this] { showBar(); });
-    m_interruption.emplace([this] { interrupt(); }, Interruption::Then::goOn);
 }
 
 CopyProgress::~CopyProgress()
@@ -91,19 +93,18 @@ void CopyProgress::clearBar()
     if (!m_hasBar)
         return;
     fmt::print("\r{:{}}\r", "", barWidth(m_terminal) + kRoomForPercent - 1);
+    std::fflush(stdout);
     m_hasBar = false;
 }
 
-void CopyProgress::interrupt()
+bool CopyProgress::stopUnlessBegun()
 {
-    if (canBeStopped(m_manager))
-        return m_manager.cancelOperation();
-    clearBar();
-    fmt::print(stderr, "brindlectl: Files are being copied, which can't be stopped: waiting for the end. "
-                       "Interrupt again to leave at once.\n");
-    // Not within its own call.
-    QMetaObject::invokeMethod(
-        &m_receiver, [this] { m_interruption.reset(); }, Qt::QueuedConnection);
+    const bool canStop = canBeStopped(m_manager);
+    if (canStop)
+        m_manager.cancelOperation();
+    else
+        clearBar();
+    return canStop;
 }
 
 } // namespace brindle

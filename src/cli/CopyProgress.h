@@ -1,21 +1,17 @@
 #pragma once
 
-#include "cli/Interruption.h"
 #include "cli/Terminal.h"
+#include "cli/UnstoppableWork.h"
 #include "efi/EFICopyManager.h"
 
 #include <QObject>
-
-#include <optional>
-#include <string>
 
 namespace brindle {
 
 /// A copy as it is seen from a terminal: each status on a line of standard output, with a bar beneath them where that
 /// is a terminal.
 ///
-/// An interruption ends a copy that has changed nothing yet. Once it has begun, the first one says that it can't be
-/// stopped, and the next one ends the program at once.
+/// An interruption ends a copy that has changed nothing yet; one that has is UnstoppableWork.
 class CopyProgress {
 public:
     explicit CopyProgress(EFICopyManager &manager); ///< Before the copy starts; the manager outlives it.
@@ -33,13 +29,13 @@ private:
     void showStatus();
     void showBar();
     void clearBar();
-    void interrupt();
+    bool stopUnlessBegun();
 
     EFICopyManager &m_manager;
     Terminal m_terminal;
     bool m_hasBar = false;
     QObject m_receiver; ///< What is called back here is called no more after the end.
-    std::optional<Interruption> m_interruption;
+    UnstoppableWork m_work;
 };
 
 } // namespace brindle

@@ -1,9 +1,8 @@
 #include "cli/SaveCommand.h"
 
-#include "assembly/Assembly.h"
 #include "base/BlockOn.h"
+#include "cli/Acting.h"
 #include "cli/CopyProgress.h"
-#include "cli/FoundPartition.h"
 #include "cli/GivenPlace.h"
 
 #include <CLI/CLI.hpp>
@@ -21,9 +20,9 @@ ExitStatus save(Platform platform, const std::string &identifier, const std::str
     platform.dialogs = std::make_unique<GivenPlace>(place, std::move(platform.dialogs));
     Assembly assembly(std::move(platform));
     blockOn(assembly.diskManager().startScan(false));
-    const auto found = findEFIPartition(assembly.diskManager().disks(), identifier);
+    const auto found = findEFIPartition(assembly.diskManager(), identifier);
     if (!found)
-        return ExitStatus::notFound;
+        return tellNotFound("EFI partition", identifier);
 
     const CopyProgress progress(assembly.efiCopyManager());
     blockOn(assembly.efiCopyManager().copyEFIToLocation(found->disk, found->partition));

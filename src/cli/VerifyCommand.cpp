@@ -1,9 +1,8 @@
 #include "cli/VerifyCommand.h"
 
-#include "assembly/Assembly.h"
 #include "base/BlockOn.h"
 #include "base/VisibleText.h"
-#include "cli/FoundPartition.h"
+#include "cli/Acting.h"
 #include "efi/EFICopyError.h"
 #include "views/ByteCount.h"
 
@@ -60,9 +59,11 @@ std::optional<std::string> folderOf(const std::string &text, const DiskManager &
 {
     if (isPath(text))
         return fs::absolute(text).string();
-    const auto found = findEFIPartition(manager.disks(), text);
-    if (!found)
+    const auto found = findEFIPartition(manager, text);
+    if (!found) {
+        tellNotFound("EFI partition", text);
         return std::nullopt;
+    }
     if (!found->partition.mountPoint)
         throw EFICopyError(EFICopyError::Case::efiNotMounted);
     return EFICopyManager::efiFolderOf(found->partition);

@@ -31,6 +31,8 @@ const std::vector<Line> &lines()
         {"cop", {"copy"}},
         {"copy --o", {"--overwrite"}},
         {"ver", {"verify"}},
+        {"erase-d", {"erase-disk"}},
+        {"erase-volume --f", {"--format"}},
         {"settings s", {"set"}},
         {"settings get Launch", {"LaunchAtLogin", "LaunchMode"}},
         {"settings --demo set SUSch", {"SUScheduledCheckInterval"}},
