@@ -53,6 +53,8 @@ CopyProgress::~CopyProgress()
 
 void CopyProgress::waitForEnd()
 {
+    if (!m_manager.isOperationInProgress()) // an interruption has cancelled it
+        return;
     const Completion<bool> end;
     QObject::connect(&m_manager, &EFICopyManager::isOperationInProgressChanged, &m_receiver, [this, end] {
         if (!m_manager.isOperationInProgress())

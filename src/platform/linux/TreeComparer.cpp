@@ -84,6 +84,14 @@ Sha256::Digest digestOf(const std::string &path, bool fromDevice, Sha256 &sha256
     }
 }
 
+/// What hasn't been written yet can't be dropped from memory, and isn't on the device either.
+void flush(const std::string &path)
+{
+    const FileDescriptor folder = openFolder(AT_FDCWD, path, O_RDONLY, path);
+    if (::syncfs(folder.value()) != 0)
+        throw Error::fromErrno(errno, path);
+}
+
 /// What this thread has read from devices so far.
 std::uint64_t bytesReadFromDevices()
 {
@@ -169,6 +177,7 @@ void TreeComparer::compareLinks(const std::string &path)
 
 void TreeComparer::compareContents()
 {
+    flush(m_second);
     auto firstDigests = std::async(std::launch::async, [this] { return digestsOf(m_first, m_files, false); });
     const Digests second = digestsOf(m_second, m_files, true);
     const Digests first = firstDigests.get();
