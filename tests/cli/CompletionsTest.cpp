@@ -38,7 +38,7 @@ const std::vector<Line> &lines()
         {"settings --demo set SUSch", {"SUScheduledCheckInterval"}},
         {"watch --j", {"--json"}},
         {"mount --p", {"--password-stdin"}},
-        {"password ", {"--demo", "--help", "--verbose", "--version", "remove", "set", "test"}},
+        {"password s", {"set"}},
     };
     return all;
 }
