@@ -28,6 +28,8 @@ Assembly::Assembly(Platform platform)
                      .efiOperations = m_efiOperations,
                      .workspace = *m_platform.workspace,
                      .mountsMarkedDisks = m_platform.mountsMarkedDisks}),
+      m_efiCopyManager(*m_platform.fileManager, *m_platform.dialogs, *m_platform.scheduler),
+      m_eraseFlow(m_eraseOperationManager, m_diskManager),
       m_viewHeightCalculator(*m_platform.userDefaults),
       m_diskEventMonitor(*m_platform.diskEvents, *m_platform.scheduler,
                          [this](bool force) { return m_diskManager.startScan(force); })

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "assembly/Platform.h"
+#include "efi/EFICopyManager.h"
+#include "efi/EraseFlow.h"
 #include "privileged/EFIOperations.h"
 #include "privileged/KeychainHelper.h"
 #include "records/ToolRunner.h"
@@ -21,12 +23,16 @@ public:
     [[nodiscard]] UserDefaults &userDefaults() { return *m_platform.userDefaults; }
     [[nodiscard]] ToolRunner &toolRunner() { return m_toolRunner; }
     [[nodiscard]] Dialogs &dialogs() { return *m_platform.dialogs; }
+    [[nodiscard]] FileManager &fileManager() { return *m_platform.fileManager; }
     [[nodiscard]] Workspace &workspace() { return *m_platform.workspace; }
     [[nodiscard]] KeychainHelper &keychainHelper() { return m_keychainHelper; }
     [[nodiscard]] NotificationManager &notificationManager() { return m_notificationManager; }
     [[nodiscard]] EFIOperations &efiOperations() { return m_efiOperations; }
     [[nodiscard]] SystemInfoDetector &systemInfoDetector() { return m_systemInfoDetector; }
     [[nodiscard]] DiskManager &diskManager() { return m_diskManager; }
+    [[nodiscard]] EFICopyManager &efiCopyManager() { return m_efiCopyManager; }
+    [[nodiscard]] EraseOperationManager &eraseOperationManager() { return m_eraseOperationManager; }
+    [[nodiscard]] EraseFlow &eraseFlow() { return m_eraseFlow; }
     [[nodiscard]] const ViewHeightCalculator &viewHeightCalculator() const { return m_viewHeightCalculator; }
     [[nodiscard]] DiskEventMonitor &diskEventMonitor() { return m_diskEventMonitor; }
 
@@ -38,6 +44,9 @@ private:
     EFIOperations m_efiOperations;
     SystemInfoDetector m_systemInfoDetector;
     DiskManager m_diskManager;
+    EFICopyManager m_efiCopyManager;
+    EraseOperationManager m_eraseOperationManager;
+    EraseFlow m_eraseFlow;
     ViewHeightCalculator m_viewHeightCalculator;
     DiskEventMonitor m_diskEventMonitor;
 };

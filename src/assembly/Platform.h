@@ -4,6 +4,7 @@
 #include "platform/ChildProcess.h"
 #include "platform/Dialogs.h"
 #include "platform/DiskEvents.h"
+#include "platform/FileManager.h"
 #include "platform/Scheduler.h"
 #include "platform/SecretStore.h"
 #include "platform/UserDefaults.h"
@@ -25,6 +26,7 @@ struct Platform {
     std::unique_ptr<UserDefaults> userDefaults;
     std::unique_ptr<SecretStore> secretStore;
     std::unique_ptr<DiskEvents> diskEvents;
+    std::unique_ptr<FileManager> fileManager;
     std::unique_ptr<Workspace> workspace;
     std::unique_ptr<UserNotifications> userNotifications;
     std::unique_ptr<Dialogs> dialogs; ///< A program that can ask somebody puts its own here: makePlatform() can't.

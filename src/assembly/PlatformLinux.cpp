@@ -5,6 +5,7 @@
 #include "platform/linux/FreedesktopNotifications.h"
 #include "platform/linux/LinuxChildProcess.h"
 #include "platform/linux/LinuxDiskEvents.h"
+#include "platform/linux/LinuxFileManager.h"
 #include "platform/linux/LinuxSecretStore.h"
 #include "platform/linux/LinuxWorkspace.h"
 #include "platform/linux/NotificationModule.h"
@@ -68,6 +69,7 @@ Platform makePlatform(const PlatformChanges &changes)
             std::make_unique<PlistUserDefaults>(changes.userDefaultsFile.value_or(PlistUserDefaults::defaultPath())),
         .secretStore = secretStoreFor(changes),
         .diskEvents = makeDiskEvents(changes),
+        .fileManager = std::make_unique<LinuxFileManager>(),
         .workspace = std::move(workspace),
         .userNotifications = makeUserNotifications(changes),
         .dialogs = std::make_unique<NoDialogs>(),

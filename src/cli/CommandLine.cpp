@@ -6,7 +6,11 @@
 #include "cli/AutoMountCommand.h"
 #include "cli/Command.h"
 #include "cli/Completions.h"
+#include "cli/CopyCommand.h"
 #include "cli/EjectCommand.h"
+#include "cli/EraseDiskCommand.h"
+#include "cli/EraseEFICommand.h"
+#include "cli/EraseVolumeCommand.h"
 #include "cli/HeightCommand.h"
 #include "cli/IconStateCommand.h"
 #include "cli/InfoCommand.h"
@@ -15,9 +19,11 @@
 #include "cli/PasswordCommand.h"
 #include "cli/RenameCommand.h"
 #include "cli/RowsCommand.h"
+#include "cli/SaveCommand.h"
 #include "cli/SettingsCommand.h"
 #include "cli/SystemCommand.h"
 #include "cli/UnmountCommand.h"
+#include "cli/VerifyCommand.h"
 #include "cli/WatchCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -48,6 +54,12 @@ constexpr CommandEntry kCommands[] = {
     {"height", addHeightCommand},
     {"icon-state", addIconStateCommand},
     {"system", addSystemCommand},
+    {"copy", addCopyCommand},
+    {"save", addSaveCommand},
+    {"erase-efi", addEraseEFICommand},
+    {"erase-volume", addEraseVolumeCommand},
+    {"erase-disk", addEraseDiskCommand},
+    {"verify", addVerifyCommand},
     {"automount", addAutoMountCommand},
     {"watch", addWatchCommand},
     {"mount", addMountCommand},

@@ -19,11 +19,6 @@ constexpr auto kStatusAfterSuccess = 3s;
 constexpr auto kStatusAfterCancelling = 2s;
 constexpr auto kStatusAfterFailure = 5s;
 
-std::string efiFolderOf(const EFIPartition &partition)
-{
-    return *partition.mountPoint + "/EFI";
-}
-
 } // namespace
 
 EFICopyManager::EFICopyManager(FileManager &fileManager, Dialogs &dialogs, Scheduler &scheduler)
@@ -52,6 +47,11 @@ std::vector<EFICopyManager::EFIPartitionInfo> EFICopyManager::availableDestinati
         }
     }
     return destinations;
+}
+
+std::string EFICopyManager::efiFolderOf(const EFIPartition &partition)
+{
+    return partition.mountPoint.value() + "/EFI";
 }
 
 QCoro::Task<> EFICopyManager::copyEFI(PhysicalDisk sourceDisk, EFIPartition sourceEFI, PhysicalDisk destinationDisk,

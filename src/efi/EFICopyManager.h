@@ -57,6 +57,9 @@ public:
                                                                              const PhysicalDisk &sourceDisk,
                                                                              const EFIPartition &sourceEFI);
 
+    /// Where the EFI folder of a partition with a mount point lies or would lie.
+    [[nodiscard]] static std::string efiFolderOf(const EFIPartition &partition);
+
     /// An operation has started and has not been ended. Stays true while a choice is awaited, and after an operation
     /// that nobody was asked about has failed: cancelOperation() ends that.
     [[nodiscard]] bool isOperationInProgress() const { return m_isOperationInProgress; }

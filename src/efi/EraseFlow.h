@@ -18,8 +18,8 @@ class EraseFlow {
 public:
     /// How the row that asked tells that it is busy.
     struct RowCallbacks {
-        std::function<void(std::string status)> onOperationStart;
-        std::function<void()> onOperationEnd;
+        std::function<void(const std::string &status)> onOperationStart = [](const std::string &) {};
+        std::function<void()> onOperationEnd = [] {};
     };
 
     EraseFlow(EraseOperationManager &manager, EraseOperations &operations); ///< Both outlive the flow.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/TreeComparison.h"
+
 #include "base/CancellationToken.h"
 
 #include <QCoroTask>
@@ -17,7 +19,8 @@ class FileManager {
 public:
     virtual ~FileManager() = default;
 
-    /// Something lies at \a path; a link to nothing counts as nothing.
+    /// Something lies at \a path. A link to nothing counts as nothing; what the system can't tell, since the device
+    /// fails, counts as something, so that nothing is taken for free that isn't.
     [[nodiscard]] virtual bool fileExists(const std::string &path) const = 0;
 
     /// The names in the folder, hidden ones too, in no order.
@@ -31,6 +34,12 @@ public:
     /// as links, holes as holes. Throws for what the target can't hold: a link, a name, a size. A cancellation of
     /// \a token is seen between two pieces of work and throws CopyError::cancelled.
     virtual QCoro::Task<> copyItem(std::string from, std::string to, CancellationToken token = {}) = 0;
+
+    /// Compares two folders with all that is beneath them: names, kinds, sizes, and the SHA-256 of each file's bytes.
+    ///
+    /// The second folder is read from its device, past what of it lies in memory, so that a copy is known to have got
+    /// there. What can't be read is an error and no difference.
+    [[nodiscard]] virtual QCoro::Task<TreeComparison> compareItems(std::string first, std::string second) = 0;
 
     /// Removes \a path, a file or a folder with all that is beneath it; a link and not what it leads to.
     virtual QCoro::Task<> removeItem(std::string path) = 0;

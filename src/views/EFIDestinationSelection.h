@@ -52,6 +52,11 @@ public:
     using EFIPartitionInfo = EFICopyManager::EFIPartitionInfo;
     using OnDestinationSelected = std::function<void(const EFIPartitionInfo &destination, bool overwriteWithoutBackup)>;
 
+    // Above the options of the confirmation.
+    static constexpr std::string_view kConfirmationTitle = "EFI Folder Exists";
+    static constexpr std::string_view kConfirmationText = "The destination already contains an EFI folder.";
+    static constexpr std::string_view kConfirmationQuestion = "Choose how to proceed:";
+
     enum class Content { confirmation, selection, progress };
     enum class Buttons { none, close, cancelAndCopy };
 

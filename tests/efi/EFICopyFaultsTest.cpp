@@ -1,179 +1,27 @@
-#include "EFICopyManagerFixture.h"
+// Every call of the file system that a copy makes, with every error, and with the process killed there.
 
+#include "EFICopyFlowRun.h"
+
+#include "support/ChildOfTest.h"
 #include "support/CopyFaults.h"
-#include "support/FileFaults.h"
 
+#include <QThreadPool>
+
+#include <cerrno>
+#include <csignal>
 #include <iostream>
-#include <map>
 #include <set>
 #include <tuple>
-#include <utility>
 
 namespace brindle {
 namespace {
 
-namespace fs = std::filesystem;
-using testing::IsSupersetOf;
-using testing::StartsWith;
-
-using Call = std::pair<std::string, int>;
-using Tree = std::map<std::string, std::string>;
-
-enum class Flow { freeDestination, backup, overwrite, toFolder, withoutBackup };
+using Bytes = EFICopyFlowRun::Bytes;
 
 struct FlowCase {
     const char *name;
-    Flow flow;
-    std::size_t stages; ///< In which something can fail.
-};
-
-struct Fault {
-    Call call;
-    int errorNumber = 0;
-};
-
-enum class Stage { check, backup, removal, copy, verification };
-
-/// One flow on folders of its own.
-class FlowRun : public EFICopyManagerFixture {
-public:
-    explicit FlowRun(Flow flow) : m_flow(flow)
-    {
-        writeSampleEFI(sourceEFI());
-        if (flow != Flow::freeDestination)
-            writeOldEFI();
-        dialogs.savePaths = {backup().string()};
-        m_old = treeOf(destinationEFI());
-        m_sample = treeOf(sourceEFI());
-    }
-
-    /// Carries it out, with \a fault where there is one.
-    void perform(const std::optional<Fault> &fault)
-    {
-        FileFaults faults;
-        if (fault)
-            faults.fail(fault->call.first, fault->errorNumber, fault->call.second);
-        QObject::connect(&manager, &EFICopyManager::operationStatusChanged,
-                         [&] { m_stages.insert_or_assign(faults.calls().size(), stageNow()); });
-        perform();
-        calls = faults.calls();
-        QObject::disconnect(&manager, nullptr, nullptr, nullptr);
-    }
-
-    /// In which stage the call number \a index of calls was made.
-    [[nodiscard]] Stage stageOf(std::size_t index) const { return std::prev(m_stages.upper_bound(index))->second; }
-
-    [[nodiscard]] bool succeeded() const { return manager.operationStatus().ends_with("successfully"); }
-
-    void expectSuccess() const
-    {
-        EXPECT_FALSE(thrown);
-        EXPECT_TRUE(succeeded()) << manager.operationStatus();
-        EXPECT_FALSE(manager.isOperationInProgress());
-        EXPECT_EQ(treeOf(target()), m_sample);
-        expectTreesThatNeverChange();
-        if (m_flow == Flow::backup)
-            EXPECT_EQ(treeOf(backup()), m_old);
-    }
-
-    void expectFailureIn(Stage stage) const
-    {
-        if (stage == Stage::check)
-            EXPECT_EQ(manager.operationStatus(), "Cannot read source EFI folder");
-        else if (wasAsked())
-            EXPECT_THAT(manager.operationStatus(), StartsWith("Operation failed: " + reasonOf(stage)));
-        else
-            EXPECT_THAT(manager.operationStatus(), StartsWith(lastStatusOf(stage)));
-        EXPECT_EQ(manager.isOperationInProgress(), stage != Stage::check && !wasAsked());
-        EXPECT_EQ(thrown.has_value(), stage == Stage::check || !wasAsked());
-        expectTreesAfterFailureIn(stage);
-    }
-
-    std::vector<Call> calls;
-    std::optional<Error> thrown;
-    using EFICopyManagerFixture::manager;
-
-private:
-    [[nodiscard]] bool wasAsked() const { return m_flow == Flow::backup || m_flow == Flow::overwrite; }
-    [[nodiscard]] fs::path target() const { return m_flow == Flow::toFolder ? backup() : destinationEFI(); }
-
-    void perform()
-    {
-        thrown = m_flow == Flow::toFolder ? copyToLocation() : copy(m_flow == Flow::withoutBackup);
-        if (!manager.showConfirmationDialog())
-            return;
-        choose(m_flow == Flow::backup ? &EFICopyManager::ConfirmationData::onBackup
-                                      : &EFICopyManager::ConfirmationData::onOverwrite);
-    }
-
-    /// By what is published now.
-    Stage stageNow()
-    {
-        const std::string &status = manager.operationStatus();
-        if (status.starts_with("Removing"))
-            m_stage = Stage::removal;
-        else if (status.starts_with("Creating backup"))
-            m_stage = Stage::backup;
-        else if (status.starts_with("Verifying"))
-            m_stage = Stage::verification;
-        else if (status.starts_with("Copying EFI"))
-            m_stage = Stage::copy;
-        else if (status.starts_with("Copying files") && m_stage == Stage::removal)
-            m_stage = Stage::copy;
-        return m_stage;
-    }
-
-    static std::string reasonOf(Stage stage)
-    {
-        switch (stage) {
-        case Stage::verification:
-            return "Failed to verify copied files";
-        case Stage::removal:
-            return "/";
-        default:
-            return "Copy operation failed: ";
-        }
-    }
-
-    static std::string lastStatusOf(Stage stage)
-    {
-        switch (stage) {
-        case Stage::verification:
-            return "Verification failed";
-        case Stage::removal:
-            return "Removing existing EFI folder...";
-        default:
-            return "Copy failed: ";
-        }
-    }
-
-    void expectTreesThatNeverChange() const
-    {
-        EXPECT_EQ(treeOf(sourceEFI()), m_sample) << "the source";
-        if (m_flow == Flow::toFolder)
-            EXPECT_EQ(treeOf(destinationEFI()), m_old) << "what lies beside";
-    }
-
-    void expectTreesAfterFailureIn(Stage stage) const
-    {
-        expectTreesThatNeverChange();
-        if (stage == Stage::check || stage == Stage::backup)
-            EXPECT_EQ(treeOf(destinationEFI()), m_old) << "the destination";
-        if (stage == Stage::check)
-            EXPECT_FALSE(fs::exists(backup()));
-        if (m_flow == Flow::backup && stage != Stage::check && stage != Stage::backup)
-            EXPECT_EQ(treeOf(backup()), m_old) << "the backup";
-        if (stage == Stage::removal)
-            EXPECT_THAT(m_old, IsSupersetOf(treeOf(destinationEFI())));
-        if (stage == Stage::verification)
-            EXPECT_EQ(treeOf(target()), m_sample) << "the new folder stays";
-    }
-
-    Flow m_flow;
-    Tree m_old;
-    Tree m_sample;
-    Stage m_stage = Stage::check;
-    std::map<std::size_t, Stage> m_stages{{0, Stage::check}}; ///< By the number of calls before them.
+    CopyFlow flow;
+    std::set<CopyStage> stages; ///< In which something can fail.
 };
 
 struct ErrorCase {
@@ -181,50 +29,123 @@ struct ErrorCase {
     int number;
 };
 
-class EFICopyFaultsTest : public testing::TestWithParam<std::tuple<FlowCase, ErrorCase>> {};
+const std::vector<FlowCase> &flows()
+{
+    using enum CopyStage;
+    static const std::vector<FlowCase> all{
+        {"ACopyToAFreeDestination", CopyFlow::freeDestination, {check, copy, verification}},
+        {"ACopyWithBackup", CopyFlow::backup, {check, CopyStage::backup, removal, copy, verification}},
+        {"ACopyThatOverwrites", CopyFlow::overwrite, {check, removal, copy, verification}},
+        {"ACopyToAFolder", CopyFlow::toFolder, {check, copy, verification}},
+        {"ACopyWithoutBackup", CopyFlow::withoutBackup, {check, removal, copy, verification}}};
+    return all;
+}
+
+/// In which stage a flow ends by a look that fails: the first is at the source, the next two are at the destination.
+/// nullopt where the flow is whole all the same: what can't be told counts as something that is there.
+std::optional<CopyStage> endByLook(CopyFlow flow, int which, int errorNumber)
+{
+    const bool isFree = flow == CopyFlow::freeDestination;
+    const bool saysNothing = errorNumber == ENOENT;
+    if (which == 1)
+        return saysNothing ? std::optional(CopyStage::check) : std::nullopt;
+    if (which == 3 && saysNothing != isFree) // of what is there that it isn't, or the other way round
+        return saysNothing ? CopyStage::copy : CopyStage::removal;
+    return std::nullopt;
+}
+
+class EFICopyFaultsTest : public testing::TestWithParam<std::tuple<FlowCase, ErrorCase>> {
+protected:
+    /// Lets each call of \a whole fail that is not left out, and prints what the user reads at the end.
+    void failEach(const EFICopyFlowRun &whole, Bytes bytes, const std::set<std::string> &leftOut)
+    {
+        const auto &[flow, error] = GetParam();
+        for (std::size_t i = 0; i < whole.calls().size(); ++i) {
+            const auto &[function, which] = whole.calls()[i];
+            if (leftOut.contains(function))
+                continue;
+            SCOPED_TRACE(fmt::format("{} {}", function, which));
+            EFICopyFlowRun run(flow.flow, bytes);
+            run.perform(FileFault{{function, which}, error.number});
+            expectEnd(run, {function, which}, whole.stageOf(i));
+            functions.insert(function);
+            std::cout << fmt::format("{} {} | {} | {}\n", function, which, error.name, run.manager.operationStatus());
+        }
+    }
+
+    /// Of a run in which \a call failed in \a stage.
+    void expectEnd(const EFICopyFlowRun &run, const FileCall &call, CopyStage stage)
+    {
+        const auto &[flow, error] = GetParam();
+        std::optional<CopyStage> end = stage;
+        if (call.first == "stat")
+            end = endByLook(flow.flow, call.second, error.number);
+        else if ((call.first == "close" && run.succeeded()) || isTolerated(call.first, error.number))
+            end = std::nullopt;
+        if (!end)
+            return run.expectSuccess();
+        run.expectFailureIn(*end);
+        stages.insert(stage);
+    }
+
+    std::set<std::string> functions;
+    std::set<CopyStage> stages;
+};
 
 INSTANTIATE_TEST_SUITE_P(
     Of, EFICopyFaultsTest,
-    testing::Combine(testing::Values(FlowCase{"ACopyToAFreeDestination", Flow::freeDestination, 3},
-                                     FlowCase{"ACopyWithBackup", Flow::backup, 5},
-                                     FlowCase{"ACopyThatOverwrites", Flow::overwrite, 4},
-                                     FlowCase{"ACopyToAFolder", Flow::toFolder, 3},
-                                     FlowCase{"ACopyWithoutBackup", Flow::withoutBackup, 4}),
+    testing::Combine(testing::ValuesIn(flows()),
                      testing::Values(ErrorCase{"NoSpace", ENOSPC}, ErrorCase{"BrokenDevice", EIO},
                                      ErrorCase{"NoAccess", EACCES}, ErrorCase{"ReadOnly", EROFS},
                                      ErrorCase{"NameTooLong", ENAMETOOLONG}, ErrorCase{"Vanished", ENOENT})),
     [](const auto &row) { return fmt::format("{}With{}", std::get<0>(row.param).name, std::get<1>(row.param).name); });
 
-// Prints the whole table: where the fault was, and what the user reads at the end.
 TEST_P(EFICopyFaultsTest, EveryCallThatFailsEndsAsItsStageDoes)
 {
-    const auto &[flow, error] = GetParam();
-    FlowRun whole(flow.flow);
+    const CopyFlow flow = std::get<0>(GetParam()).flow;
+    EFICopyFlowRun whole(flow);
     whole.perform(std::nullopt);
     whole.expectSuccess();
-    std::set<std::string> functions;
-    std::set<Stage> stages;
+    failEach(whole, Bytes::byTheKernel, {});
+    EFICopyFlowRun byHand(flow, Bytes::byHand);
+    byHand.perform(std::nullopt);
+    byHand.expectSuccess();
 
-    for (std::size_t i = 0; i < whole.calls.size(); ++i) {
-        const auto &[function, which] = whole.calls[i];
-        functions.insert(function);
-        FlowRun run(flow.flow);
-        run.perform(Fault{{function, which}, error.number});
+    failEach(byHand, Bytes::byHand, std::set(functions));
 
-        SCOPED_TRACE(fmt::format("{} {}", function, which));
-        const bool maySucceed = function == "close" && run.succeeded();
-        if (maySucceed || isTolerated(function, error.number)) {
-            run.expectSuccess();
-        } else {
-            stages.insert(whole.stageOf(i));
-            run.expectFailureIn(whole.stageOf(i));
-        }
-        std::cout << fmt::format("{} {} | {} | {}\n", function, which, error.name, run.manager.operationStatus());
+    const auto known = FileFaults::functions();
+    std::set<std::string> expected(known.begin(), known.end());
+    if (!std::get<0>(GetParam()).stages.contains(CopyStage::removal))
+        expected.erase("unlinkat");
+    EXPECT_EQ(functions, expected) << "a pair of call and error is missing";
+    EXPECT_EQ(stages, std::get<0>(GetParam()).stages);
+}
+
+class EFICopyKilledTest : public testing::TestWithParam<FlowCase> {};
+
+INSTANTIATE_TEST_SUITE_P(Of, EFICopyKilledTest, testing::ValuesIn(flows()),
+                         [](const auto &row) { return row.param.name; });
+
+TEST_P(EFICopyKilledTest, LeavesTheSourceAndTheOldFolderOrItsBackupWhole)
+{
+    EFICopyFlowRun whole(GetParam().flow);
+    whole.perform(std::nullopt);
+    std::set<CopyStage> stages;
+
+    for (std::size_t i = 0; i < whole.calls().size(); ++i) {
+        const auto &[function, which] = whole.calls()[i];
+        SCOPED_TRACE(fmt::format("killed at {} {}", function, which));
+        EFICopyFlowRun run(GetParam().flow);
+        QThreadPool::globalInstance()->waitForDone(); // and no thread is left that the child would miss
+        const pid_t child = startChild([&] { run.perform(FileFault{{function, which}}); });
+
+        EXPECT_EQ(endOf(child), -SIGKILL);
+        run.expectTreesAfter(whole.stageOf(i));
+        stages.insert(whole.stageOf(i));
+        std::cout << fmt::format("{} {} | killed\n", function, which);
     }
 
-    EXPECT_THAT(functions, IsSupersetOf({"openat", "getdents64", "mkdirat", "fstat", "fstatat", "copy_file_range",
-                                         "flistxattr", "fchmod", "futimens", "syncfs", "close"}));
-    EXPECT_EQ(stages.size(), flow.stages);
+    EXPECT_EQ(stages, GetParam().stages);
 }
 
 } // namespace

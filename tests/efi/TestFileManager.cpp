@@ -36,6 +36,12 @@ QCoro::Task<> TestFileManager::copyItem(std::string from, std::string to, Cancel
     co_await copy;
 }
 
+QCoro::Task<TreeComparison> TestFileManager::compareItems(std::string first, std::string second)
+{
+    auto comparison = m_real.compareItems(first, second);
+    co_return co_await comparison;
+}
+
 QCoro::Task<> TestFileManager::removeItem(std::string path)
 {
     asked.push_back(fmt::format("remove {}", path));

@@ -4,7 +4,8 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
+#include <sstream>
+#include <utility>
 
 namespace brindle {
 
@@ -13,7 +14,9 @@ std::string contentsOf(const std::filesystem::path &file)
     std::ifstream stream(file, std::ios::binary);
     if (!stream)
         ADD_FAILURE() << "can't read " << file;
-    return {std::istreambuf_iterator<char>(stream), {}};
+    std::ostringstream bytes;
+    bytes << stream.rdbuf();
+    return std::move(bytes).str();
 }
 
 std::string fixture(std::string_view name)

@@ -1,11 +1,13 @@
 #include "platform/linux/LinuxFileManager.h"
 
 #include "platform/linux/FolderEntries.h"
+#include "platform/linux/TreeComparer.h"
 #include "platform/linux/TreeCopy.h"
 #include "platform/linux/TreeRemoval.h"
 
 #include "base/OnWorker.h"
 
+#include <cerrno>
 #include <stop_token>
 #include <utility>
 
@@ -30,7 +32,7 @@ std::vector<std::string> namesIn(const std::string &path)
 bool LinuxFileManager::fileExists(const std::string &path) const
 {
     struct stat status {};
-    return ::stat(path.c_str(), &status) == 0;
+    return ::stat(path.c_str(), &status) == 0 || (errno != ENOENT && errno != ENOTDIR);
 }
 
 QCoro::Task<std::vector<std::string>> LinuxFileManager::contentsOfDirectory(std::string path)
@@ -46,6 +48,12 @@ QCoro::Task<> LinuxFileManager::copyItem(std::string from, std::string to, Cance
     const auto registration = token.onCancel([stop]() mutable { stop.request_stop(); });
     auto copy = onWorker([from, to, stop] { TreeCopy(from, to, stop.get_token()).run(); });
     co_await copy;
+}
+
+QCoro::Task<TreeComparison> LinuxFileManager::compareItems(std::string first, std::string second)
+{
+    return onWorker(
+        [first = std::move(first), second = std::move(second)] { return TreeComparer(first, second).run(); });
 }
 
 QCoro::Task<> LinuxFileManager::removeItem(std::string path)

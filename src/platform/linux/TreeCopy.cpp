@@ -8,8 +8,9 @@
 #include <array>
 #include <cerrno>
 #include <climits>
+#include <cstdlib>
 #include <filesystem>
-#include <system_error>
+#include <memory>
 #include <utility>
 
 #include <dirent.h>
@@ -34,11 +35,10 @@ struct stat statusOf(const FileDescriptor &file, std::string_view path)
 
 std::filesystem::path canonicalPath(const std::string &path)
 {
-    std::error_code error;
-    auto canonical = std::filesystem::canonical(path, error);
-    if (error)
-        throw Error::fromErrno(error.value(), path);
-    return canonical;
+    const std::unique_ptr<char, decltype(&std::free)> canonical(::realpath(path.c_str(), nullptr), &std::free);
+    if (!canonical)
+        throw Error::fromErrno(errno, path);
+    return canonical.get();
 }
 
 } // namespace

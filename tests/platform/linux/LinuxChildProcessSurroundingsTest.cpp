@@ -36,6 +36,13 @@ TEST(LinuxChildProcess, InheritsNoDescriptorButTheStandardOnes)
     EXPECT_EQ(child.end().standardOutput, "0\n1\n2\n3\n"); // 3 is the folder that ls reads
 }
 
+TEST(LinuxChildProcess, IsOutOfReachOfTheTerminalsInterruption)
+{
+    const Child child(shell("read -r _ _ _ _ group _ < /proc/$$/stat; test $group = $$ && echo own"));
+
+    EXPECT_EQ(child.end().standardOutput, "own\n");
+}
+
 TEST(LinuxChildProcess, CanBeTerminatedThoughItsParentIgnoresAndBlocksTheSignal)
 {
     sigset_t terminationOnly;
