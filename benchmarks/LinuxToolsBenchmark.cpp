@@ -30,7 +30,7 @@ namespace {
 constexpr double kAllowedRatio = 1.0;
 constexpr int kRounds = 41;
 
-/// Runs \a words with standard output thrown away.
+/// Runs \a words with what they print thrown away.
 void run(std::vector<std::string> words)
 {
     std::vector<char *> argv;
@@ -40,6 +40,7 @@ void run(std::vector<std::string> words)
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
     pid_t process = 0;
     const int error = posix_spawnp(&process, argv[0], &actions, nullptr, argv.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
@@ -61,7 +62,7 @@ std::string firstLineOf(const std::string &command)
 class LoopDisk {
 public:
     explicit LoopDisk(int partitions)
-        : m_image(std::filesystem::temp_directory_path() / fmt::format("disk-{}-{}", getpid(), partitions))
+        : m_image(std::filesystem::temp_directory_path() / fmt::format("disk-{}-{}", getpid(), fmt::ptr(this)))
     {
         std::ofstream(m_image).close();
         std::filesystem::resize_file(m_image, 512U << 20);
@@ -80,11 +81,12 @@ public:
     LoopDisk &operator=(const LoopDisk &) = delete;
     ~LoopDisk()
     {
-        if (!m_node.empty()) {
-            run({"partx", "-d", m_node});
-            run({"losetup", "-d", m_node});
-        }
-        std::filesystem::remove(m_image);
+        // udev may still read a partition, which can't be taken out then.
+        if (!m_node.empty())
+            (void)firstLineOf(
+                fmt::format("{{ udevadm settle; partx -d {0}; losetup -d {0}; }} >/dev/null 2>&1", m_node));
+        std::error_code ignored;
+        std::filesystem::remove(m_image, ignored);
     }
 
     [[nodiscard]] const std::string &node() const { return m_node; }
@@ -152,7 +154,7 @@ void compareWithUdev(const std::string &program)
                                            program);
     std::fflush(stdout);
     if (access("/lib/systemd/systemd-udevd", X_OK) == 0)
-        run({"unshare", "-m", "-n", "sh", "-c", inside + " >&2"});
+        (void)std::system(fmt::format("unshare -m -n sh -c '{}'", inside).c_str());
     else
         fmt::print("with udev: not measured, there is no udevd\n");
 }

@@ -1,5 +1,6 @@
 #include "acting/ActingVerbs.h"
 
+#include "acting/ActionWords.h"
 #include "acting/Actor.h"
 #include "acting/EraseText.h"
 #include "inventory/Identifier.h"
@@ -10,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <csignal>
+#include <utility>
 
 namespace brindle::tools {
 namespace {
@@ -24,10 +26,11 @@ bool namesThePlace(const Inventory &inventory, const Target &target, std::string
     return isNode || parseIdentifier(argument) || std::ranges::any_of(inventory.mounts, isItsPlace);
 }
 
-/// What the actions need: the whole machine, for a name may stand for any of its volumes.
-Inventory readAll(InventorySource &source)
+/// What an action on what \a name stands for needs to know.
+Inventory inventoryFor(InventorySource &source, std::string_view name)
 {
     Scope scope;
+    scope.name = name;
     scope.withContents = true;
     scope.withMounts = true;
     return source.read(scope);
@@ -37,7 +40,7 @@ Target findTarget(const Inventory &inventory, std::string_view argument)
 {
     const auto device = findDevice(inventory, argument);
     if (!device)
-        throw ActionError(fmt::format("Unable to find disk for {}", printable(argument)));
+        throw diskNotFound(argument);
     Target target{printable(argument), *device};
     const int bearers = volumesNamed(inventory, argument);
     if (bearers > 1 && !namesThePlace(inventory, target, argument))
@@ -61,9 +64,16 @@ void print(Context &context, fmt::format_string<Values...> text, Values &&...val
     context.out += fmt::format(text, std::forward<Values>(values)...) + '\n';
 }
 
+/// An erase takes long: who waits reads how far it is.
+void tellSoFar(Context &context)
+{
+    if (context.tell)
+        context.tell(std::exchange(context.out, {}));
+}
+
 void mount(Context &context, Arguments arguments)
 {
-    const Inventory inventory = readAll(context.source);
+    const Inventory inventory = inventoryFor(context.source, arguments[0]);
     const std::string name = context.actor->mount(findTarget(inventory, arguments[0]));
     print(context, "Volume {} on {} mounted", printable(name), printable(arguments[0]));
 }
@@ -71,7 +81,7 @@ void mount(Context &context, Arguments arguments)
 void unmount(Context &context, Arguments arguments)
 {
     const bool isForced = arguments.size() == 2;
-    const Inventory inventory = readAll(context.source);
+    const Inventory inventory = inventoryFor(context.source, arguments.back());
     const std::string name = context.actor->unmount(findTarget(inventory, arguments.back()), isForced);
     print(context, "Volume {} on {} {}unmounted", printable(name), printable(arguments.back()),
           isForced ? "force-" : "");
@@ -79,14 +89,14 @@ void unmount(Context &context, Arguments arguments)
 
 void rename(Context &context, Arguments arguments)
 {
-    const Inventory inventory = readAll(context.source);
+    const Inventory inventory = inventoryFor(context.source, arguments[0]);
     const std::string label = context.actor->rename(findTarget(inventory, arguments[0]), arguments[1]);
     print(context, "Volume on {} renamed to {}", printable(arguments[0]), label);
 }
 
 void eject(Context &context, Arguments arguments)
 {
-    const Inventory inventory = readAll(context.source);
+    const Inventory inventory = inventoryFor(context.source, arguments[0]);
     context.actor->eject(findTarget(inventory, arguments[0]));
     print(context, "Disk {} ejected", printable(arguments[0]));
 }
@@ -101,11 +111,14 @@ void printFormatting(Context &context, const Erased &erased, const Format &forma
 void eraseVolume(Context &context, Arguments arguments)
 {
     const Format &format = findFormatOrThrow(arguments[0]);
-    const Inventory inventory = readAll(context.source);
+    const Inventory inventory = inventoryFor(context.source, arguments[2]);
     const Target target = findTarget(inventory, arguments[2]);
     print(context, "Started erase on {}\nUnmounting disk", target.identifier());
-    const Erased erased = context.actor->eraseVolume(target, format, arguments[1]);
-    print(context, "Erasing");
+    tellSoFar(context);
+    const Erased erased = context.actor->eraseVolume(target, format, arguments[1], [&](const Erased &) {
+        print(context, "Erasing");
+        tellSoFar(context);
+    });
     printFormatting(context, erased, format);
     print(context, "Finished erase on {} {}", erased.identifier, erased.label);
 }
@@ -116,12 +129,15 @@ void eraseDisk(Context &context, Arguments arguments)
         throw ActionError(
             fmt::format("{} does not appear to be a valid partition scheme: only GPT is", printable(arguments[2])));
     const Format &format = findFormatOrThrow(arguments[0]);
-    const Inventory inventory = readAll(context.source);
+    const Inventory inventory = inventoryFor(context.source, arguments.back());
     const Target target = findTarget(inventory, arguments.back());
     print(context, "Started erase on {}\nUnmounting disk", target.identifier());
-    const Erased erased = context.actor->eraseDisk(target, format, arguments[1]);
-    print(context, "Creating the partition map\nWaiting for partitions to activate");
-    print(context, "Formatting {} as {} with name {}", erased.identifier, format.title, erased.label);
+    tellSoFar(context);
+    const Erased erased = context.actor->eraseDisk(target, format, arguments[1], [&](const Erased &made) {
+        print(context, "Creating the partition map\nWaiting for partitions to activate");
+        print(context, "Formatting {} as {} with name {}", made.identifier, format.title, made.label);
+        tellSoFar(context);
+    });
     printFormatting(context, erased, format);
     print(context, "Finished erase on {}", target.identifier());
 }

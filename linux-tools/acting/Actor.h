@@ -4,6 +4,7 @@
 #include "inventory/FindDevice.h"
 
 #include <cstdint>
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -33,6 +34,9 @@ struct Erased {
     bool isMounted = false;
 };
 
+/// Is told what is being made, once what was there is gone and before the new file system is made, which may take long.
+using Announce = std::function<void(const Erased &)>;
+
 /// Acts on the disks of a machine: of the running kernel, or of a machine file. Every action throws ActionError, and
 /// changes nothing then unless it says so. Names are data, fitted to the file system by the actor.
 class Actor {
@@ -56,10 +60,12 @@ public:
 
     /// Makes a new file system in the place of one; an EFI partition keeps its type and its UUID. What was mounted is
     /// unmounted first.
-    virtual Erased eraseVolume(const Target &target, const Format &format, std::string_view name) = 0;
+    virtual Erased eraseVolume(const Target &target, const Format &format, std::string_view name,
+                               const Announce &announce) = 0;
 
     /// Makes a new GPT with an EFI partition of 200 MB and one volume behind it.
-    virtual Erased eraseDisk(const Target &target, const Format &format, std::string_view name) = 0;
+    virtual Erased eraseDisk(const Target &target, const Format &format, std::string_view name,
+                             const Announce &announce) = 0;
 };
 
 } // namespace brindle::tools

@@ -51,6 +51,7 @@ void dropBlanksAtEnd(std::string &name)
 std::string fitted(std::string_view name, const NameRule &rule)
 {
     std::string label;
+    name.remove_prefix(std::min(name.find_first_not_of(' '), name.size()));
     for (std::size_t used = 0; !name.empty();) {
         const auto read = firstCodePoint(name);
         const bool isKept = read && isAllowed(*read, rule);
@@ -69,6 +70,15 @@ std::string fittedLabel(std::string_view name, std::string_view fileSystem)
 {
     const auto rule = std::ranges::find(kRules, fileSystem, &decltype(kRules)::value_type::first);
     return fitted(name, rule == kRules.end() ? kOtherRule : rule->second);
+}
+
+std::string folderNameOf(std::string_view label)
+{
+    constexpr std::size_t kLongest = 240; // room for a number within the 255 bytes of a file name
+    const std::string name = fitted(label, NameRule{.limit = kLongest, .forbidden = "/"});
+    if (name.empty())
+        return "Untitled";
+    return name == "." || name == ".." ? std::string(name.size(), '_') : name;
 }
 
 } // namespace brindle::tools

@@ -17,7 +17,7 @@ struct NameRule {
     bool isAscii = false;       ///< Nothing beyond ASCII.
 };
 
-/// \a name as \a rule allows it: without blanks at its end, with "_" for each character that is forbidden or no
+/// \a name as \a rule allows it: without blanks at its ends, with "_" for each character that is forbidden or no
 /// UTF-8, cut before the character that doesn't fit.
 [[nodiscard]] std::string fitted(std::string_view name, const NameRule &rule);
 
@@ -25,5 +25,8 @@ struct NameRule {
 /// descriptions: FAT 11 bytes of its code page in upper case, exFAT 11 and NTFS 32 UTF-16 units, HFS+ 255, ext 16
 /// bytes.
 [[nodiscard]] std::string fittedLabel(std::string_view name, std::string_view fileSystem);
+
+/// The folder that a volume of this label is mounted on: what would lead elsewhere or can't be printed becomes "_".
+[[nodiscard]] std::string folderNameOf(std::string_view label);
 
 } // namespace brindle::tools

@@ -3,6 +3,7 @@
 #include "command/Answer.h"
 #include "inventory/InventorySource.h"
 
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -18,6 +19,9 @@ struct Context {
     std::string out;        ///< For standard output.
     std::string err;        ///< For standard error.
     Actor *actor = nullptr; ///< Null where nothing can be done to the disks.
+
+    /// Writes a part of the output at once; empty: all of it is written at the end.
+    std::function<void(std::string)> tell = {};
 };
 
 using Arguments = std::span<const std::string_view>;

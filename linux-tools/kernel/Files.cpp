@@ -16,7 +16,10 @@
 
 namespace brindle::tools {
 
-Descriptor::Descriptor(const std::string &path, int flags) : m_descriptor(::open(path.c_str(), flags | O_CLOEXEC)) {}
+Descriptor::Descriptor(const std::string &path, int flags, mode_t mode)
+    : m_descriptor(::open(path.c_str(), flags | O_CLOEXEC, mode))
+{
+}
 
 Descriptor::Descriptor(Descriptor &&other) noexcept : m_descriptor(std::exchange(other.m_descriptor, -1)) {}
 

@@ -5,13 +5,15 @@
 #include <string>
 #include <vector>
 
+#include <sys/types.h>
+
 namespace brindle::tools {
 
 /// A file descriptor that is closed with its owner.
 class Descriptor {
 public:
     /// Opens with O_CLOEXEC; invalid when that fails, with the reason in errno.
-    Descriptor(const std::string &path, int flags);
+    Descriptor(const std::string &path, int flags, mode_t mode = 0);
     Descriptor(Descriptor &&other) noexcept;
     Descriptor(const Descriptor &) = delete;
     Descriptor &operator=(const Descriptor &) = delete;

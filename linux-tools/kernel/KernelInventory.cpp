@@ -2,6 +2,7 @@
 
 #include "inventory/FindDevice.h"
 #include "inventory/Identifier.h"
+#include "inventory/RealPath.h"
 #include "kernel/DiskReader.h"
 #include "kernel/EfiVariables.h"
 #include "kernel/Files.h"
@@ -11,8 +12,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
-#include <memory>
 #include <utility>
 #include <vector>
 
@@ -48,15 +47,6 @@ Asked askedNode(const BlockDevices &devices, const MountReader &mounts, const Bl
     Asked asked = askedDevice(devices, carrier, scope.onlyNamed);
     asked.link = {.path = scope.name, .target = targetOf(device, carrier, mounts)};
     return asked;
-}
-
-/// The path without links, blank steps and slashes at its end; empty where it leads nowhere. A single word is a name.
-std::string realPath(const std::string &path)
-{
-    if (path.find('/') == std::string::npos && path != "." && path != "..")
-        return {};
-    const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
-    return real ? real.get() : std::string();
 }
 
 /// What a path is about that is no node's and no mount point's own.

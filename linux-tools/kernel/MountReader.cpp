@@ -103,9 +103,8 @@ const BlockDevice *MountReader::carrierAt(std::string_view mountPoint) const
 
 std::string MountReader::whyWithoutCarrier(std::string_view mountPoint) const
 {
-    const auto entry = std::find_if(m_entries.rbegin(), m_entries.rend(),
-                                    [&](const MountEntry &each) { return each.mountPoint == mountPoint; });
-    if (entry == m_entries.rend())
+    const MountEntry *const entry = at(mountPoint);
+    if (!entry)
         return {};
     if (entry->fileSystem == "overlay")
         return fmt::format("{} is an overlay of folders that lie on no disk which can be seen from here", mountPoint);
@@ -118,6 +117,24 @@ std::string MountReader::mountPointOf(const BlockDevice &device) const
     const auto isOfDevice = [&](const MountEntry &entry) { return m_carriers.of(entry).source == &device; };
     const auto entry = std::ranges::find_if(m_entries, isOfDevice);
     return entry == m_entries.end() ? std::string() : entry->mountPoint;
+}
+
+const MountEntry *MountReader::at(std::string_view mountPoint) const
+{
+    const auto entry = std::find_if(m_entries.rbegin(), m_entries.rend(),
+                                    [&](const MountEntry &each) { return each.mountPoint == mountPoint; });
+    return entry == m_entries.rend() ? nullptr : &*entry;
+}
+
+std::vector<CarriedMount> MountReader::carriedBy(const std::vector<const BlockDevice *> &carriers) const
+{
+    std::vector<CarriedMount> mounts;
+    for (const MountEntry &entry : m_entries) {
+        const Carrier carrier = m_carriers.of(entry);
+        if (carrier.carrier && std::ranges::find(carriers, carrier.carrier) != carriers.end())
+            mounts.push_back({&entry, carrier.carrier, carrier.source == carrier.carrier && !carrier.isBehindFiles});
+    }
+    return mounts;
 }
 
 std::vector<Mount> MountReader::read(const std::vector<Disk> &disks, bool withSpace) const

@@ -11,6 +11,13 @@
 
 namespace brindle::tools {
 
+/// A mount of a file system that lies on a device.
+struct CarriedMount {
+    const MountEntry *entry = nullptr;
+    const BlockDevice *carrier = nullptr;
+    bool isOwn = false; ///< The carrier's own, not that of a device made of it or of a file on it.
+};
+
 /// The mounts of a table, /proc/self/mountinfo, over the kernel's devices.
 class MountReader {
 public:
@@ -24,6 +31,12 @@ public:
 
     /// Where a device is mounted first; empty where it isn't.
     [[nodiscard]] std::string mountPointOf(const BlockDevice &device) const;
+
+    /// The mounts of what lies on \a carriers, disks and partitions, in their order.
+    [[nodiscard]] std::vector<CarriedMount> carriedBy(const std::vector<const BlockDevice *> &carriers) const;
+
+    /// What is mounted at a place last, and hides the others there; null for nothing.
+    [[nodiscard]] const MountEntry *at(std::string_view mountPoint) const;
 
     /// The mounts of the file systems that lie on \a disks, in their order.
     [[nodiscard]] std::vector<Mount> read(const std::vector<Disk> &disks, bool withSpace) const;

@@ -2,6 +2,8 @@
 
 #include "text/Words.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -200,6 +202,18 @@ std::string partitionTypeName(std::string_view table, std::string_view code)
     if (table == "dos" || table == "PMBR")
         return byteName(code);
     return std::string(code);
+}
+
+std::string gptTypeCode(std::string_view name)
+{
+    const auto row = std::ranges::find(kGuids, name, &GuidName::name);
+    return row != kGuids.end() ? std::string(row->guid) : std::string();
+}
+
+std::string mbrTypeCode(std::string_view name)
+{
+    const auto row = std::ranges::find(kBytes, name, &ByteName::name);
+    return row != kBytes.end() ? fmt::format("{:#04x}", row->byte) : std::string();
 }
 
 bool isExtended(std::string_view table, std::string_view code)

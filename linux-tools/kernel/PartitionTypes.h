@@ -15,6 +15,10 @@ namespace brindle::tools {
 /// in upper case, another code as it is.
 [[nodiscard]] std::string partitionTypeName(std::string_view table, std::string_view code);
 
+/// The first type of a printed name in a GPT, a GUID, and in an MBR, "0xaf"; empty for none.
+[[nodiscard]] std::string gptTypeCode(std::string_view name);
+[[nodiscard]] std::string mbrTypeCode(std::string_view name);
+
 /// Whether an entry is no partition but holds the logical ones of an MBR.
 [[nodiscard]] bool isExtended(std::string_view table, std::string_view code);
 

@@ -1,15 +1,17 @@
 #include "kernel/UDisksModule.h"
 
+#include "kernel/Module.h"
+
+#include <array>
 #include <cstdlib>
 #include <string_view>
 
-#include <dlfcn.h>
 #include <unistd.h>
 
 namespace brindle::tools {
 namespace {
 
-constexpr const char *kModule = "brindle-udisks.so"; // Found by the program's run path.
+constexpr const char *kModule = "brindle-udisks.so";
 
 /// Whether it may be worth to load the module. A socket that is named by its path is looked for.
 bool isThere(const std::string &busAddress)
@@ -26,12 +28,27 @@ Smart healthFromUDisks(const std::string &busAddress, const std::string &device)
 {
     if (!isThere(busAddress))
         return Smart::notSupported;
-    void *const module = ::dlopen(kModule, RTLD_NOW | RTLD_LOCAL); // Stays: the program ends soon.
-    void *const function = module ? ::dlsym(module, "brindleUDisksHealth") : nullptr;
+    void *const function = moduleFunction(kModule, "brindleUDisksHealth");
     if (!function)
         return Smart::notSupported;
     return static_cast<Smart>(
         reinterpret_cast<decltype(&brindleUDisksHealth)>(function)(busAddress.c_str(), device.c_str()));
+}
+
+std::optional<std::string> ejectThroughUDisks(const std::string &busAddress, const std::string &device,
+                                              const std::vector<std::string> &mounted)
+{
+    void *const function = isThere(busAddress) ? moduleFunction(kModule, "brindleUDisksEject") : nullptr;
+    if (!function)
+        return std::nullopt;
+    std::vector<const char *> names;
+    for (const std::string &name : mounted)
+        names.push_back(name.c_str());
+    std::array<char, 512> refusal{};
+    (void)reinterpret_cast<decltype(&brindleUDisksEject)>(function)(busAddress.c_str(), device.c_str(), names.data(),
+                                                                    static_cast<unsigned>(names.size()), refusal.data(),
+                                                                    static_cast<unsigned>(refusal.size()));
+    return std::string(refusal.data());
 }
 
 std::string systemBusAddress()

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "kernel/Files.h"
+
 #include <chrono>
 #include <filesystem>
 #include <string>
@@ -13,12 +15,9 @@ public:
     /// Waits for the lock, but no longer than \a patience: a MachineFileError then. std::system_error for the rest.
     explicit FolderLock(const std::filesystem::path &folder,
                         std::chrono::milliseconds patience = std::chrono::seconds(10));
-    ~FolderLock();
-    FolderLock(const FolderLock &) = delete;
-    FolderLock &operator=(const FolderLock &) = delete;
 
 private:
-    int m_descriptor;
+    Descriptor m_folder;
 };
 
 /// The whole file; std::system_error.

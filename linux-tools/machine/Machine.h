@@ -1,5 +1,6 @@
 #pragma once
 
+#include "acting/ActionWords.h"
 #include "inventory/Inventory.h"
 
 #include <nlohmann/json_fwd.hpp>
@@ -11,12 +12,6 @@
 #include <vector>
 
 namespace brindle::tools {
-
-/// The process that keeps a mounted volume busy.
-struct Dissenter {
-    std::uint64_t pid = 0;
-    std::string program; ///< "/usr/bin/tail"
-};
 
 /// What a machine file says of a disk, a partition or an APFS volume beyond the inventory.
 struct DescribedCarrier {

@@ -34,9 +34,6 @@ void renew(nlohmann::ordered_json &apfsVolume, const std::string &label);
 /// unformatted. The disk has room for both.
 nlohmann::ordered_json &makeTable(nlohmann::ordered_json &disk, const Format &format);
 
-/// The least size of a disk that makeTable() has room on.
-inline constexpr std::uint64_t kSmallestDiskBytes = 256 * 1024 * 1024;
-
 /// Moves a disk to the shelf.
 void unplug(nlohmann::ordered_json &machine, std::string_view identifier);
 

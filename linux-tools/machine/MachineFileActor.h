@@ -20,12 +20,14 @@ public:
     std::string unmount(const Target &target, bool isForced) override;
     std::string rename(const Target &target, std::string_view name) override;
     void eject(const Target &target) override;
-    Erased eraseVolume(const Target &target, const Format &format, std::string_view name) override;
-    Erased eraseDisk(const Target &target, const Format &format, std::string_view name) override;
+    Erased eraseVolume(const Target &target, const Format &format, std::string_view name,
+                       const Announce &announce) override;
+    Erased eraseDisk(const Target &target, const Format &format, std::string_view name,
+                     const Announce &announce) override;
 
 private:
     void requireErasable(const Device &device) const;
-    void requirePrivilege(const Device &device, const std::function<std::string()> &refusal) const;
+    void requirePrivilege(const Device &device, const std::function<ActionError()> &refusal) const;
 
     const MachineFile &m_file;
     bool m_isPrivileged;

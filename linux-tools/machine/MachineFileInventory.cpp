@@ -1,6 +1,7 @@
 #include "machine/MachineFileInventory.h"
 
 #include "inventory/NvramName.h"
+#include "inventory/RealPath.h"
 #include "text/Words.h"
 
 #include <algorithm>
@@ -8,12 +9,31 @@
 namespace brindle::tools {
 namespace {
 
+namespace fs = std::filesystem;
+
 std::optional<NvramVariable> findVariable(const Machine &machine, const NvramName &name)
 {
     const auto found = std::ranges::find_if(machine.nvram, [&](const NvramVariable &variable) {
         return upperCased(variable.guid) == upperCased(name.guid) && variable.name == name.name;
     });
     return found == machine.nvram.end() ? std::nullopt : std::optional(*found);
+}
+
+/// A path without blank steps, ".." and slashes at its end, whether it leads anywhere or not.
+fs::path plainPath(const fs::path &path)
+{
+    const fs::path plain = path.lexically_normal();
+    return plain.has_filename() ? plain : plain.parent_path();
+}
+
+/// Whether a name on the command line is a path to a mount point. One of the simulated system's own may be nowhere on
+/// the real machine.
+bool leadsTo(const std::string &name, const std::string &mountPoint, bool isOfSystem)
+{
+    const std::string real = realPath(name);
+    if (isOfSystem)
+        return real == mountPoint || plainPath(name) == mountPoint;
+    return !real.empty() && real == realPath(mountPoint);
 }
 
 } // namespace
@@ -28,8 +48,11 @@ Inventory MachineFileInventory::read(const Scope &scope)
             mount.space = spaceOf(machine, mount.carrier);
     }
     for (Mount &mount : machine.inventory.mounts) {
-        if (!isSystemMount(mount))
+        const bool isOfSystem = isSystemMount(mount);
+        if (!isOfSystem)
             mount.mountPoint = (m_file.root() / mount.mountPoint).string();
+        if (leadsTo(scope.name, mount.mountPoint, isOfSystem))
+            machine.inventory.link = Link{.path = scope.name, .target = mount.mountPoint};
     }
     return std::move(machine.inventory);
 }

@@ -10,7 +10,8 @@ class MachineFileInventory : public InventorySource {
 public:
     explicit MachineFileInventory(const MachineFile &file); ///< The file outlives the inventory.
 
-    /// Mount points below ROOT are absolute. The space of a volume that the file doesn't give is that of its folder.
+    /// Mount points below ROOT are absolute, and any path that leads to one stands for it. The space of a volume that
+    /// the file doesn't give is that of its folder.
     [[nodiscard]] Inventory read(const Scope &scope) override;
 
     [[nodiscard]] std::optional<NvramVariable> nvramVariable(std::string_view name) override;

@@ -1,20 +1,18 @@
 // brindle-machine: makes simulated machines and plugs their disks in and out.
 
-#include "acting/Actor.h"
+#include "command/Answer.h"
 #include "machine/Plug.h"
+#include "text/Words.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
-#include <cstdio>
+#include <sstream>
 
 namespace {
 
 namespace fs = std::filesystem;
 using namespace brindle::tools;
-
-constexpr int kFailed = 1;
-constexpr int kWrongUsage = 2;
 
 /// The machine that is shipped beside this program: PREFIX/bin and PREFIX/share/brindle/demo.
 fs::path shippedDemo()
@@ -22,19 +20,23 @@ fs::path shippedDemo()
     return fs::canonical("/proc/self/exe").parent_path().parent_path() / "share" / "brindle" / "demo";
 }
 
-void printDisks(const std::string &root)
+std::string diskLines(const std::string &root)
 {
+    std::string lines;
     for (const PluggedDisk &disk : pluggedDisks(MachineFile(root)))
-        fmt::print("{:<4}{:<8}{}\n", disk.isIn ? "in" : "out", disk.identifier, printable(disk.mediaName));
+        lines += fmt::format("{:<4}{:<8}{}\n", disk.isIn ? "in" : "out", disk.identifier, printable(disk.mediaName));
+    return lines;
 }
 
-struct Options {
+/// What the command line says, and what is to be printed of it.
+struct Call {
     std::string root;
     std::string disk;
     std::string from;
+    std::string output;
 };
 
-void describe(CLI::App &app, Options &options)
+void describe(CLI::App &app, Call &call)
 {
     app.require_subcommand(1);
     auto *const list = app.add_subcommand("list", "Print the disks that are plugged in and out");
@@ -42,31 +44,45 @@ void describe(CLI::App &app, Options &options)
     auto *const out = app.add_subcommand("out", "Pull a disk out, mounted or not");
     auto *const create = app.add_subcommand("new", "Make a machine as a copy of the demo's or another");
     for (CLI::App *const command : {list, in, out, create})
-        command->add_option("ROOT", options.root, "The folder that holds machine.json")->required();
+        command->add_option("ROOT", call.root, "The folder that holds machine.json")->required();
     for (CLI::App *const command : {in, out})
-        command->add_option("DISK", options.disk, "An identifier or a media name")->required();
-    create->add_option("--from", options.from, "The ROOT of the machine to copy");
-    list->callback([&options] { printDisks(options.root); });
-    in->callback([&options] { fmt::print("{}\n", plugIn(MachineFile(options.root), options.disk)); });
-    out->callback([&options] { plugOut(MachineFile(options.root), options.disk); });
-    create->callback(
-        [&options] { copyMachine(options.from.empty() ? shippedDemo() : fs::path(options.from), options.root); });
+        command->add_option("DISK", call.disk, "An identifier or a media name")->required();
+    create->add_option("--from", call.from, "The ROOT of the machine to copy");
+    list->callback([&call] { call.output = diskLines(call.root); });
+    in->callback([&call] { call.output = plugIn(MachineFile(call.root), call.disk) + '\n'; });
+    out->callback([&call] { plugOut(MachineFile(call.root), call.disk); });
+    create->callback([&call] { copyMachine(call.from.empty() ? shippedDemo() : fs::path(call.from), call.root); });
+}
+
+/// Each line without what would act on a terminal: arguments stand in complaints.
+std::string printableLines(const std::string &text)
+{
+    std::string lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);)
+        lines += printable(line) + '\n';
+    return lines;
+}
+
+Answer answerOf(int argc, char *argv[])
+{
+    CLI::App app("Makes simulated machines and plugs their disks in and out", "brindle-machine");
+    Call call;
+    describe(app, call);
+    try {
+        app.parse(argc, argv);
+        return {.status = kDone, .out = std::move(call.output), .err = {}};
+    } catch (const CLI::ParseError &error) {
+        std::ostringstream help;
+        std::ostringstream complaint;
+        const bool isHelp = app.exit(error, help, complaint) == 0;
+        return {.status = isHelp ? kDone : kWrongUsage, .out = help.str(), .err = printableLines(complaint.str())};
+    }
 }
 
 } // namespace
 
 int main(int argc, char *argv[])
 {
-    CLI::App app("Makes simulated machines and plugs their disks in and out", "brindle-machine");
-    Options options;
-    describe(app, options);
-    try {
-        app.parse(argc, argv);
-        return 0;
-    } catch (const CLI::ParseError &error) {
-        return app.exit(error) == 0 ? 0 : kWrongUsage;
-    } catch (const std::exception &error) {
-        std::fprintf(stderr, "brindle-machine: %s\n", error.what());
-        return kFailed;
-    }
+    return tellAnswer([&] { return answerOf(argc, argv); });
 }

@@ -14,7 +14,6 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view kContents = "contents";
 constexpr std::uint64_t kClusterBytes = 4096;
-constexpr std::size_t kLongestName = 240; // room for a number within the 255 bytes of a file name
 
 bool contains(const std::vector<Mount> &mounts, const std::string &mountPoint)
 {
@@ -42,16 +41,6 @@ void move(const fs::path &from, const fs::path &to)
 {
     fs::create_directories(to.parent_path());
     fs::rename(from, to);
-}
-
-/// The folder that a volume of this label is mounted on: what would lead elsewhere or can't be printed becomes "_".
-std::string folderName(std::string_view label)
-{
-    const std::size_t start = std::min(label.find_first_not_of(' '), label.size());
-    const std::string name = fitted(label.substr(start), NameRule{.limit = kLongestName, .forbidden = "/"});
-    if (name.empty())
-        return "Untitled";
-    return name == "." || name == ".." ? std::string(name.size(), '_') : name;
 }
 
 fs::path existingOr(const fs::path &first, const fs::path &second)
@@ -108,7 +97,7 @@ std::string MountFolders::freeMountPoint(const Machine &machine, std::string_vie
         return !contains(ending, mountPoint) &&
                (contains(machine.inventory.mounts, mountPoint) || fs::exists(fs::symlink_status(m_root / mountPoint)));
     };
-    const std::string first = "Volumes/" + folderName(name);
+    const std::string first = "Volumes/" + folderNameOf(name);
     std::string mountPoint = first;
     for (int number = 1; isTaken(mountPoint); ++number)
         mountPoint = fmt::format("{} {}", first, number);

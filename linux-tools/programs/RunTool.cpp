@@ -2,20 +2,29 @@
 
 #include "kernel/KernelInventory.h"
 #include "kernel/UDisksModule.h"
+#include "kernel/acting/KernelActor.h"
 #include "machine/MachineFileActor.h"
 #include "machine/MachineFileInventory.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <utility>
 
 namespace brindle::tools {
 namespace {
 
+/// A reader that has gone is no reason to end what was begun.
+void writeAtOnce(const std::string &text)
+{
+    (void)std::fwrite(text.data(), 1, text.size(), stdout);
+    (void)std::fflush(stdout);
+}
+
 /// The command over what it belongs to: a machine file or the running kernel.
 Answer answerOf(int (*command)(Context &, Arguments), Arguments arguments)
 {
     const auto run = [&](InventorySource &source, Actor *actor) {
-        Context context{.source = source, .out = {}, .err = {}, .actor = actor};
+        Context context{.source = source, .out = {}, .err = {}, .actor = actor, .tell = writeAtOnce};
         const int status = command(context, arguments);
         return Answer{.status = status, .out = std::move(context.out), .err = std::move(context.err)};
     };
@@ -23,8 +32,10 @@ Answer answerOf(int (*command)(Context &, Arguments), Arguments arguments)
     if (!root) {
         KernelRoots roots;
         roots.systemBus = systemBusAddress();
+        KernelCalls calls;
+        KernelActor actor(roots, ActorRoots(), calls);
         KernelInventory kernel(std::move(roots));
-        return run(kernel, nullptr);
+        return run(kernel, &actor);
     }
     const MachineFile file(*root);
     MachineFileInventory inventory(file);

@@ -5,8 +5,8 @@
 #include "efi/EraseFlow.h"
 #include "privileged/EFIOperations.h"
 #include "privileged/KeychainHelper.h"
-#include "privileged/NoMountNotifier.h"
 #include "records/ToolRunner.h"
+#include "shell/NotificationManager.h"
 #include "shell/ViewHeightCalculator.h"
 #include "state/DiskEventMonitor.h"
 #include "state/DiskManager.h"
@@ -21,10 +21,12 @@ public:
     explicit Assembly(Platform platform);
 
     [[nodiscard]] UserDefaults &userDefaults() { return *m_platform.userDefaults; }
+    [[nodiscard]] ToolRunner &toolRunner() { return m_toolRunner; }
     [[nodiscard]] Dialogs &dialogs() { return *m_platform.dialogs; }
     [[nodiscard]] FileManager &fileManager() { return *m_platform.fileManager; }
     [[nodiscard]] Workspace &workspace() { return *m_platform.workspace; }
     [[nodiscard]] KeychainHelper &keychainHelper() { return m_keychainHelper; }
+    [[nodiscard]] NotificationManager &notificationManager() { return m_notificationManager; }
     [[nodiscard]] EFIOperations &efiOperations() { return m_efiOperations; }
     [[nodiscard]] SystemInfoDetector &systemInfoDetector() { return m_systemInfoDetector; }
     [[nodiscard]] DiskManager &diskManager() { return m_diskManager; }
@@ -38,7 +40,7 @@ private:
     Platform m_platform;
     ToolRunner m_toolRunner;
     KeychainHelper m_keychainHelper;
-    NoMountNotifier m_mountNotifier;
+    NotificationManager m_notificationManager;
     EFIOperations m_efiOperations;
     SystemInfoDetector m_systemInfoDetector;
     DiskManager m_diskManager;

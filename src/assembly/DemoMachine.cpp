@@ -3,12 +3,12 @@
 #include "base/Error.h"
 
 #include <QCoreApplication>
+
 #include <nlohmann/json.hpp>
 
 #include <cerrno>
 #include <cstdlib>
 #include <fstream>
-#include <optional>
 #include <string>
 
 namespace brindle {
@@ -44,20 +44,16 @@ void copyMachine(const fs::path &from, const fs::path &to)
     }
 }
 
-/// The password that the machine's own sudo asks for; nullopt where its description tells none.
-std::optional<Secret> passwordOf(const fs::path &machineFile)
+/// What the machine's own sudo takes.
+Secret passwordOf(const fs::path &machine)
 {
-    std::ifstream file(machineFile);
-    const auto machine = nlohmann::json::parse(file, nullptr, false);
-    const auto password = machine.is_object() ? machine.find("password") : machine.end();
-    if (password == machine.end() || !password->is_string())
-        return std::nullopt;
-    return Secret(password->get_ref<const std::string &>());
+    std::ifstream file(machine / "machine.json");
+    return Secret(nlohmann::json::parse(file).at("password").get_ref<const std::string &>());
 }
 
 } // namespace
 
-DemoMachine::DemoMachine() : m_folder(makeFolder())
+DemoMachine::DemoMachine(Password password) : m_folder(makeFolder()), m_password(password)
 {
     try {
         copyMachine(shippedMachine(), m_folder);
@@ -76,9 +72,10 @@ DemoMachine::~DemoMachine()
 
 PlatformChanges DemoMachine::platformChanges() const
 {
+    const bool isStored = m_password == Password::stored;
     return {.toolRoot = m_folder.string(),
             .userDefaultsFile = m_folder / "settings.plist",
-            .password = passwordOf(m_folder / "machine.json")};
+            .password = isStored ? std::optional(passwordOf(m_folder)) : std::nullopt};
 }
 
 } // namespace brindle

@@ -11,16 +11,21 @@ namespace brindle {
 /// It is a folder of tools with a machine of their own: what they do is done to the copy, and nothing else.
 class DemoMachine {
 public:
-    DemoMachine(); ///< Throws an Error where the machine is not installed or can't be copied.
+    /// Whether the machine's administrator has stored a password before the program begins.
+    enum class Password { stored, missing };
+
+    /// Throws an Error where the machine is not installed or can't be copied.
+    explicit DemoMachine(Password password = Password::stored);
     ~DemoMachine();
     DemoMachine(const DemoMachine &) = delete;
     DemoMachine &operator=(const DemoMachine &) = delete;
 
-    /// Its tools and settings in place of the system's own, and its administrator's password, which is stored.
+    /// Its tools, settings and password in place of the system's own.
     [[nodiscard]] PlatformChanges platformChanges() const;
 
 private:
     std::filesystem::path m_folder;
+    Password m_password;
 };
 
 } // namespace brindle

@@ -8,6 +8,7 @@
 #include "platform/Scheduler.h"
 #include "platform/SecretStore.h"
 #include "platform/UserDefaults.h"
+#include "platform/UserNotifications.h"
 #include "platform/Workspace.h"
 #include "records/ToolPaths.h"
 
@@ -27,9 +28,11 @@ struct Platform {
     std::unique_ptr<DiskEvents> diskEvents;
     std::unique_ptr<FileManager> fileManager;
     std::unique_ptr<Workspace> workspace;
+    std::unique_ptr<UserNotifications> userNotifications;
     std::unique_ptr<Dialogs> dialogs; ///< A program that can ask somebody puts its own here: makePlatform() can't.
     ToolPaths toolPaths;
-    bool isRoot = false; ///< The process has root's rights on the machine that the tools are of.
+    bool isRoot = false;           ///< The process has root's rights on the machine that the tools are of.
+    bool mountsMarkedDisks = true; ///< When they are plugged in.
 };
 
 /// What stands in place of the system's own; absent for what does not.
@@ -41,6 +44,8 @@ struct PlatformChanges {
     std::optional<std::filesystem::path> userDefaultsFile = {};
     /// The administrator's password: all that the secret store holds then, which ends with the process.
     std::optional<Secret> password = {};
+    /// The process ends before anybody clicks on its notifications: they offer nothing to click on.
+    bool endsSoon = false;
 };
 
 /// The running system's platform, but for \a changes.

@@ -2,11 +2,13 @@
 
 #include "platform/MemorySecretStore.h"
 #include "platform/NoDialogs.h"
+#include "platform/linux/FreedesktopNotifications.h"
 #include "platform/linux/LinuxChildProcess.h"
 #include "platform/linux/LinuxDiskEvents.h"
 #include "platform/linux/LinuxFileManager.h"
 #include "platform/linux/LinuxSecretStore.h"
 #include "platform/linux/LinuxWorkspace.h"
+#include "platform/linux/NotificationModule.h"
 #include "platform/linux/PlistUserDefaults.h"
 #include "platform/qt/MachineFileEvents.h"
 #include "platform/qt/QtScheduler.h"
@@ -22,16 +24,16 @@ namespace brindle {
 
 namespace {
 
-/// The tools that come with the program lie beside its folder: bin/brindlectl, libexec/brindle/usr/sbin/diskutil.
-ToolPaths suppliedTools()
+/// What comes with the program lies beside its folder: bin/brindlectl, libexec/brindle/usr/sbin/diskutil.
+std::string suppliedFolder()
 {
-    return ToolPaths::withSuppliedTools(QCoreApplication::applicationDirPath().toStdString() + "/../libexec/brindle");
+    return QCoreApplication::applicationDirPath().toStdString() + "/../libexec/brindle";
 }
 
 std::unique_ptr<SecretStore> secretStoreFor(const PlatformChanges &changes)
 {
     if (!changes.toolRoot && !changes.password)
-        return std::make_unique<LinuxSecretStore>();
+        return std::make_unique<LinuxSecretStore>(suppliedFolder() + "/lib/brindle-secret-service.so");
     auto store = std::make_unique<MemorySecretStore>();
     if (changes.password)
         (void)store->add({KeychainHelper::kService, KeychainHelper::kAccount}, *changes.password);
@@ -44,6 +46,14 @@ std::unique_ptr<DiskEvents> makeDiskEvents(const PlatformChanges &changes)
     if (changes.toolRoot)
         return std::make_unique<MachineFileEvents>(*changes.toolRoot);
     return std::make_unique<LinuxDiskEvents>();
+}
+
+std::unique_ptr<UserNotifications> makeUserNotifications(const PlatformChanges &changes)
+{
+    const auto makeDaemon = [] { return loadNotificationDaemon(suppliedFolder() + "/lib/brindle-notifications.so"); };
+    const auto offer =
+        changes.endsSoon ? FreedesktopNotifications::Offer::nothing : FreedesktopNotifications::Offer::actions;
+    return std::make_unique<FreedesktopNotifications>(makeDaemon, offer);
 }
 
 } // namespace
@@ -61,8 +71,10 @@ Platform makePlatform(const PlatformChanges &changes)
         .diskEvents = makeDiskEvents(changes),
         .fileManager = std::make_unique<LinuxFileManager>(),
         .workspace = std::move(workspace),
+        .userNotifications = makeUserNotifications(changes),
         .dialogs = std::make_unique<NoDialogs>(),
-        .toolPaths = changes.toolRoot ? ToolPaths::underRoot(*changes.toolRoot) : suppliedTools(),
+        .toolPaths =
+            changes.toolRoot ? ToolPaths::underRoot(*changes.toolRoot) : ToolPaths::withSuppliedTools(suppliedFolder()),
         .isRoot = !changes.toolRoot && geteuid() == 0,
     };
 }

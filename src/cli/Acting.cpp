@@ -1,15 +1,27 @@
 #include "cli/Acting.h"
 
 #include "base/BlockOn.h"
+#include "base/Log.h"
 #include "base/VisibleText.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
+#include <exception>
 #include <utility>
 
 namespace brindle {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+// A desktop that doesn't answer holds nobody up for longer.
+constexpr std::chrono::milliseconds kPatienceWithTheDesktop = 3s;
+
+} // namespace
 
 std::optional<FoundPartition> findEFIPartition(const DiskManager &manager, const std::string &identifier)
 {
@@ -44,6 +56,15 @@ ExitStatus tellNotFound(const std::string &kind, const std::string &identifier)
     return ExitStatus::notFound;
 }
 
+void awaitNotifications(Assembly &assembly)
+{
+    try {
+        blockOn(assembly.notificationManager().allSent(), kPatienceWithTheDesktop);
+    } catch (const Error &error) {
+        Log::line("⚠️ A notification was not taken in time: {}", error.what());
+    }
+}
+
 ExitStatus onEFIPartition(Platform platform, const std::string &identifier,
                           const std::function<void(Assembly &assembly, const FoundPartition &found)> &act)
 {
@@ -52,7 +73,15 @@ ExitStatus onEFIPartition(Platform platform, const std::string &identifier,
     const auto found = findEFIPartition(assembly.diskManager(), identifier);
     if (!found)
         return tellNotFound("EFI partition", identifier);
-    act(assembly, *found);
+    std::exception_ptr failure;
+    try {
+        act(assembly, *found);
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    awaitNotifications(assembly);
+    if (failure)
+        std::rethrow_exception(failure);
     return ExitStatus::done;
 }
 

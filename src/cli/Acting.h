@@ -28,6 +28,9 @@ struct FoundPartition {
 /// Says that there is no such thing. \a kind is "disk" or the like.
 ExitStatus tellNotFound(const std::string &kind, const std::string &identifier);
 
+/// Waits, not for long, until the desktop has taken the notifications that were sent.
+void awaitNotifications(Assembly &assembly);
+
 /// Scans once and lets \a act on the EFI partition; one that is not there is told.
 ExitStatus onEFIPartition(Platform platform, const std::string &identifier,
                           const std::function<void(Assembly &assembly, const FoundPartition &found)> &act);

@@ -15,13 +15,17 @@ namespace brindle {
 /// What the command line says for every command.
 struct GlobalOptions {
     bool verbose = false;
-    std::string demo; ///< Empty, or whether the demo machine's password is "stored" or to "ask" for.
+    bool demo = false;
+    bool demoAsksForPassword = false; ///< The demo machine's password isn't stored.
 };
 
 /// What the command line says for commands that act on disks.
 struct ActingOptions {
     bool passwordFromInput = false; ///< The password stands on standard input; nothing is stored, nothing asked.
     bool opensFolders = false;      ///< The desktop shows what was mounted.
+    bool notifies = false;          ///< The desktop tells how it ended.
+    bool endsSoon = true;           ///< Nobody can answer to what the desktop has told.
+    bool mountsMarkedDisks = false; ///< When they are plugged in.
 };
 
 /// What the command line asks for: set by the callback of the subcommand that was named, run once all was read.
@@ -34,5 +38,11 @@ ExitStatus onMachine(const GlobalOptions &options, const std::function<ExitStatu
 
 /// Adds `--password-stdin` to a command that needs the administrator's password.
 void addPasswordOption(CLI::App &subcommand, ActingOptions &acting);
+
+/// Adds `--notify` to a command that mounts or unmounts.
+void addNotifyOption(CLI::App &subcommand, ActingOptions &acting);
+
+/// Writes out what was set; throws an Error that names the setting \a key where it can't be kept.
+void keepSetting(UserDefaults &defaults, const char *key);
 
 } // namespace brindle

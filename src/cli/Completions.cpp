@@ -1,5 +1,7 @@
 #include "cli/Completions.h"
 
+#include "cli/PreferenceText.h"
+
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -10,6 +12,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace brindle {
@@ -66,7 +69,8 @@ Words wordsOf(const CLI::App &command)
     return words;
 }
 
-/// What may follow each command, by the words of the command ("settings get"); the empty one is the program itself.
+/// What may follow each command, by the words of the command ("settings get"); the empty one is the program itself. A
+/// setting that is set counts as a command: "settings set LaunchMode".
 using WordsByCommand = std::map<std::string, Words>;
 
 void addCommand(WordsByCommand &result, const std::string &name, const CLI::App &command)
@@ -76,10 +80,26 @@ void addCommand(WordsByCommand &result, const std::string &name, const CLI::App 
         addCommand(result, fmt::format("{}{}{}", name, name.empty() ? "" : " ", subcommand->get_name()), *subcommand);
 }
 
+/// The values of each setting, as far as they can be counted; behind them the same options as before its key.
+void addSettingValues(WordsByCommand &result)
+{
+    const std::string command = "settings set";
+    Words options = result[command];
+    std::erase_if(options, [](const Word &word) { return !word.text.starts_with("--"); });
+    for (const Preference &preference : allPreferences()) {
+        Words words;
+        for (const std::string &choice : valueChoices(preference))
+            words.push_back({choice, "Its new value"});
+        words.insert(words.end(), options.begin(), options.end());
+        result[fmt::format("{} {}", command, preference.key)] = std::move(words);
+    }
+}
+
 WordsByCommand wordsByCommand(const CLI::App &app)
 {
     WordsByCommand result;
     addCommand(result, "", app);
+    addSettingValues(result);
     return result;
 }
 

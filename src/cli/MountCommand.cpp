@@ -38,6 +38,7 @@ void addMountCommand(CLI::App &app, const GlobalOptions &options, Command &comma
         ->required()
         ->type_name("");
     addPasswordOption(*subcommand, *acting);
+    addNotifyOption(*subcommand, *acting);
     subcommand->add_flag("--open", acting->opensFolders, "Show the folder, and the config.plist if so set");
     subcommand->callback([&options, &command, identifier, acting] {
         command = [&options, identifier, acting] {

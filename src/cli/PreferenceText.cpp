@@ -160,13 +160,17 @@ std::optional<PropertyValue> preferenceFromText(const Preference &preference, co
     return value && isLegal(preference, *value) ? std::move(value) : std::nullopt;
 }
 
+std::vector<std::string> valueChoices(const Preference &preference)
+{
+    return preference.type == Type::boolean ? std::vector<std::string>{"true", "false"} : preference.choices;
+}
+
 std::string legalValues(const Preference &preference)
 {
     switch (preference.type) {
     case Type::boolean:
-        return "true or false";
     case Type::text:
-        return fmt::format("{}", fmt::join(preference.choices, " or "));
+        return fmt::format("{}", fmt::join(valueChoices(preference), " or "));
     case Type::seconds:
         return "a number of seconds above 0";
     case Type::date:

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace brindle {
 
@@ -19,6 +20,9 @@ namespace brindle {
 
 /// The value that \a text says; nullopt where it is none that is legal for \a preference.
 [[nodiscard]] std::optional<PropertyValue> preferenceFromText(const Preference &preference, const std::string &text);
+
+/// All texts that preferenceFromText() takes; empty where they can't be counted.
+[[nodiscard]] std::vector<std::string> valueChoices(const Preference &preference);
 
 /// What preferenceFromText() takes, in words: "true or false".
 [[nodiscard]] std::string legalValues(const Preference &preference);

@@ -117,9 +117,7 @@ ExitStatus get(const UserDefaults &defaults, const Preference &preference, bool 
 ExitStatus set(UserDefaults &defaults, const Preference &preference, const PropertyValue &value)
 {
     defaults.set(preference.key, value);
-    if (const std::optional<Error> failure = defaults.synchronize())
-        throw Error(failure->domain(), failure->code(),
-                    fmt::format("{} can't be kept: {}", preference.key, failure->localizedDescription()));
+    keepSetting(defaults, preference.key.c_str());
     return ExitStatus::done;
 }
 

@@ -32,6 +32,7 @@ void addUnmountCommand(CLI::App &app, const GlobalOptions &options, Command &com
         ->required()
         ->type_name("");
     addPasswordOption(*subcommand, *acting);
+    addNotifyOption(*subcommand, *acting);
     subcommand->callback([&options, &command, identifier, acting] {
         command = [&options, identifier, acting] {
             const auto run = [&](Platform platform) {

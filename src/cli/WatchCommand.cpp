@@ -5,6 +5,7 @@
 #include "base/Completion.h"
 #include "base/Error.h"
 #include "base/Log.h"
+#include "cli/Acting.h"
 #include "cli/DiskTable.h"
 #include "cli/Interruption.h"
 #include "cli/Terminal.h"
@@ -82,12 +83,18 @@ std::unique_ptr<QSocketNotifier> watchForReader(std::function<void()> readerHasG
 void stop(Assembly &assembly)
 {
     assembly.diskEventMonitor().stopMonitoring();
+    assembly.toolRunner().endAll();
     try {
         blockOn(assembly.diskManager().stopScan(), kPatienceAtTheEnd);
     } catch (const Error &error) {
         Log::line("⚠️ The scan does not stop: {}", error.what());
     }
 }
+
+struct WatchOptions {
+    bool asJson = false;
+    ActingOptions acting{.endsSoon = false};
+};
 
 ExitStatus watch(Platform platform, bool asJson)
 {
@@ -108,6 +115,7 @@ ExitStatus watch(Platform platform, bool asJson)
     const auto scan = manager.startScan(false);
     const End reason = blockOn(awaited(end));
     stop(assembly);
+    awaitNotifications(assembly);
     if (reason)
         throw Error(*reason);
     return ExitStatus::done;
@@ -119,11 +127,19 @@ void addWatchCommand(CLI::App &app, const GlobalOptions &options, Command &comma
 {
     CLI::App *subcommand =
         app.add_subcommand("watch", "Tell the disks now and whenever one comes, goes, is mounted or unmounted");
-    const auto asJson = std::make_shared<bool>(false);
-    subcommand->add_flag("--json", *asJson, "Print each list as a JSON object, with its date, on a line of its own");
-    subcommand->callback([&options, &command, asJson] {
-        command = [&options, asJson] {
-            return onMachine(options, [&](Platform platform) { return watch(std::move(platform), *asJson); });
+    const auto watching = std::make_shared<WatchOptions>();
+    ActingOptions &acting = watching->acting;
+    subcommand->add_flag("--json", watching->asJson,
+                         "Print each list as a JSON object, with its date, on a line of its own");
+    subcommand->add_flag("--automount", acting.mountsMarkedDisks,
+                         "Mount the EFI partition of a disk that `automount` has marked when it is plugged in");
+    addPasswordOption(*subcommand, acting);
+    addNotifyOption(*subcommand, acting);
+    subcommand->add_flag("--open", acting.opensFolders, "Show the folder of what was mounted");
+    subcommand->callback([&options, &command, watching] {
+        command = [&options, watching] {
+            const auto run = [&](Platform platform) { return watch(std::move(platform), watching->asJson); };
+            return onMachine(options, run, watching->acting);
         };
     });
 }

@@ -76,9 +76,9 @@ std::vector<std::string> DiskDetector::parseDiskIdentifiers(std::string_view lis
     std::vector<std::string> identifiers;
     for (const std::string_view line : Lines(list)) {
         const std::string_view header = trimmed(line);
-        if (!header.starts_with(ToolText::kDiskHeader))
+        if (!header.starts_with(ToolText::kDiskDevice))
             continue;
-        if (const auto device = ToolText::numbered(header, ToolText::kDiskHeader))
+        if (const auto device = ToolText::numbered(header, ToolText::kDiskDevice))
             identifiers.emplace_back(device->substr(ToolText::kDeviceFolder.size()));
     }
     return identifiers;

@@ -12,8 +12,8 @@ namespace brindle::ToolText {
 
 inline constexpr std::string_view kDeviceFolder = "/dev/";
 
-/// How `diskutil list` begins the header of a disk: "/dev/disk2 (external, physical):".
-inline constexpr std::string_view kDiskHeader = "/dev/disk";
+/// How the header of a disk begins in `diskutil list`, "/dev/disk2 (external, physical):", and its line in `df`.
+inline constexpr std::string_view kDiskDevice = "/dev/disk";
 
 /// The value of a line "Label: value": \a line without every occurrence of \a label, trimmed. Nullopt where \a line
 /// does not begin with \a label.

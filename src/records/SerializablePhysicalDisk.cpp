@@ -62,26 +62,29 @@ void visitFields(Disk &disk, Visitor &&visit)
 template <typename Record>
 ordered_json encodeAll(const std::vector<Record> &records);
 
-/// Writes the fields that it is shown into an object.
+/// Writes the fields that it is shown, each key once, into the members of an object.
 struct Encoder {
-    ordered_json object = ordered_json::object();
+    ordered_json::object_t members;
+
+    /// Room for as many fields as a disk has: a list of members that grows copies all its keys.
+    Encoder() { members.reserve(25); }
 
     template <typename Value>
     void operator()(const char *key, const Value &value)
     {
-        object[key] = value;
+        members.emplace_back(key, value);
     }
 
     template <typename Value>
     void operator()(const char *key, const std::optional<Value> &value)
     {
         if (value)
-            object[key] = *value;
+            members.emplace_back(key, *value);
     }
 
     void operator()(const char *key, const std::vector<SerializableEFIPartition> &partitions)
     {
-        object[key] = encodeAll(partitions);
+        members.emplace_back(key, encodeAll(partitions));
     }
 };
 
@@ -92,7 +95,7 @@ ordered_json encodeAll(const std::vector<Record> &records)
     for (const Record &record : records) {
         Encoder encoder;
         visitFields(record, encoder);
-        array.push_back(std::move(encoder.object));
+        array.push_back(std::move(encoder.members));
     }
     return array;
 }

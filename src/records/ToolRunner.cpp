@@ -1,5 +1,6 @@
 #include "records/ToolRunner.h"
 
+#include <csignal>
 #include <string_view>
 #include <utility>
 
@@ -30,13 +31,23 @@ QCoro::Task<std::string> ToolRunner::run(std::string path, std::vector<std::stri
                                          std::optional<std::map<std::string, std::string>> environment,
                                          CancellationToken token)
 {
+    if (m_end.isCancelled())
+        throw Error("CommandError", SIGTERM, path + " is not started any more");
     ChildProcessCommand command{std::move(path), std::move(args), std::nullopt};
     if (environment)
         command.environment = addedToOwnEnvironment(std::move(*environment));
 
-    auto tool = m_processes.run(std::move(command), kTimeLimit, std::move(token));
+    const auto either = CancellationToken::cancellable();
+    const auto endsWithItsToken = token.onCancel([either] { either.cancel(); });
+    const auto endsWithAll = m_end.onCancel([either] { either.cancel(); });
+    auto tool = m_processes.run(std::move(command), kTimeLimit, either);
     ChildProcessEnd end = co_await tool;
     co_return standardOutputOf(std::move(end), "CommandError");
+}
+
+void ToolRunner::endAll()
+{
+    m_end.cancel();
 }
 
 QCoro::Task<std::optional<std::string>> ToolRunner::outputIfAny(

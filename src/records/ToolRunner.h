@@ -37,6 +37,10 @@ public:
         std::string path, std::vector<std::string> args,
         std::optional<std::map<std::string, std::string>> environment = {}, CancellationToken token = {});
 
+    /// For a program that is about to end: asks all tools that run to end, and lets no further one start. Such a run
+    /// throws Error, domain "CommandError" with the number of SIGTERM as the code.
+    void endAll();
+
     /// What run() gives; nullopt where it throws, for questions whose failure only loses the answer.
     [[nodiscard]] QCoro::Task<std::optional<std::string>> outputIfAny(
         std::string path, std::vector<std::string> args,
@@ -44,6 +48,7 @@ public:
 
 private:
     ChildProcessRunner m_processes;
+    CancellationToken m_end = CancellationToken::cancellable(); ///< Of all runs.
 };
 
 } // namespace brindle

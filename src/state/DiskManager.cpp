@@ -18,7 +18,8 @@ DiskManager::DiskManager(const Surroundings &surroundings)
       m_systemInfoDetector(surroundings.systemInfoDetector),
       m_keychain(surroundings.keychain),
       m_efiOperations(surroundings.efiOperations),
-      m_workspace(surroundings.workspace)
+      m_workspace(surroundings.workspace),
+      m_mountsMarkedDisks(surroundings.mountsMarkedDisks)
 {
     initializePreferences(m_defaults);
     restorePersistedState();

@@ -57,6 +57,9 @@ public:
         KeychainHelper &keychain;
         EFIOperations &efiOperations;
         Workspace &workspace;
+        /// Marked disks (AutoMountMarks.h) are mounted by themselves when a scan finds them that didn't find them
+        /// before.
+        bool mountsMarkedDisks = true;
     };
 
     /// Writes the first-run settings where they are missing, and takes back what a former process left: the opened rows
@@ -78,6 +81,12 @@ public:
 
     /// A scan or what a former process left has filled disks() once; never false again.
     [[nodiscard]] bool hasCompletedInitialScan() const { return m_hasCompletedInitialScan; }
+
+    /// A marked disk is being mounted. Of several that are mounted side by side the first one to end puts it down.
+    [[nodiscard]] bool isAutoMounting() const { return m_isAutoMounting; }
+
+    /// What the user is told meanwhile, of the last one that began; empty otherwise.
+    [[nodiscard]] const std::string &autoMountStatusMessage() const { return m_autoMountStatusMessage; }
 
     /// Whether the user wants to see disks of the record's type; reads the preferences on each call.
     [[nodiscard]] bool isDiskVisible(const PhysicalDisk &disk) const;
@@ -132,6 +141,8 @@ Q_SIGNALS:
     void efiStatesChanged(); ///< At every publish, whether it differs or not.
     void expandedDisksChanged();
     void hasCompletedInitialScanChanged();
+    void isAutoMountingChanged();
+    void autoMountStatusMessageChanged();
 
 private:
     struct ScanBatch;
@@ -164,6 +175,10 @@ private:
     void publishDisks(std::vector<PhysicalDisk> disks);
     void closeRowsOfMissingDisks();
 
+    void autoMountNewDisks(const std::set<std::string> &knownIdentifiers);
+    QCoro::Task<> autoMount(std::string identifier, std::string diskName);
+    void setAutoMountingLater(bool isAutoMounting, std::string statusMessage);
+
     void replaceEFIPartition(const EFIPartition &partition);
     void setEFIState(const std::string &identifier, bool isMounted);
     void forgetDisk(const std::string &identifier);
@@ -186,6 +201,7 @@ private:
     KeychainHelper &m_keychain;
     EFIOperations &m_efiOperations;
     Workspace &m_workspace;
+    bool m_mountsMarkedDisks;
     std::optional<BootloaderInfo> m_cachedBootloaderInfo;
 
     std::vector<PhysicalDisk> m_disks;
@@ -193,6 +209,8 @@ private:
     std::map<std::string, bool> m_efiStates;
     std::set<std::string> m_expandedDisks;
     bool m_hasCompletedInitialScan = false;
+    bool m_isAutoMounting = false;
+    std::string m_autoMountStatusMessage;
     CancellationToken m_refreshToken;
     std::size_t m_scansUnderWay = 0;
     Completion<bool> m_scansEnded; ///< Of all that are under way; a new one once none was.

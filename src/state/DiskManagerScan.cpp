@@ -233,10 +233,15 @@ void DiskManager::endWithoutDisks()
 
 void DiskManager::publishDisks(std::vector<PhysicalDisk> disks)
 {
+    std::set<std::string> knownIdentifiers;
+    for (const PhysicalDisk &disk : m_disks)
+        knownIdentifiers.insert(disk.identifier);
     setDisks(std::move(disks));
     closeRowsOfMissingDisks();
     persistState();
     updateEFIStates();
+    if (m_mountsMarkedDisks && m_hasCompletedInitialScan)
+        autoMountNewDisks(knownIdentifiers);
     setIsLoadingDisks(false);
     setHasCompletedInitialScan(true);
     m_defaults.set(DefaultsKeys::kLastRefreshTime, m_scheduler.date());

@@ -30,7 +30,7 @@ DiskutilListSections parseDiskutilListSections(std::string_view list)
     for (const std::string_view line : Lines(list)) {
         // Only in the first column: what is indented belongs to the section, whatever it says. The detector, which
         // asks which disks there are, looks behind blanks too.
-        if (line.starts_with(ToolText::kDiskHeader)) {
+        if (line.starts_with(ToolText::kDiskDevice)) {
             endSection();
             section = line;
             if (const auto found = diskOfHeader(line))

@@ -12,8 +12,6 @@ namespace brindle {
 
 namespace {
 
-constexpr std::string_view kDisk = "/dev/disk";
-constexpr std::string_view kFolder = "/dev/";
 constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
 
 /// The first fields of a line of `df`: device, total, used, and one that only has to be there.
@@ -63,9 +61,9 @@ DiskUsage parseDfOutput(std::string_view text)
     DiskUsage usage;
     for (const std::string_view line : Lines(text)) {
         const auto fields = firstFields(line);
-        if (!fields || !(*fields)[0].starts_with(kDisk))
+        if (!fields || !(*fields)[0].starts_with(ToolText::kDiskDevice))
             continue;
-        const auto disk = ToolText::numbered((*fields)[0].substr(kFolder.size()), "disk");
+        const auto disk = ToolText::numbered((*fields)[0].substr(ToolText::kDeviceFolder.size()), "disk");
         const auto total = integerIn((*fields)[1]);
         const auto used = integerIn((*fields)[2]);
         if (disk && total && used)

@@ -2,6 +2,7 @@
 
 #include "platform/MemorySecretStore.h"
 #include "platform/linux/LinuxSecretStore.h"
+#include "platform/linux/PrivateSession.h"
 
 #include <gtest/gtest.h>
 
@@ -61,6 +62,18 @@ TEST_F(PlatformTest, KeepsSecretsInTheSystemsStoreOtherwise)
 
     EXPECT_TRUE(dynamic_cast<LinuxSecretStore *>(platform.secretStore.get()));
     EXPECT_EQ(platform.toolPaths.sudo(), "/usr/bin/sudo");
+}
+
+TEST_F(PlatformTest, FindsTheModuleOfTheSecretServiceBesideTheProgram)
+{
+    if (const std::string obstacle = PrivateSession::obstacle(); !obstacle.empty())
+        GTEST_SKIP() << obstacle;
+    PrivateSession session;
+    const Platform platform = makePlatform(changes());
+
+    EXPECT_EQ(platform.secretStore->add({"com.orlane.Brindle", "test"}, Secret("open sesame")), SecretStore::kDone);
+
+    EXPECT_EQ(session.secretTool({"lookup", "service", "com.orlane.Brindle", "account", "test"}), "open sesame");
 }
 
 } // namespace

@@ -170,6 +170,23 @@ TEST_F(Brindlectl, ListsTheDemoMachineAndLeavesNothingOfIt)
     EXPECT_TRUE(machine.calls().empty());
 }
 
+TEST_F(Brindlectl, TakesADemoMachineWhosePasswordIsAskedFor)
+{
+    const Outcome list = run({"list", "--demo=ask", "--json"});
+
+    EXPECT_EQ(list.identifiers(), (std::vector<std::string>{"disk0", "disk3", "disk2", "disk4", "disk5"}));
+    EXPECT_TRUE(machine.calls().empty());
+}
+
+TEST_F(Brindlectl, RefusesADemoMachineOfAnotherKind)
+{
+    const Outcome list = run({"list", "--demo=no"});
+
+    EXPECT_EQ(list.status, 2);
+    EXPECT_THAT(list.error, HasSubstr("--demo: takes ask or nothing"));
+    EXPECT_THAT(list.output, IsEmpty());
+}
+
 TEST_F(Brindlectl, LeavesNothingOfTheDemoMachineWhenItIsInterrupted)
 {
     int interrupted = 0;
@@ -262,6 +279,32 @@ TEST_F(Brindlectl, TellsWhatTheDemoMachineBootedFrom)
 }
 
 // --- the command line
+
+TEST_F(Brindlectl, TellsTheHelpOfEachCommandThatItsHelpNames)
+{
+    const std::string help = run({"--help"}).output;
+
+    for (const std::string name : {"list", "info", "rows", "height", "icon-state", "system", "watch", "settings"}) {
+        const Outcome named = run({name, "--help"});
+        const Outcome unnamed = run({"--help", name});
+
+        EXPECT_THAT(help, HasSubstr("\n  " + name + " "));
+        EXPECT_EQ(named.status, 0);
+        EXPECT_THAT(named.output, HasSubstr("Usage: brindlectl " + name));
+        EXPECT_EQ(unnamed.output, named.output);
+    }
+}
+
+TEST_F(Brindlectl, LoadsNoLibraryOfTheDesktopsKeyringAtItsStart)
+{
+    qputenv("LD_TRACE_LOADED_OBJECTS", "1"); // the loader tells what it loads, and ends
+
+    const Outcome start = run({});
+
+    qunsetenv("LD_TRACE_LOADED_OBJECTS");
+    EXPECT_THAT(start.output, HasSubstr("libQt6Core"));
+    EXPECT_THAT(start.output, Not(HasSubstr("libsecret")));
+}
 
 TEST_F(Brindlectl, TellsItsVersionAndItsHelp)
 {

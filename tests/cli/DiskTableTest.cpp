@@ -99,7 +99,7 @@ TEST(DiskTable, HasNoLineWiderThanTheTerminal)
     absurd.size = std::string(150, '7') + " GB";
     absurd.name = "A Drive That Was Given A Very Long Media Name Indeed";
 
-    for (std::size_t width = 12; width < 140; ++width) {
+    for (std::size_t width = 4; width < 140; ++width) {
         const std::string table = diskTable({absurd, internalDisk(), openCoreStick()}, {.width = width});
         for (const std::string_view line : Lines(table))
             EXPECT_LE(displayWidth(line), width) << line;

@@ -1,6 +1,6 @@
 // The real program, as a process that follows what happens to a machine until it is asked to end.
 
-#include "cli/BrindlectlFixture.h"
+#include "cli/WatchFixture.h"
 
 #include <QDeadlineTimer>
 
@@ -8,11 +8,11 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <cerrno>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -26,77 +26,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::MatchesRegex;
 using testing::StartsWith;
-
-using Identifiers = std::vector<std::string>;
-
-constexpr int kPatience = 30'000; // a hanging test fails; none waits for this
-
-class Watch : public Brindlectl {
-protected:
-    ~Watch() override
-    {
-        watch.kill();
-        watch.waitForFinished(kPatience);
-    }
-
-    /// The next line of standard output without its newline; empty where none comes.
-    std::string nextLine()
-    {
-        const QDeadlineTimer deadline(kPatience);
-        while (!watch.canReadLine() && watch.state() != QProcess::NotRunning && !deadline.hasExpired())
-            watch.waitForReadyRead(100);
-        return watch.readLine().trimmed().toStdString();
-    }
-
-    /// The identifiers of the next published list.
-    Identifiers nextList()
-    {
-        const json list = json::parse(nextLine());
-        Identifiers identifiers;
-        for (const json &disk : list.at("disks"))
-            identifiers.push_back(disk.at("identifier"));
-        return identifiers;
-    }
-
-    /// The next published list that fits; an unplugged disk with volumes is told twice.
-    Identifiers nextListWhere(const std::function<bool(const Identifiers &)> &fits)
-    {
-        Identifiers identifiers = nextList();
-        while (!fits(identifiers))
-            identifiers = nextList();
-        return identifiers;
-    }
-
-    /// Signals the program; one that has ended has no number, and 0 would be this test's own group.
-    void signal(int signalNumber) const
-    {
-        const auto program = static_cast<pid_t>(watch.processId());
-        EXPECT_TRUE(program > 0 && ::kill(program, signalNumber) == 0);
-    }
-
-    /// Sends the signal; what the program ended with.
-    int end(int signalNumber = SIGTERM)
-    {
-        signal(signalNumber);
-        EXPECT_TRUE(watch.state() == QProcess::NotRunning || watch.waitForFinished(kPatience));
-        EXPECT_EQ(watch.exitStatus(), QProcess::NormalExit);
-        return watch.exitCode();
-    }
-
-    static std::string brindleMachine(const std::vector<std::string> &arguments)
-    {
-        QStringList list;
-        for (const std::string &argument : arguments)
-            list << QString::fromStdString(argument);
-        QProcess process;
-        process.start(QStringLiteral(BRINDLE_MACHINE), list);
-        EXPECT_TRUE(process.waitForFinished(kPatience));
-        EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
-        return process.readAllStandardOutput().trimmed().toStdString();
-    }
-
-    QProcess watch;
-};
 
 TEST_F(Watch, PrintsTheListAtOnceAsAJsonObjectWithItsDate)
 {
@@ -186,29 +115,44 @@ TEST_P(WatchInterrupted, EndsWithZero)
 INSTANTIATE_TEST_SUITE_P(Watch, WatchInterrupted, testing::Values(SIGHUP, SIGINT, SIGTERM),
                          [](const auto &row) { return std::string("Signal") + sigabbrev_np(row.param); });
 
-TEST_F(Watch, EndsTheToolsOfAScanUnderWay)
+class WatchOfAHangingTool : public Watch, public testing::WithParamInterface<const char *> {
+protected:
+    /// Each run of the tool notes its number in a file and hangs, but a `diskutil info`, without which no scan begins.
+    void letHang(const std::string &tool)
+    {
+        machine.replaceTool(tool, "#!/bin/sh\n[ \"$1\" != info ] || exit 1\necho $$ >>'" + numbers.string() +
+                                      "'\nexec sleep 600\n");
+    }
+
+    [[nodiscard]] std::vector<pid_t> hangingTools() const
+    {
+        std::ifstream file(numbers);
+        return {std::istream_iterator<pid_t>(file), std::istream_iterator<pid_t>()};
+    }
+
+    const fs::path numbers = machine.root() / "numbers";
+};
+
+TEST_P(WatchOfAHangingTool, LeavesNoToolBehind)
 {
-    const fs::path pidFile = machine.root() / "pid";
-    machine.replaceTool("diskutil", "#!/bin/sh\n"
-                                    "[ \"$1\" = list ] || exit 1\n"
-                                    "echo $$ >'" +
-                                        (machine.root() / "pid.new").string() + "'\n" + "mv '" +
-                                        (machine.root() / "pid.new").string() + "' '" + pidFile.string() +
-                                        "'\nexec sleep 600\n");
+    machine.addDisk("disk0");
+    letHang(GetParam());
     start(watch, {"watch", "--json"});
     const QDeadlineTimer deadline(kPatience);
-    while (!fs::exists(pidFile) && !deadline.hasExpired())
+    while (hangingTools().empty() && !deadline.hasExpired())
         watch.waitForFinished(10);
-    pid_t tool = 0;
-    std::ifstream(pidFile) >> tool;
-    ASSERT_GT(tool, 0);
+    ASSERT_FALSE(hangingTools().empty());
 
     EXPECT_EQ(end(), 0);
 
-    EXPECT_EQ(::kill(tool, 0), -1);
-    EXPECT_EQ(errno, ESRCH);
+    for (const pid_t tool : hangingTools())
+        EXPECT_EQ(::kill(tool, 0), -1) << tool;
     EXPECT_THAT(watch.readAllStandardOutput().toStdString(), IsEmpty());
 }
+
+// The first reads what the machine booted from, the others are a scan's.
+INSTANTIATE_TEST_SUITE_P(Watch, WatchOfAHangingTool, testing::Values("nvram", "diskutil", "df"),
+                         [](const auto &row) { return std::string(row.param); });
 
 TEST_F(Watch, EndsWithoutAWordWhenItsReaderHasGone)
 {

@@ -73,6 +73,23 @@ TEST(ToolRunner, TerminatesARunningToolAtOnceWhenItsTokenIsCancelled)
     EXPECT_EQ(error.code(), SIGTERM);
 }
 
+TEST(ToolRunner, EndsAllToolsWhateverTheirTokensAndStartsNoOther)
+{
+    RealTools tools;
+    const auto token = CancellationToken::cancellable();
+    auto withToken = tools.sleep(token);
+    auto without = tools.sleep();
+
+    tools.runner.endAll();
+    const Error late = errorOf(tools.shell("echo started"));
+
+    EXPECT_EQ(errorOf(std::move(withToken)).code(), SIGTERM);
+    EXPECT_EQ(errorOf(std::move(without)).code(), SIGTERM);
+    EXPECT_EQ(tools.launcher.terminations, 2);
+    EXPECT_EQ(late.domain(), "CommandError");
+    EXPECT_EQ(late.code(), SIGTERM);
+}
+
 TEST(ToolRunner, RunsAToolToItsEndWhoseTokenWasCancelledBefore)
 {
     RealTools tools;

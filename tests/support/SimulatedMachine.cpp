@@ -5,6 +5,7 @@
 #include "base/Log.h"
 #include "platform/MemorySecretStore.h"
 #include "platform/NoDialogs.h"
+#include "platform/NoNotifications.h"
 #include "platform/NoWorkspace.h"
 #include "platform/linux/LinuxChildProcess.h"
 #include "platform/linux/LinuxFileManager.h"
@@ -242,6 +243,7 @@ Platform SimulatedMachine::platform() const
             .diskEvents = std::make_unique<MachineFileEvents>(m_root),
             .fileManager = std::make_unique<LinuxFileManager>(),
             .workspace = std::make_unique<NoWorkspace>(),
+            .userNotifications = std::make_unique<NoNotifications>(),
             .dialogs = std::make_unique<NoDialogs>(),
             .toolPaths = ToolPaths::underRoot(m_root.string())};
 }

@@ -7,7 +7,7 @@ namespace brindle {
 /// The running kernel's events.
 ///
 /// Volumes: /proc/self/mountinfo, which the kernel marks at each change (compareMountTables()). Disks: udev's events,
-/// or the kernel's own where udev doesn't run (UdevDiskSession). Sockets and files that are watched by the event loop
+/// or the kernel's own while udev doesn't run (UdevDiskSession). Sockets and files that are watched by the event loop
 /// alone; all are closed with the observation.
 class LinuxDiskEvents : public DiskEvents {
 public:

@@ -1,11 +1,31 @@
 #include "platform/linux/LinuxSecretStore.h"
 
 #include "platform/linux/KernelKeyringStore.h"
-#include "platform/linux/SecretServiceStore.h"
+#include "platform/linux/ModuleFunction.h"
+#include "platform/linux/SecretServiceModule.h"
 
 #include "base/Log.h"
 
+#include <utility>
+
 namespace brindle {
+
+namespace {
+
+/// The store that the module at \a path gives; null where it can't be loaded or no service answers.
+std::unique_ptr<SecretStore> storeOfModule(const std::filesystem::path &path)
+{
+    void *const function = moduleFunction(path, "brindleSecretService", "the Secret Service");
+    using Make = decltype(brindleSecretService);
+    return std::unique_ptr<SecretStore>(function ? reinterpret_cast<Make *>(function)() : nullptr);
+}
+
+} // namespace
+
+LinuxSecretStore::LinuxSecretStore(std::filesystem::path secretServiceModule)
+    : m_secretServiceModule(std::move(secretServiceModule))
+{
+}
 
 int LinuxSecretStore::add(const SecretKey &key, const Secret &secret)
 {
@@ -24,8 +44,8 @@ int LinuxSecretStore::remove(const SecretKey &key)
 
 SecretStore &LinuxSecretStore::store()
 {
-    if (!m_store && SecretServiceStore::isAvailable())
-        m_store = std::make_unique<SecretServiceStore>();
+    if (!m_store)
+        m_store = storeOfModule(m_secretServiceModule);
     if (!m_store) {
         Log::line("⚠️ No Secret Service answers: the password is kept in the kernel's keyring, until the next restart "
                   "at most");

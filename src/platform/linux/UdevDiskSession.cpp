@@ -37,12 +37,6 @@ bool isUdevRunning()
     return false;
 }
 
-/// udev's own events come when its rules are done. Without udevd nobody sends them: then the kernel's do.
-const char *sourceOfEvents()
-{
-    return isUdevRunning() ? "udev" : "kernel";
-}
-
 } // namespace
 
 void UdevDiskSession::Release::operator()(udev *context) const
@@ -60,35 +54,47 @@ UdevDiskSession::UdevDiskSession(IsListed isListed, DiskEvents::DiskChanged call
       m_callback(std::move(callback)),
       m_udev(udev_new())
 {
-    openMonitor();
+    m_udevMonitor = openMonitor("udev");
+    m_kernelMonitor = openMonitor("kernel");
     m_disks = readAllDisks();
-    m_notifier = std::make_unique<QSocketNotifier>(udev_monitor_get_fd(m_monitor.get()), QSocketNotifier::Read);
-    QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(), [this] { receive(); });
+    // udev's events come when its rules are done. Where udevd doesn't run, or no longer does, the kernel's stand in.
+    listen(m_udevMonitor, [] { return true; });
+    listen(m_kernelMonitor, [] { return !isUdevRunning(); });
 }
 
-void UdevDiskSession::openMonitor()
+UdevDiskSession::Monitor UdevDiskSession::openMonitor(const char *source) const
 {
+    Monitor monitor;
     if (m_udev)
-        m_monitor.reset(udev_monitor_new_from_netlink(m_udev.get(), sourceOfEvents()));
-    if (!m_monitor)
+        monitor.socket.reset(udev_monitor_new_from_netlink(m_udev.get(), source));
+    if (!monitor.socket)
         throw Error::fromErrno(errno, "No monitor of disks can be made");
-    udev_monitor_filter_add_match_subsystem_devtype(m_monitor.get(), kSubsystem, kWholeDisk);
-    if (const int result = udev_monitor_enable_receiving(m_monitor.get()); result < 0)
+    udev_monitor_filter_add_match_subsystem_devtype(monitor.socket.get(), kSubsystem, kWholeDisk);
+    if (const int result = udev_monitor_enable_receiving(monitor.socket.get()); result < 0)
         throw Error::fromErrno(-result, "No events of disks can be received");
+    return monitor;
 }
 
-void UdevDiskSession::receive()
+void UdevDiskSession::listen(Monitor &monitor, bool (*counts)())
+{
+    udev_monitor *const socket = monitor.socket.get();
+    monitor.notifier = std::make_unique<QSocketNotifier>(udev_monitor_get_fd(socket), QSocketNotifier::Read);
+    QObject::connect(monitor.notifier.get(), &QSocketNotifier::activated, monitor.notifier.get(),
+                     [this, socket, counts] { receive(socket, counts()); });
+}
+
+void UdevDiskSession::receive(udev_monitor *socket, bool counts)
 {
     for (;;) {
         errno = 0;
-        const Device device(udev_monitor_receive_device(m_monitor.get()));
-        if (!device && errno == ENOBUFS)
+        const Device device(udev_monitor_receive_device(socket));
+        if (!device && errno == ENOBUFS && counts)
             return compareAll(); // what came faster than it was read is lost
         if (!device)
             return;
         const std::string sysPath = udev_device_get_syspath(device.get());
         const std::string action = udev_device_get_action(device.get());
-        if (m_isListed(sysPath))
+        if (counts && m_isListed(sysPath))
             compare(sysPath, action == "remove" ? std::nullopt : readDisk(sysPath));
     }
 }

@@ -21,7 +21,7 @@ namespace brindle {
 ///
 /// A disk appears when it is plugged in or gets a medium, and again when its medium or its partition table is another
 /// than before; it disappears with its medium or itself. Events are udev's, sent when its rules are done, or the
-/// kernel's own where udevd doesn't run. When the kernel had to drop events, all disks are compared.
+/// kernel's own while udevd doesn't run. When the kernel had to drop events, all disks are compared.
 class UdevDiskSession : public DiskEvents::Observation {
 public:
     using IsListed = std::function<bool(std::string_view sysPath)>;
@@ -37,8 +37,14 @@ private:
         void operator()(udev_monitor *monitor) const;
     };
 
-    void openMonitor();
-    void receive();
+    struct Monitor {
+        std::unique_ptr<udev_monitor, Release> socket;
+        std::unique_ptr<QSocketNotifier> notifier;
+    };
+
+    [[nodiscard]] Monitor openMonitor(const char *source) const;
+    void listen(Monitor &monitor, bool (*counts)());
+    void receive(udev_monitor *socket, bool counts);
     void compare(const std::string &sysPath, std::optional<UdevDisk> now);
     void compareAll();
     [[nodiscard]] std::optional<UdevDisk> readDisk(const std::string &sysPath) const;
@@ -47,9 +53,9 @@ private:
     IsListed m_isListed;
     DiskEvents::DiskChanged m_callback;
     std::unique_ptr<udev, Release> m_udev;
-    std::unique_ptr<udev_monitor, Release> m_monitor;
     Disks m_disks;
-    std::unique_ptr<QSocketNotifier> m_notifier;
+    Monitor m_udevMonitor;
+    Monitor m_kernelMonitor;
 };
 
 } // namespace brindle

@@ -47,21 +47,29 @@ public:
         return record({"rename", target.identifier(), std::string(name)});
     }
     void eject(const Target &target) override { record({"eject", target.identifier()}); }
-    Erased eraseVolume(const Target &target, const Format &format, std::string_view name) override
+    Erased eraseVolume(const Target &target, const Format &format, std::string_view name,
+                       const Announce &announce) override
     {
         record({"eraseVolume", target.identifier(), std::string(format.fileSystem), std::string(name)});
-        return {target.identifier(), std::string(name)};
+        return announced({target.identifier(), std::string(name)}, announce);
     }
-    Erased eraseDisk(const Target &target, const Format &format, std::string_view name) override
+    Erased eraseDisk(const Target &target, const Format &format, std::string_view name,
+                     const Announce &announce) override
     {
         record({"eraseDisk", target.identifier(), std::string(format.fileSystem), std::string(name)});
-        return {target.identifier() + "s2", std::string(name)};
+        return announced({target.identifier() + "s2", std::string(name)}, announce);
     }
 
     std::string refusal;
     std::vector<std::string> asked;
 
 private:
+    static Erased announced(Erased erased, const Announce &announce)
+    {
+        announce(erased);
+        return erased;
+    }
+
     std::string record(std::vector<std::string> words)
     {
         asked = std::move(words);
@@ -151,6 +159,19 @@ TEST_F(ActingVerbs, KeepWhatWasPrintedBeforeAnEraseFailed)
 
     EXPECT_EQ(context.out, "Started erase on disk2\nUnmounting disk\n");
     EXPECT_EQ(context.err, "Error: -69888: Couldn't unmount disk\n");
+}
+
+TEST_F(ActingVerbs, TellHowFarAnEraseIsBeforeItsLongPartBegins)
+{
+    std::vector<std::string> parts;
+    context.tell = [&](std::string part) { parts.push_back(std::move(part)); };
+
+    EXPECT_EQ(run({"eraseDisk", "APFS", "X", "disk2"}), kDone);
+
+    EXPECT_THAT(parts, testing::ElementsAre("Started erase on disk2\nUnmounting disk\n",
+                                            "Creating the partition map\nWaiting for partitions to activate\n"
+                                            "Formatting disk2s2 as APFS with name X\n"));
+    EXPECT_EQ(context.out, "Finished erase on disk2\n");
 }
 
 TEST_F(ActingVerbs, RefuseANameOfTwoVolumes)

@@ -27,6 +27,7 @@ INSTANTIATE_TEST_SUITE_P(
                     LabelCase{"FatWithItsOtherForbiddenCharacters", "vfat", R"(;=?[\]|)", "_______"},
                     LabelCase{"FatWithOneSignForEachForeignCharacter", "vfat", "éü日", "___"},
                     LabelCase{"FatWithoutBlanksAtItsEnd", "vfat", "ab   ", "AB"},
+                    LabelCase{"FatWithoutBlanksAtItsBeginning", "vfat", "  ab", "AB"},
                     LabelCase{"FatCutAtABlank", "vfat", "abcdefghij klm", "ABCDEFGHIJ"},
                     LabelCase{"FatWithItsAllowedSigns", "vfat", "A-B_C!#$%&'", "A-B_C!#$%&'"},
                     LabelCase{"ExFatInUnits", "exfat", "日本語日本語日本語日本語", "日本語日本語日本語日本"},

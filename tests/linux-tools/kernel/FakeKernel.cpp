@@ -24,7 +24,9 @@ void write(const fs::path &path, std::string_view text)
 
 fs::path makeTemporaryDirectory()
 {
-    std::string path = (fs::temp_directory_path() / "brindle-kernel-XXXXXX").string();
+    const fs::path memory = "/dev/shm"; // Where nothing waits for a disk.
+    const fs::path place = fs::is_directory(memory) ? memory : fs::temp_directory_path();
+    std::string path = (place / "brindle-kernel-XXXXXX").string();
     if (!::mkdtemp(path.data()))
         throw std::runtime_error("no temporary directory");
     return path;

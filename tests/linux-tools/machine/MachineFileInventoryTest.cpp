@@ -5,9 +5,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 
 namespace brindle::tools {
 namespace {
+
+namespace fs = std::filesystem;
 
 Scope everything()
 {
@@ -109,6 +112,59 @@ TEST(MachineFileInventory, TellsMountPointsAsAbsolutePaths)
     EXPECT_EQ(mountOf(inventory, "disk1s1").mountPoint, "/");
     EXPECT_TRUE(mountOf(inventory, "disk1s1").isReadOnly);
     EXPECT_EQ(mountOf(inventory, "disk2s2").mountPoint, (machine.root() / "Volumes/DATA").string());
+}
+
+/// What `diskutil info` says the name stands for.
+std::string identifierOf(const TestMachine &machine, const std::string &name)
+{
+    const Outcome info = machine.diskutil({"info", name});
+    const std::string_view label = "Device Identifier:";
+    const std::size_t at = info.output.find(label);
+    if (at == std::string::npos)
+        return "none";
+    const std::size_t start = info.output.find_first_not_of(' ', at + label.size());
+    return info.output.substr(start, info.output.find('\n', start) - start);
+}
+
+TEST(MachineFileInventory, TakesAnyPathThatLeadsToAMountPoint)
+{
+    const TestMachine machine;
+    const fs::path data = machine.root() / "Volumes/DATA";
+    fs::create_directories(data / "inside");
+    fs::create_directory_symlink("Volumes/DATA", machine.root() / "link");
+    const fs::path before = fs::current_path();
+    fs::current_path(data / "inside");
+
+    for (const std::string &name :
+         {data.string(), (data / "").string(), (machine.root() / "link").string(),
+          (machine.root() / "link/inside/..").string(), (machine.root() / "Volumes//./DATA/").string(),
+          std::string(".."), std::string("../../DATA")})
+        EXPECT_EQ(identifierOf(machine, name), "disk2s2") << name;
+    for (const std::string &name : {(data / "inside").string(), (data / "none/..").string(), std::string("link")})
+        EXPECT_EQ(identifierOf(machine, name), "none") << name;
+
+    fs::current_path(before);
+}
+
+TEST(MachineFileInventory, TakesAnyPathToAMountPointOfTheSimulatedSystem)
+{
+    const TestMachine machine;
+
+    for (const char *name : {"/", "//", "/.", "/System/.."})
+        EXPECT_EQ(identifierOf(machine, name), "disk1s1") << name;
+    for (const char *name : {"/System/Volumes/Data", "/System/Volumes/Data/", "/System//Volumes/None/../Data"})
+        EXPECT_EQ(identifierOf(machine, name), "disk1s2") << name;
+}
+
+TEST(MachineFileInventory, ActsOnWhatAPathLeadsTo)
+{
+    const TestMachine machine;
+    machine.file().settle();
+
+    const Outcome outcome = machine.diskutil({"unmount", (machine.root() / "Volumes/DATA/").string()});
+
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    EXPECT_EQ(machine.mountPointOf("disk2s2"), "");
 }
 
 TEST(MachineFileInventory, SharesTheFreeSpaceOfAContainerAmongItsVolumes)

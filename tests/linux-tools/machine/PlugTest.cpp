@@ -300,7 +300,30 @@ TEST(Plug, NamesNoDiskByANumberBeyondTheLast)
 
 TEST(MachineCommand, EndsWithTwoForAWrongUsage)
 {
-    EXPECT_EQ(runProgram({MACHINE_TOOL, "in"}).status, 2);
+    const Outcome outcome = runProgram({MACHINE_TOOL, "in"});
+
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_THAT(outcome.errors, testing::HasSubstr("ROOT is required"));
+}
+
+TEST(MachineCommand, PrintsNoRawBytesOfAWrongArgument)
+{
+    const Outcome outcome = runProgram({MACHINE_TOOL, "list", "somewhere", "\x1B[2J"});
+
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_THAT(outcome.errors, testing::HasSubstr("\uFFFD[2J\n"));
+}
+
+TEST(MachineCommand, FailsWhereItsOutputCannotBeWritten)
+{
+    const TestMachine machine;
+
+    const Outcome outcome =
+        runProgram({"/bin/sh", "-c", "exec \"$0\" list \"$1\" >/dev/full", MACHINE_TOOL, machine.root().string()});
+
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errors, testing::HasSubstr("brindle-machine: standard output: "));
 }
 
 } // namespace

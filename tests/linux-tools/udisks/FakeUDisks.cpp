@@ -139,11 +139,30 @@ std::vector<std::string> FakeUDisks::calls() const
     return m_calls;
 }
 
+std::vector<std::string> FakeUDisks::acts() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_acts;
+}
+
+void FakeUDisks::refuse(std::string reason)
+{
+    const std::lock_guard lock(m_mutex);
+    m_refusal = std::move(reason);
+}
+
 int FakeUDisks::reply(sd_bus_message *call)
 {
     {
         const std::lock_guard lock(m_mutex);
         m_calls.push_back(fmt::format("{}.{}", sd_bus_message_get_interface(call), sd_bus_message_get_member(call)));
+    }
+    if (sd_bus_message_has_signature(call, "a{sv}") > 0) {
+        const std::lock_guard lock(m_mutex);
+        m_acts.push_back(fmt::format("{} {}", sd_bus_message_get_member(call), sd_bus_message_get_path(call)));
+        return m_refusal.empty() ? sd_bus_reply_method_return(call, nullptr)
+                                 : sd_bus_reply_method_errorf(call, "org.freedesktop.UDisks2.Error.DeviceBusy", "%s",
+                                                              m_refusal.c_str());
     }
     const char *interface = nullptr;
     const char *name = nullptr;

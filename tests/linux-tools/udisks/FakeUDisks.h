@@ -54,6 +54,8 @@ public:
     ~FakeUDisks();
 
     [[nodiscard]] std::vector<std::string> calls() const; ///< The methods, in order.
+    [[nodiscard]] std::vector<std::string> acts() const;  ///< The methods that do something, with their objects.
+    void refuse(std::string reason);                      ///< Answers so to those from now on.
 
 private:
     [[nodiscard]] int reply(sd_bus_message *call);
@@ -62,6 +64,8 @@ private:
     sd_bus *m_bus = nullptr;
     mutable std::mutex m_mutex;
     std::vector<std::string> m_calls;
+    std::vector<std::string> m_acts;
+    std::string m_refusal;
     std::atomic<bool> m_isEnding = false;
     std::thread m_thread;
 };

@@ -216,6 +216,22 @@ TEST_F(LinuxDiskEventsTest, CompareAllDisksWhenEventsWereDropped)
     EXPECT_EQ(std::ranges::count(seen, "disappeared " + name), 1);
 }
 
+TEST_F(LinuxDiskEventsTest, FollowTheKernelOnceUdevHasDied)
+{
+    const char *udevd = std::getenv("BRINDLE_TEST_UDEVD");
+    if (!udevd)
+        GTEST_SKIP() << "udevd lives on";
+    const auto session = loopSession();
+    attach();
+    const std::string name = "Disk (" + kernelName() + ")";
+    waitFor("appeared " + name);
+
+    shell(std::string("kill -9 ") + udevd + "; while grep -q /run/udev/control /proc/net/unix; do sleep 0.05; done");
+    detach();
+
+    waitFor("disappeared " + name);
+}
+
 TEST_F(LinuxDiskEventsTest, CreateNoSessionWhereNoSocketIsLeft)
 {
     if (kSanitizerNeedsDescriptors)
@@ -307,7 +323,7 @@ TEST_F(Volumes, AndDisksCloseTheirDescriptorsWhenTheyAreNotObservedAnyMore)
         const auto mounts = events.observeVolumes(kMounted, onMount);
         const auto unmounts = events.observeVolumes(kUnmounted, onMount);
         const auto session = events.createSession([](DiskEvents::DiskChange, const auto &) {});
-        EXPECT_EQ(openDescriptors(), before + 3);
+        EXPECT_EQ(openDescriptors(), before + 4);
     }
 
     EXPECT_EQ(openDescriptors(), before);

@@ -11,11 +11,18 @@
 
 #include <unistd.h>
 
+#include <filesystem>
+#include <optional>
+
 namespace brindle {
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::StartsWith;
+
+constexpr const char *kFallback = "⚠️ No Secret Service answers: the password is kept in the kernel's keyring, until "
+                                  "the next restart at most";
 
 class LinuxSecretStoreTest : public testing::Test {
 protected:
@@ -28,7 +35,7 @@ TEST_F(LinuxSecretStoreTest, IsTheSecretServiceWhereOneAnswers)
     if (const std::string obstacle = PrivateSession::obstacle(); !obstacle.empty())
         GTEST_SKIP() << obstacle;
     const PrivateSession session;
-    LinuxSecretStore store;
+    LinuxSecretStore store(SECRET_SERVICE_MODULE);
 
     EXPECT_EQ(store.add(key, Secret("open sesame")), SecretStore::kDone);
 
@@ -42,7 +49,7 @@ TEST_F(LinuxSecretStoreTest, IsTheSecretServiceWhereOneAnswers)
 TEST_F(LinuxSecretStoreTest, IsTheKernelsKeyringWhereNoServiceAnswersAndSaysSoOnce)
 {
     qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus");
-    LinuxSecretStore store;
+    LinuxSecretStore store(SECRET_SERVICE_MODULE);
     const std::size_t linesBeforeTheFirstCall = log.lines().size();
     if (store.add(key, Secret("open sesame")) != SecretStore::kDone)
         GTEST_SKIP() << "the kernel gives no key";
@@ -51,9 +58,41 @@ TEST_F(LinuxSecretStoreTest, IsTheKernelsKeyringWhereNoServiceAnswersAndSaysSoOn
     EXPECT_EQ(store.find(key), Secret("open sesame"));
     EXPECT_EQ(store.remove(key), SecretStore::kDone);
     EXPECT_EQ(linesBeforeTheFirstCall, 0U);
-    EXPECT_THAT(log.lines(), ElementsAre("⚠️ No Secret Service answers: the password is kept in the kernel's keyring, "
-                                         "until the next restart at most"));
+    EXPECT_THAT(log.lines(), ElementsAre(kFallback));
 }
+
+struct ModuleCase {
+    const char *name;
+    std::filesystem::path module;
+};
+
+class LinuxSecretStoreWithoutModule : public LinuxSecretStoreTest, public testing::WithParamInterface<ModuleCase> {};
+
+TEST_P(LinuxSecretStoreWithoutModule, IsTheKernelsKeyringAndSaysWhyOnceEvenWhereAServiceAnswers)
+{
+    std::optional<PrivateSession> session;
+    if (PrivateSession::obstacle().empty())
+        session.emplace();
+    LinuxSecretStore store(GetParam().module);
+
+    if (store.add(key, Secret("open sesame")) != SecretStore::kDone)
+        GTEST_SKIP() << "the kernel gives no key";
+
+    EXPECT_EQ(KernelKeyringStore().find(key), Secret("open sesame"));
+    EXPECT_EQ(store.find(key), Secret("open sesame"));
+    EXPECT_EQ(store.remove(key), SecretStore::kDone);
+    EXPECT_THAT(log.lines(),
+                ElementsAre(StartsWith("⚠️ The module for the Secret Service can't be loaded: "), kFallback));
+}
+
+const ModuleCase kModuleCases[] = {
+    {"ThatIsMissing", "/nonexistent/brindle-secret-service.so"},
+    {"ThatIsNoLibrary", "/proc/self/cmdline"},
+    {"ThatLacksTheFunction", "libm.so.6"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Cases, LinuxSecretStoreWithoutModule, testing::ValuesIn(kModuleCases),
+                         [](const auto &row) { return std::string(row.param.name); });
 
 } // namespace
 } // namespace brindle

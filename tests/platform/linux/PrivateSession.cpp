@@ -15,37 +15,19 @@ namespace {
 
 constexpr int kPatience = 20'000; // milliseconds; nothing waits for so long but a failing test
 
-// A bus that starts no service by itself, so that no other keyring and no dialog can come up.
-constexpr const char *kBusConfiguration =
-    R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
- "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
-<busconfig>
-  <type>session</type>
-  <listen>unix:dir=%1</listen>
-  <policy context="default"><allow send_destination="*"/><allow receive_sender="*"/><allow own="*"/></policy>
-</busconfig>
-)";
-
-void end(QProcess &process)
-{
-    process.terminate();
-    EXPECT_TRUE(process.waitForFinished(kPatience));
-}
-
 } // namespace
 
 std::string PrivateSession::obstacle()
 {
-    for (const char *program : {"dbus-daemon", "gnome-keyring-daemon", "secret-tool"}) {
+    for (const char *program : {"gnome-keyring-daemon", "secret-tool"}) {
         if (QStandardPaths::findExecutable(QLatin1String(program)).isEmpty())
             return std::string("there is no ") + program;
     }
-    return {};
+    return PrivateBus::obstacle();
 }
 
-PrivateSession::PrivateSession() : m_addressBefore(qgetenv("DBUS_SESSION_BUS_ADDRESS"))
+PrivateSession::PrivateSession()
 {
-    startBus();
     startKeyring();
 }
 
@@ -53,21 +35,6 @@ PrivateSession::~PrivateSession()
 {
     if (m_keyring.state() != QProcess::NotRunning)
         endKeyring();
-    if (m_bus.state() != QProcess::NotRunning)
-        endBus();
-    qputenv("DBUS_SESSION_BUS_ADDRESS", m_addressBefore);
-}
-
-void PrivateSession::startBus()
-{
-    QFile configuration(m_home.filePath(QStringLiteral("bus.conf")));
-    ASSERT_TRUE(configuration.open(QIODevice::WriteOnly));
-    configuration.write(QString::fromLatin1(kBusConfiguration).arg(m_home.path()).toUtf8());
-    configuration.close();
-    m_bus.start(QStringLiteral("dbus-daemon"), {QStringLiteral("--nofork"), QStringLiteral("--print-address"),
-                                                QStringLiteral("--config-file=") + configuration.fileName()});
-    ASSERT_TRUE(m_bus.waitForReadyRead(kPatience)) << m_bus.readAllStandardError().toStdString();
-    qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.readLine().trimmed());
 }
 
 void PrivateSession::startKeyring()
@@ -96,12 +63,13 @@ void PrivateSession::lockKeyring()
 
 void PrivateSession::endKeyring()
 {
-    end(m_keyring);
+    m_keyring.terminate();
+    EXPECT_TRUE(m_keyring.waitForFinished(kPatience));
 }
 
 void PrivateSession::endBus()
 {
-    end(m_bus);
+    m_bus.end();
 }
 
 bool PrivateSession::hasAsked()

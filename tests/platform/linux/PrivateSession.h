@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/PrivateBus.h"
+
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -8,9 +10,8 @@
 
 namespace brindle {
 
-/// A D-Bus session of the test's own, with a real gnome-keyring on it whose keyring is open: this process and those
-/// that it starts know no other session while it lives. Nothing of the user's own is touched. Nobody is there to be
-/// asked.
+/// A private bus with a real gnome-keyring on it whose keyring is open. Nothing of the user's own is touched. Nobody is
+/// there to be asked.
 class PrivateSession {
 public:
     /// Why there can be no such session on this machine; empty where there can.
@@ -32,13 +33,11 @@ public:
     [[nodiscard]] std::string secretTool(const std::vector<std::string> &arguments);
 
 private:
-    void startBus();
     void startKeyring();
 
+    PrivateBus m_bus;
     QTemporaryDir m_home;
-    QProcess m_bus;
     QProcess m_keyring;
-    QByteArray m_addressBefore;
 };
 
 } // namespace brindle

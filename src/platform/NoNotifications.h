@@ -1,0 +1,16 @@
+#pragma once
+
+#include "platform/UserNotifications.h"
+
+namespace brindle {
+
+/// Shows nothing, and says that it did: for programs whose user sees how a mount ends.
+class NoNotifications final : public UserNotifications {
+public:
+    void setDelegate(Delegate * /*delegate*/) override {}
+    void requestAuthorization(Options options, Authorized authorized) override;
+    void setCategories(std::vector<NotificationCategory> /*categories*/) override {}
+    void add(UserNotification notification, Added added) override;
+};
+
+} // namespace brindle
