@@ -98,7 +98,7 @@ TEST_F(TerminalFlows, AskForTheNameUntilItIsRightAndThenForThePassword)
     EXPECT_THAT(question, HasSubstr("Type \"SYSTEM\" to confirm\r\n"));
 
     erase.type("system\n");
-    erase.awaitText("That doesn't match \"SYSTEM\" — try again.\r\n");
+    erase.awaitText("That doesn't match \"SYSTEM\" — try again.\r\nType \"SYSTEM\" to confirm\r\nName []: ");
     erase.type("SYSTEM\n");
     erase.awaitText("Administrator Password: ");
     erase.type(std::string(kAdminPassword) + "\n");

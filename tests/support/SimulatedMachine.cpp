@@ -8,6 +8,7 @@
 #include "platform/NoNotifications.h"
 #include "platform/NoWorkspace.h"
 #include "platform/linux/LinuxChildProcess.h"
+#include "platform/linux/LinuxFileManager.h"
 #include "platform/qt/MachineFileEvents.h"
 #include "platform/qt/QtScheduler.h"
 #include "support/LogCapture.h"
@@ -240,6 +241,7 @@ Platform SimulatedMachine::platform() const
             .userDefaults = std::make_unique<MemoryUserDefaults>(),
             .secretStore = std::make_unique<MemorySecretStore>(),
             .diskEvents = std::make_unique<MachineFileEvents>(m_root),
+            .fileManager = std::make_unique<LinuxFileManager>(),
             .workspace = std::make_unique<NoWorkspace>(),
             .userNotifications = std::make_unique<NoNotifications>(),
             .dialogs = std::make_unique<NoDialogs>(),
