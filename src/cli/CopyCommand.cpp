@@ -105,16 +105,16 @@ void addCopyCommand(CLI::App &app, const GlobalOptions &options, Command &comman
 {
     CLI::App *subcommand = app.add_subcommand("copy", "Copy the EFI folder of an EFI partition to another one");
     const auto arguments = std::make_shared<CopyArguments>();
-    subcommand->add_option("P", arguments->source, "The mounted EFI partition to copy from, such as disk0s1")
+    subcommand->add_option("FROM", arguments->source, "The mounted EFI partition to copy from, such as disk0s1")
         ->required()
         ->type_name("");
-    subcommand->add_option("Q", arguments->destination, "The mounted EFI partition to copy to")
+    subcommand->add_option("TO", arguments->destination, "The mounted EFI partition to copy to")
         ->required()
         ->type_name("");
     CLI::Option *backup =
-        subcommand->add_option("--backup", arguments->backup, "Save Q's EFI folder as PATH, which must not exist")
+        subcommand->add_option("--backup", arguments->backup, "Save the EFI folder of TO as PATH, which must not exist")
             ->type_name("PATH");
-    subcommand->add_flag("--overwrite", arguments->overwrite, "Delete Q's EFI folder without a backup")
+    subcommand->add_flag("--overwrite", arguments->overwrite, "Delete the EFI folder of TO without a backup")
         ->excludes(backup);
     subcommand->callback([&options, &command, arguments] {
         command = [&options, arguments] {

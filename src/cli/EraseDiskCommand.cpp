@@ -21,7 +21,7 @@ void addEraseDiskCommand(CLI::App &app, const GlobalOptions &options, Command &c
     CLI::App *subcommand = app.add_subcommand(
         "erase-disk", "Erase a whole disk: a new partition map with an EFI partition and one volume");
     const auto arguments = addErase(*subcommand, options, command, eraseWholeDisk);
-    subcommand->add_option("D", arguments->identifier, "The disk, such as disk2")->required()->type_name("");
+    subcommand->add_option("DISK", arguments->identifier, "The disk, such as disk2")->required()->type_name("");
     addFormatOption(*subcommand, *arguments);
 }
 

@@ -30,7 +30,9 @@ void addEraseEFICommand(CLI::App &app, const GlobalOptions &options, Command &co
 {
     CLI::App *subcommand = app.add_subcommand("erase-efi", "Erase an EFI partition and format it as FAT32");
     const auto arguments = addErase(*subcommand, options, command, eraseEFI);
-    subcommand->add_option("P", arguments->identifier, "The EFI partition, such as disk2s1")->required()->type_name("");
+    subcommand->add_option("PARTITION", arguments->identifier, "The EFI partition, such as disk2s1")
+        ->required()
+        ->type_name("");
 }
 
 } // namespace brindle

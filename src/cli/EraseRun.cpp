@@ -93,6 +93,7 @@ void addFormatOption(CLI::App &subcommand, EraseArguments &arguments)
         formats.push_back(option.diskutilFormat);
     subcommand.add_option("--format", arguments.format, "The format of the new volume")
         ->required()
+        ->type_name("FORMAT")
         ->check(CLI::IsMember(formats));
 }
 

@@ -26,7 +26,7 @@ void addEraseVolumeCommand(CLI::App &app, const GlobalOptions &options, Command 
 {
     CLI::App *subcommand = app.add_subcommand("erase-volume", "Erase the volume of a disk and format it anew");
     const auto arguments = addErase(*subcommand, options, command, eraseVolume);
-    subcommand->add_option("D", arguments->identifier, "The disk, such as disk2")->required()->type_name("");
+    subcommand->add_option("DISK", arguments->identifier, "The disk, such as disk2")->required()->type_name("");
     addFormatOption(*subcommand, *arguments);
 }
 

@@ -37,7 +37,9 @@ void addSaveCommand(CLI::App &app, const GlobalOptions &options, Command &comman
     CLI::App *subcommand = app.add_subcommand("save", "Copy the EFI folder of an EFI partition to a folder");
     const auto identifier = std::make_shared<std::string>();
     const auto place = std::make_shared<std::string>();
-    subcommand->add_option("P", *identifier, "The mounted EFI partition, such as disk0s1")->required()->type_name("");
+    subcommand->add_option("PARTITION", *identifier, "The mounted EFI partition, such as disk0s1")
+        ->required()
+        ->type_name("");
     subcommand->add_option("PATH", *place, "The folder to be made")->required()->type_name("");
     subcommand->callback([&options, &command, identifier, place] {
         command = [&options, identifier, place] {
