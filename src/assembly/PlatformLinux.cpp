@@ -15,6 +15,7 @@
 #include "privileged/KeychainHelper.h"
 
 #include <QCoreApplication>
+#include <fmt/format.h>
 
 #include <unistd.h>
 
@@ -30,10 +31,15 @@ std::string suppliedFolder()
     return QCoreApplication::applicationDirPath().toStdString() + "/../libexec/brindle";
 }
 
+std::string suppliedModule(std::string_view name)
+{
+    return fmt::format("{}/lib/brindle-{}.so", suppliedFolder(), name);
+}
+
 std::unique_ptr<SecretStore> secretStoreFor(const PlatformChanges &changes)
 {
     if (!changes.toolRoot && !changes.password)
-        return std::make_unique<LinuxSecretStore>(suppliedFolder() + "/lib/brindle-secret-service.so");
+        return std::make_unique<LinuxSecretStore>(suppliedModule("secret-service"));
     auto store = std::make_unique<MemorySecretStore>();
     if (changes.password)
         (void)store->add({KeychainHelper::kService, KeychainHelper::kAccount}, *changes.password);
@@ -50,7 +56,7 @@ std::unique_ptr<DiskEvents> makeDiskEvents(const PlatformChanges &changes)
 
 std::unique_ptr<UserNotifications> makeUserNotifications(const PlatformChanges &changes)
 {
-    const auto makeDaemon = [] { return loadNotificationDaemon(suppliedFolder() + "/lib/brindle-notifications.so"); };
+    const auto makeDaemon = [] { return loadNotificationDaemon(suppliedModule("notifications")); };
     const auto offer =
         changes.endsSoon ? FreedesktopNotifications::Offer::nothing : FreedesktopNotifications::Offer::actions;
     return std::make_unique<FreedesktopNotifications>(makeDaemon, offer);
@@ -69,7 +75,7 @@ Platform makePlatform(const PlatformChanges &changes)
             std::make_unique<PlistUserDefaults>(changes.userDefaultsFile.value_or(PlistUserDefaults::defaultPath())),
         .secretStore = secretStoreFor(changes),
         .diskEvents = makeDiskEvents(changes),
-        .fileManager = std::make_unique<LinuxFileManager>(),
+        .fileManager = std::make_unique<LinuxFileManager>(suppliedModule("tree-comparer")),
         .workspace = std::move(workspace),
         .userNotifications = makeUserNotifications(changes),
         .dialogs = std::make_unique<NoDialogs>(),

@@ -1,10 +1,12 @@
 #include "platform/linux/LinuxFileManager.h"
 
 #include "platform/linux/FolderEntries.h"
-#include "platform/linux/TreeComparer.h"
+#include "platform/linux/ModuleFunction.h"
+#include "platform/linux/TreeComparerModule.h"
 #include "platform/linux/TreeCopy.h"
 #include "platform/linux/TreeRemoval.h"
 
+#include "base/Error.h"
 #include "base/OnWorker.h"
 
 #include <cerrno>
@@ -29,6 +31,8 @@ std::vector<std::string> namesIn(const std::string &path)
 
 } // namespace
 
+LinuxFileManager::LinuxFileManager(std::filesystem::path comparer) : m_comparer(std::move(comparer)) {}
+
 bool LinuxFileManager::fileExists(const std::string &path) const
 {
     struct stat status {};
@@ -52,8 +56,16 @@ QCoro::Task<> LinuxFileManager::copyItem(std::string from, std::string to, Cance
 
 QCoro::Task<TreeComparison> LinuxFileManager::compareItems(std::string first, std::string second)
 {
-    return onWorker(
-        [first = std::move(first), second = std::move(second)] { return TreeComparer(first, second).run(); });
+    void *const function = moduleFunction(m_comparer, "brindleCompareTrees", "comparing folders");
+    if (!function)
+        throw Error("LinuxFileManager", 1, "Folders can't be compared: a module of the program can't be loaded.");
+    const auto compare = reinterpret_cast<decltype(&brindleCompareTrees)>(function);
+    auto comparison = onWorker([compare, first, second] {
+        TreeComparison result;
+        compare(first, second, result);
+        return result;
+    });
+    co_return co_await comparison;
 }
 
 QCoro::Task<> LinuxFileManager::removeItem(std::string path)

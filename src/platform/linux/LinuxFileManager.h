@@ -2,16 +2,25 @@
 
 #include "platform/FileManager.h"
 
+#include <filesystem>
+
 namespace brindle {
 
 /// Files by the kernel's own calls.
 class LinuxFileManager : public FileManager {
 public:
+    /// \a comparer is the module that compares folders, loaded when it is first wanted: its cryptographic library costs
+    /// a start more than half a millisecond. Without it compareItems() throws an Error.
+    explicit LinuxFileManager(std::filesystem::path comparer = {});
+
     [[nodiscard]] bool fileExists(const std::string &path) const override;
     [[nodiscard]] QCoro::Task<std::vector<std::string>> contentsOfDirectory(std::string path) override;
     QCoro::Task<> copyItem(std::string from, std::string to, CancellationToken token = {}) override;
     [[nodiscard]] QCoro::Task<TreeComparison> compareItems(std::string first, std::string second) override;
     QCoro::Task<> removeItem(std::string path) override;
+
+private:
+    std::filesystem::path m_comparer;
 };
 
 } // namespace brindle

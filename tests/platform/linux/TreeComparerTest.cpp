@@ -4,6 +4,7 @@
 #include "base/BlockOn.h"
 #include "base/Error.h"
 #include "support/FileTree.h"
+#include "support/LogCapture.h"
 
 #include <QTemporaryDir>
 
@@ -25,6 +26,7 @@ namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::StartsWith;
 using Kind = TreeDifference::Kind;
 
 class TreeComparerTest : public testing::Test {
@@ -40,7 +42,7 @@ protected:
 
     [[nodiscard]] TreeComparison compare() { return blockOn(files.compareItems(first(), second()), 60s); }
 
-    LinuxFileManager files;
+    LinuxFileManager files{TREE_COMPARER_MODULE};
 
 private:
     QTemporaryDir m_folder;
@@ -136,6 +138,21 @@ TEST_F(TreeComparerTest, ReadsTheSecondFolderFromItsDeviceAlthoughItLiesInMemory
     const TreeComparison comparison = compare();
 
     EXPECT_GE(comparison.bytesFromDevice, bytes.size());
+}
+
+TEST_F(TreeComparerTest, IsNotThereWithoutItsModule)
+{
+    LogCapture log;
+    LinuxFileManager withoutModule("/nonexistent/module.so");
+
+    try {
+        (void)blockOn(withoutModule.compareItems(first(), second()), 60s);
+        ADD_FAILURE() << "nothing was thrown";
+    } catch (const Error &error) {
+        EXPECT_EQ(error.localizedDescription(), "Folders can't be compared: a module of the program can't be loaded.");
+    }
+    EXPECT_THAT(log.lines(),
+                ElementsAre(StartsWith("⚠️ The module for comparing folders can't be loaded: /nonexistent")));
 }
 
 } // namespace
