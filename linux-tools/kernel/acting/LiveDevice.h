@@ -35,9 +35,6 @@ public:
     /// The mounts of what lies on them, in their order.
     [[nodiscard]] std::vector<CarriedMount> mounts() const;
 
-    /// What is mounted at a place last; null for nothing.
-    [[nodiscard]] const MountEntry *mountedAt(const std::string &place) const { return m_mounts.at(place); }
-
     /// Opens the disk, or a partition of it, and makes sure that it is the one that was named. While the descriptor is
     /// open the kernel gives the device's name to no other disk.
     /// \throws ActionError where it can't be opened, or another disk has taken the place.

@@ -57,12 +57,12 @@ bool isLeft(const std::string &path)
 }
 
 /// Whether the place is free; ends the mount there of a device that was pulled out.
-bool isFree(const std::string &path, const LiveDevice &live, KernelCalls &calls)
+bool isFree(const std::string &path, const MountReader &mounts, const BlockDevices &devices, KernelCalls &calls)
 {
-    const MountEntry *const mounted = live.mountedAt(path);
+    const MountEntry *const mounted = mounts.at(path);
     if (!mounted)
         return true;
-    const bool isGone = mounted->device.major != 0 && !live.devices().byNumber(mounted->device);
+    const bool isGone = mounted->device.major != 0 && !devices.byNumber(mounted->device);
     return isGone && calls.detach(path) == 0;
 }
 
@@ -93,10 +93,12 @@ std::string MountPlaces::make(const VolumeUser &user, std::string_view label, co
     const std::string home = m_root + '/' + user.name;
     requireOwnFolder(m_root);
     requireOwnFolder(home);
+    // As they are now: an erase has ended the mount that its volume had.
+    const MountReader mounts(live.devices(), fileBytes(live.devices().roots().mountInfo));
     const std::string first = home + '/' + folderNameOf(label);
     std::string place = first;
     for (int number = 1; number <= kMost; ++number) {
-        if (isFree(place, live, calls)) {
+        if (isFree(place, mounts, live.devices(), calls)) {
             if (::mkdir(place.c_str(), kFolderMode) == 0 || (errno == EEXIST && isLeft(place)))
                 return place;
             if (errno != EEXIST)

@@ -65,6 +65,32 @@ TEST_F(MountPlaces, NeverMountOverAnotherVolume)
     EXPECT_EQ(mountEfi(), "EFI 1");
 }
 
+/// Ends a mount when all was read, as an erase does before it mounts the new volume.
+class KernelThatUnmounts : public ActingKernel {
+public:
+    bool isPrivileged() override
+    {
+        (void)unmount(ended);
+        return ActingKernel::isPrivileged();
+    }
+
+    std::string ended;
+};
+
+TEST(MountPlacesOfAnErase, AreThoseOfTheMountThatItHasEnded)
+{
+    KernelThatUnmounts kernel;
+    kernel.plugStick();
+    kernel.ended = kernel.media() / "ann/EFI";
+    fs::create_directories(kernel.ended);
+    kernel.addMount("8:18", kernel.ended);
+
+    const Outcome outcome = kernel.run({"mount", "disk7s1"});
+
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    EXPECT_THAT(kernel.mountPoints(), ElementsAre(kernel.ended));
+}
+
 TEST_F(MountPlaces, EndTheMountOfADiskThatWasPulledOut)
 {
     kernel.addMount("8:99", kernel.media() / "ann/EFI");
