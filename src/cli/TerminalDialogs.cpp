@@ -156,9 +156,11 @@ void TerminalDialogs::sayLines(const std::string &title, const std::string &text
 
 QCoro::Task<std::optional<Secret>> TerminalDialogs::line(std::string question, Echo echo)
 {
-    const LineSettings settings(m_terminal, echo == Echo::on);
+    // Signals are caught before the terminal is changed and until it is as before.
+    std::optional<LineSettings> settings;
+    const Interruption interruption([&settings] { settings->restore(); });
+    settings.emplace(m_terminal, echo == Echo::on);
     say(question);
-    const Interruption interruption([&settings] { settings.restore(); });
     const Completion<bool> typed;
     QSocketNotifier notifier(m_terminal, QSocketNotifier::Read);
     QObject::connect(&notifier, &QSocketNotifier::activated, &notifier, [&notifier, typed] {
@@ -166,9 +168,10 @@ QCoro::Task<std::optional<Secret>> TerminalDialogs::line(std::string question, E
         typed.complete(true);
     });
     co_await typed;
-    std::optional<Secret> result = takeLine(m_terminal, settings);
+    std::optional<Secret> result = takeLine(m_terminal, *settings);
     if (!result)
         say("\n");
+    settings.reset();
     co_return result;
 }
 
