@@ -2,6 +2,7 @@
 
 #include "base/Error.h"
 
+#include <openssl/crypto.h>
 #include <openssl/evp.h>
 
 namespace brindle {
@@ -15,6 +16,11 @@ void require(bool worked)
 }
 
 } // namespace
+
+Sha256::ThreadState::~ThreadState()
+{
+    OPENSSL_thread_stop();
+}
 
 void Sha256::Deleter::operator()(evp_md_ctx_st *context) const
 {

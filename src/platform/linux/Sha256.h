@@ -10,7 +10,7 @@ struct evp_md_st;
 
 namespace brindle {
 
-/// Makes SHA-256 digests (FIPS 180-4), one after the other.
+/// Makes SHA-256 digests (FIPS 180-4), one after the other, in the thread that has made it.
 class Sha256 {
 public:
     using Digest = std::array<unsigned char, 32>;
@@ -23,6 +23,11 @@ public:
     [[nodiscard]] Digest finish();
 
 private:
+    /// Gives back what the library keeps for the thread: at the end of the process it can be too late.
+    struct ThreadState {
+        ~ThreadState();
+    };
+
     struct Deleter {
         void operator()(evp_md_ctx_st *context) const;
         void operator()(evp_md_st *algorithm) const;
@@ -30,6 +35,7 @@ private:
 
     void begin();
 
+    ThreadState m_threadState;                       ///< The last to go.
     std::unique_ptr<evp_md_st, Deleter> m_algorithm; ///< Looked up once: that costs as much as a small file.
     std::unique_ptr<evp_md_ctx_st, Deleter> m_context;
 };
