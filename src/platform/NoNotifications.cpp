@@ -1,6 +1,5 @@
 #include "platform/NoNotifications.h"
 
-#include <QCoreApplication>
 #include <QMetaObject>
 
 #include <utility>
@@ -10,14 +9,13 @@ namespace brindle {
 void NoNotifications::requestAuthorization(Options /*options*/, Authorized authorized)
 {
     QMetaObject::invokeMethod(
-        QCoreApplication::instance(), [authorized = std::move(authorized)] { authorized(false, std::nullopt); },
-        Qt::QueuedConnection);
+        &m_context, [authorized = std::move(authorized)] { authorized(false, std::nullopt); }, Qt::QueuedConnection);
 }
 
 void NoNotifications::add(UserNotification /*notification*/, Added added)
 {
     QMetaObject::invokeMethod(
-        QCoreApplication::instance(), [added = std::move(added)] { added(std::nullopt); }, Qt::QueuedConnection);
+        &m_context, [added = std::move(added)] { added(std::nullopt); }, Qt::QueuedConnection);
 }
 
 } // namespace brindle

@@ -2,6 +2,8 @@
 
 #include "platform/UserNotifications.h"
 
+#include <QObject>
+
 namespace brindle {
 
 /// Shows nothing, and says that it did: for programs whose user sees how a mount ends.
@@ -11,6 +13,9 @@ public:
     void requestAuthorization(Options options, Authorized authorized) override;
     void setCategories(std::vector<NotificationCategory> /*categories*/) override {}
     void add(UserNotification notification, Added added) override;
+
+private:
+    QObject m_context; ///< What is still to be told ends with it.
 };
 
 } // namespace brindle

@@ -2,7 +2,6 @@
 
 #include "base/VisibleText.h"
 
-#include <QCoreApplication>
 #include <QMetaObject>
 
 #include <algorithm>
@@ -56,8 +55,7 @@ FreedesktopNotifications::FreedesktopNotifications(MakeDaemon makeDaemon, Offer 
 void FreedesktopNotifications::requestAuthorization(Options /*options*/, Authorized authorized)
 {
     QMetaObject::invokeMethod(
-        QCoreApplication::instance(), [authorized = std::move(authorized)] { authorized(true, std::nullopt); },
-        Qt::QueuedConnection);
+        &m_context, [authorized = std::move(authorized)] { authorized(true, std::nullopt); }, Qt::QueuedConnection);
 }
 
 void FreedesktopNotifications::setCategories(std::vector<NotificationCategory> categories)
@@ -69,7 +67,7 @@ void FreedesktopNotifications::add(UserNotification notification, Added added)
 {
     if (!daemon()) {
         QMetaObject::invokeMethod(
-            QCoreApplication::instance(),
+            &m_context,
             [added = std::move(added)] {
                 added(Error(kDomain, 1, "The program's part for notifications is missing."));
             },

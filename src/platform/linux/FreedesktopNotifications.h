@@ -3,6 +3,8 @@
 #include "platform/UserNotifications.h"
 #include "platform/linux/NotificationDaemon.h"
 
+#include <QObject>
+
 #include <functional>
 #include <map>
 #include <memory>
@@ -40,6 +42,7 @@ private:
     void keep(NotificationDaemon::Key key, PropertyValue::Dictionary userInfo);
     void actionInvoked(const NotificationDaemon::Key &key, const std::string &action);
 
+    QObject m_context; ///< What is still to be told ends with it.
     MakeDaemon m_makeDaemon;
     Offer m_offer;
     std::unique_ptr<NotificationDaemon> m_daemon;
