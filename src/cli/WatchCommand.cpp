@@ -24,6 +24,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace brindle {
@@ -79,16 +80,23 @@ std::unique_ptr<QSocketNotifier> watchForReader(std::function<void()> readerHasG
     return notifier;
 }
 
-/// Ends what runs for the watch, so that no tool outlives it.
+/// Waits for the end of \a work, which the log calls \a name, but not for ever.
+void awaitEnd(QCoro::Task<> work, std::string_view name)
+{
+    try {
+        blockOn(std::move(work), kPatienceAtTheEnd);
+    } catch (const Error &error) {
+        Log::line("⚠️ {} does not end: {}", name, error.what());
+    }
+}
+
+/// Ends what runs for the watch, so that no tool outlives it, but lets a mount that has begun end by itself.
 void stop(Assembly &assembly)
 {
     assembly.diskEventMonitor().stopMonitoring();
+    awaitEnd(assembly.diskManager().autoMountsEnded(), "A mount");
     assembly.toolRunner().endAll();
-    try {
-        blockOn(assembly.diskManager().stopScan(), kPatienceAtTheEnd);
-    } catch (const Error &error) {
-        Log::line("⚠️ The scan does not stop: {}", error.what());
-    }
+    awaitEnd(assembly.diskManager().stopScan(), "The scan");
 }
 
 struct WatchOptions {

@@ -105,6 +105,9 @@ public:
     /// once at most.
     QCoro::Task<> stopScan();
 
+    /// Returns once no disk is being mounted by itself, for a program that is about to end; called once at most.
+    QCoro::Task<> autoMountsEnded();
+
     /// Takes what the system information knows about the boot for the next disks that are read.
     void syncBootloaderInfo();
 
@@ -214,6 +217,8 @@ private:
     CancellationToken m_refreshToken;
     std::size_t m_scansUnderWay = 0;
     Completion<bool> m_scansEnded; ///< Of all that are under way; a new one once none was.
+    std::size_t m_autoMountsUnderWay = 0;
+    Completion<bool> m_autoMountsEnd; ///< The same of these.
 };
 
 /// Display order: the boot disk, then disks with OpenCore, with Clover, and all others; among alike by identifier as a

@@ -22,6 +22,8 @@ void DiskManager::autoMountNewDisks(const std::set<std::string> &knownIdentifier
             continue;
         Log::line("   🏎️ Auto-mounting EFI for disk {} ({})", disk.name, *disk.mediaUUID);
         setAutoMountingLater(true, fmt::format("Auto-mounting {}...", disk.name));
+        if (m_autoMountsUnderWay++ == 0)
+            m_autoMountsEnd = Completion<bool>();
         spawn([this, identifier = disk.efiPartitions.front().identifier, name = disk.name] {
             return autoMount(identifier, name);
         });
@@ -38,6 +40,16 @@ QCoro::Task<> DiskManager::autoMount(std::string identifier, std::string diskNam
         Log::line("   🏎️ ❌ Auto-mount failed: {}", error.what());
     }
     setAutoMountingLater(false, "");
+    if (--m_autoMountsUnderWay == 0)
+        m_autoMountsEnd.complete(true);
+}
+
+QCoro::Task<> DiskManager::autoMountsEnded()
+{
+    if (m_autoMountsUnderWay == 0)
+        co_return;
+    const Completion<bool> end = m_autoMountsEnd;
+    co_await end;
 }
 
 void DiskManager::setAutoMountingLater(bool isAutoMounting, std::string statusMessage)

@@ -333,6 +333,30 @@ TEST_F(AutoMountTest, ShowsTheLastOfSeveralDisksAndClearsWhenTheFirstOneIsMounte
     EXPECT_THAT(journal, ElementsAre("mount of Stick (disk2s1) worked", "mount of Card (disk3s1) worked"));
 }
 
+TEST_F(AutoMountTest, AreAwaitedUntilTheLastOneHasEnded)
+{
+    mark(card());
+    scanWith({internalDisk()});
+    launcher.hold(mountLine("disk2s1"));
+    launcher.hold(mountLine("disk3s1"));
+    scanWith({internalDisk(), stick(), card()});
+    bool hasEnded = false;
+    const auto end = manager().autoMountsEnded().then([&hasEnded] { hasEnded = true; });
+
+    launcher.release(mountLine("disk2s1"));
+    drainEventLoop();
+    EXPECT_FALSE(hasEnded);
+    launcher.release(mountLine("disk3s1"));
+    drainEventLoop();
+
+    EXPECT_TRUE(hasEnded);
+}
+
+TEST_F(AutoMountTest, AreNotAwaitedWhereThereAreNone)
+{
+    EXPECT_TRUE(manager().autoMountsEnded().isReady());
+}
+
 // --- failures
 
 TEST_F(AutoMountTest, LogsAFailureTellsTheUserOnceAndDoesNotTryAgain)
