@@ -53,7 +53,7 @@ std::optional<Dissenter> findDissenter(const std::string &processes, const std::
 {
     for (const std::string &name : namesIn(processes)) {
         const auto pid = leadingNumber(name);
-        const std::string process = processes + '/' + name;
+        const std::string process = fmt::format("{}/{}", processes, name);
         if (!pid || !holds(process, mountPoint))
             continue;
         const std::uint64_t parent = parentOf(process);
