@@ -34,7 +34,8 @@ namespace {
 using namespace std::chrono_literals;
 
 // A tool that doesn't end when it is asked to holds nobody up for longer.
-constexpr std::chrono::milliseconds kPatienceAtTheEnd = 2s;
+constexpr std::chrono::milliseconds kPatienceWithScans = 2s;
+constexpr std::chrono::milliseconds kPatienceWithMounts = 10s; // the kernel may be checking the file system
 
 /// Why the watch ends: nothing where whoever started it or reads it has had enough.
 using End = std::optional<Error>;
@@ -81,10 +82,10 @@ std::unique_ptr<QSocketNotifier> watchForReader(std::function<void()> readerHasG
 }
 
 /// Waits for the end of \a work, which the log calls \a name, but not for ever.
-void awaitEnd(QCoro::Task<> work, std::string_view name)
+void awaitEnd(QCoro::Task<> work, std::chrono::milliseconds patience, std::string_view name)
 {
     try {
-        blockOn(std::move(work), kPatienceAtTheEnd);
+        blockOn(std::move(work), patience);
     } catch (const Error &error) {
         Log::line("⚠️ {} does not end: {}", name, error.what());
     }
@@ -94,9 +95,9 @@ void awaitEnd(QCoro::Task<> work, std::string_view name)
 void stop(Assembly &assembly)
 {
     assembly.diskEventMonitor().stopMonitoring();
-    awaitEnd(assembly.diskManager().autoMountsEnded(), "A mount");
+    awaitEnd(assembly.diskManager().autoMountsEnded(), kPatienceWithMounts, "A mount");
     assembly.toolRunner().endAll();
-    awaitEnd(assembly.diskManager().stopScan(), "The scan");
+    awaitEnd(assembly.diskManager().stopScan(), kPatienceWithScans, "The scan");
 }
 
 struct WatchOptions {
