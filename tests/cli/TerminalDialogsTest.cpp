@@ -6,7 +6,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <optional>
@@ -42,12 +41,19 @@ protected:
         return blockOn(std::move(dialog), 30s);
     }
 
+    /// What the terminal shows by the time that it is quiet: the kernel hands it over when it has the time.
     std::string shown() const
     {
-        std::string text(65536, '\0');
+        constexpr int kQuiet = 300; // milliseconds
+        std::string text;
         pollfd waiting{.fd = m_keyboard, .events = POLLIN, .revents = 0};
-        const ssize_t count = poll(&waiting, 1, 0) == 1 ? read(m_keyboard, text.data(), text.size()) : 0;
-        text.resize(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+        while (poll(&waiting, 1, kQuiet) == 1) {
+            std::string part(65536, '\0');
+            const ssize_t count = read(m_keyboard, part.data(), part.size());
+            if (count <= 0)
+                break;
+            text.append(part, 0, static_cast<std::size_t>(count));
+        }
         return text;
     }
 
