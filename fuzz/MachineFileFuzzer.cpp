@@ -2,6 +2,7 @@
 
 #include "Require.h"
 
+#include "acting/ActionWords.h"
 #include "machine/JsonObject.h"
 #include "machine/JsonPositions.h"
 #include "machine/Machine.h"

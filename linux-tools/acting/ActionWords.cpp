@@ -11,7 +11,6 @@ namespace {
 constexpr std::string_view kTryDisk = "If it has a partitioning scheme, use \"diskutil mountDisk\"";
 constexpr std::string_view kTryReadOnly =
     "If you think the volume is supported but damaged, try the \"readOnly\" option";
-constexpr std::uint64_t kSmallestDiskBytes = 256 * 1024 * 1024;
 
 std::string dissent(const Dissenter &dissenter)
 {

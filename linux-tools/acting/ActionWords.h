@@ -55,7 +55,10 @@ void requireWritable(const Device &device);
 /// needs its own.
 void requireVolumeFor(const Format &format, const Target &target);
 
-/// A whole disk that has room for an EFI partition and a volume.
+/// What a whole disk needs at least, in bytes, to be given an EFI partition and a volume.
+inline constexpr std::uint64_t kSmallestDiskBytes = 256 * 1024 * 1024;
+
+/// A whole disk that has kSmallestDiskBytes.
 void requireDiskForTable(const Target &target);
 
 } // namespace brindle::tools
