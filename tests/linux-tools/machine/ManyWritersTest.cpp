@@ -8,7 +8,7 @@
 namespace brindle::tools {
 namespace {
 
-constexpr int kRenames = 50;
+constexpr int kRenames = 25;
 constexpr int kRenamesWhileReading = 10;
 
 /// A machine with a disk of 2 * kRenames volumes, disk2s1 and so on.
