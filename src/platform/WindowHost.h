@@ -8,7 +8,8 @@
 
 namespace brindle {
 
-/// The program's windows. All lengths are in points, which are logical pixels. Main thread only.
+/// The program's windows. All lengths are in points, which are logical pixels. What is asked of a window that is gone is
+/// passed over. Main thread only.
 class WindowHost : public QObject {
     Q_OBJECT
 
