@@ -46,7 +46,7 @@ public:
     /// window by its background from now on, and \a delegate is asked when it is to be closed.
     virtual void finishStyling(WindowID window, Delegate &delegate) = 0;
 
-    /// Closes the window and takes it off the screen without asking its delegate.
+    /// Closes the window and takes it off the screen without asking its delegate; its content is gone when this returns.
     virtual void close(WindowID window) = 0;
 
     virtual void center(WindowID window) = 0;
