@@ -35,8 +35,9 @@ struct Platform {
     std::unique_ptr<SystemValues> systemValues;
     BundleInfo bundle;
     ToolPaths toolPaths;
-    bool isRoot = false;           ///< The process has root's rights on the machine that the tools are of.
-    bool mountsMarkedDisks = true; ///< When they are plugged in.
+    bool isRoot = false;                 ///< The process has root's rights on the machine that the tools are of.
+    bool isSecretStoreTemporary = false; ///< What it holds ends with the process.
+    bool mountsMarkedDisks = true;       ///< When they are plugged in.
 };
 
 /// What stands in place of the system's own; absent for what does not.

@@ -1,9 +1,32 @@
 #include "assembly/ShellAssembly.h"
 
+#include "base/BlockOn.h"
+#include "base/Error.h"
+#include "base/Log.h"
+
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace brindle {
+
+namespace {
+
+// A tool that doesn't end when it is asked to holds nobody up for longer.
+constexpr std::chrono::seconds kPatience{2};
+
+void endScan(Assembly &assembly)
+{
+    assembly.diskEventMonitor().stopMonitoring();
+    assembly.toolRunner().endAll();
+    try {
+        blockOn(assembly.diskManager().stopScan(), kPatience);
+    } catch (const Error &) {
+        Log::line("⚠️ The scan does not end");
+    }
+}
+
+} // namespace
 
 ShellAssembly::ShellAssembly(Platform platform, const ShellHosts &hosts, std::vector<std::string> arguments)
     : m_hosts(hosts),
@@ -20,25 +43,29 @@ ShellAssembly::ShellAssembly(Platform platform, const ShellHosts &hosts, std::ve
                     .application = hosts.application,
                     .diskManager = m_assembly.diskManager(),
                     .heightCalculator = m_assembly.viewHeightCalculator()}),
-      m_appDelegate({.defaults = m_assembly.userDefaults(),
-                     .scheduler = m_assembly.scheduler(),
-                     .application = hosts.application,
-                     .windows = hosts.windows,
-                     .statusItem = hosts.statusItem,
-                     .appearance = hosts.appearance,
-                     .diskManager = m_assembly.diskManager(),
-                     .diskEventMonitor = m_assembly.diskEventMonitor(),
-                     .keychain = m_assembly.keychainHelper(),
-                     .mainWindow = m_mainWindow},
+      m_appDelegate(std::in_place,
+                    AppDelegate::Surroundings{.defaults = m_assembly.userDefaults(),
+                                              .scheduler = m_assembly.scheduler(),
+                                              .application = hosts.application,
+                                              .windows = hosts.windows,
+                                              .statusItem = hosts.statusItem,
+                                              .appearance = hosts.appearance,
+                                              .diskManager = m_assembly.diskManager(),
+                                              .diskEventMonitor = m_assembly.diskEventMonitor(),
+                                              .keychain = m_assembly.keychainHelper(),
+                                              .mainWindow = m_mainWindow},
                     std::move(arguments))
 {
-    m_hosts.application.setDelegate(&m_appDelegate);
+    m_hosts.application.setDelegate(&*m_appDelegate);
 }
 
 ShellAssembly::~ShellAssembly()
 {
     for (const WindowHost::Window &window : m_hosts.windows.windows())
         m_hosts.windows.close(window.id);
+    m_hosts.application.setDelegate(nullptr);
+    m_appDelegate.reset();
+    endScan(m_assembly);
 }
 
 void ShellAssembly::reopen()

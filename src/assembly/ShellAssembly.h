@@ -11,6 +11,7 @@
 #include "shell/TansyApp.h"
 #include "shell/WindowDelegate.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -26,8 +27,9 @@ struct ShellHosts {
 
 /// The application without its pictures: the assembly, and the shell that starts it and ends it.
 ///
-/// Whoever runs the event loop calls ApplicationHost::finishLaunching() first. The contents of windows may refer to the
-/// assembly: at the shell's end all windows are closed first.
+/// Whoever runs the event loop calls ApplicationHost::finishLaunching() first. The shell's end comes after that of the
+/// event loop: all windows are closed, because their contents may refer to the assembly, and the tools of a scan are
+/// ended. What has root's rights by then is neither ended nor waited for.
 class ShellAssembly {
 public:
     /// \a arguments are those of the process, its name first. Writes the report of the launch before anything else is
@@ -50,7 +52,7 @@ private:
     Assembly m_assembly;
     WindowDelegate m_windowDelegate;
     MainWindowOpener m_mainWindow;
-    AppDelegate m_appDelegate;
+    std::optional<AppDelegate> m_appDelegate;
 };
 
 } // namespace brindle

@@ -249,7 +249,8 @@ Platform SimulatedMachine::platform() const
             .dialogs = std::make_unique<NoDialogs>(),
             .systemValues = std::make_unique<LinuxSystemValues>(),
             .bundle = linuxBundleInfo(),
-            .toolPaths = ToolPaths::underRoot(m_root.string())};
+            .toolPaths = ToolPaths::underRoot(m_root.string()),
+            .isSecretStoreTemporary = true};
 }
 
 SimulatedScan SimulatedMachine::scan()
