@@ -5,6 +5,8 @@
 #include <QDBusVariant>
 #include <QVariant>
 
+#include <utility>
+
 namespace brindle {
 
 using namespace Qt::StringLiterals;
@@ -55,8 +57,9 @@ QDBusMessage readCall()
 
 } // namespace
 
-PortalAppearance::PortalAppearance(ColorScheme paletteScheme) : m_paletteScheme(paletteScheme)
+PortalAppearance::PortalAppearance(const Appearance &fallback) : m_fallback(fallback), m_scheme(fallback.colorScheme())
 {
+    connect(&fallback, &Appearance::colorSchemeChanged, this, &PortalAppearance::update);
     connectToPortal(this);
 }
 
@@ -64,11 +67,6 @@ PortalAppearance::~PortalAppearance()
 {
     if (m_connection)
         QDBusConnection::disconnectFromBus(m_connection->name());
-}
-
-void PortalAppearance::setPaletteScheme(ColorScheme scheme)
-{
-    change(m_portalScheme, scheme);
 }
 
 QCoro::Task<> PortalAppearance::connectToPortal(QPointer<PortalAppearance> self)
@@ -94,7 +92,7 @@ QCoro::Task<> PortalAppearance::askPortal(QPointer<PortalAppearance> self)
     auto answer = replyTo(readCall(), *self->m_connection, kPatience);
     const QDBusMessage reply = co_await answer;
     if (self)
-        self->change(schemeIn(reply), self->m_paletteScheme);
+        self->setPortalScheme(schemeIn(reply));
 }
 
 void PortalAppearance::settingChanged(const QDBusMessage &signal)
@@ -105,12 +103,16 @@ void PortalAppearance::settingChanged(const QDBusMessage &signal)
         askPortal(this);
 }
 
-void PortalAppearance::change(std::optional<ColorScheme> portalScheme, ColorScheme paletteScheme)
+void PortalAppearance::setPortalScheme(std::optional<ColorScheme> scheme)
 {
-    const ColorScheme before = colorScheme();
-    m_portalScheme = portalScheme;
-    m_paletteScheme = paletteScheme;
-    if (colorScheme() != before)
+    m_portalScheme = scheme;
+    update();
+}
+
+void PortalAppearance::update()
+{
+    const ColorScheme scheme = m_portalScheme.value_or(m_fallback.colorScheme());
+    if (std::exchange(m_scheme, scheme) != scheme)
         Q_EMIT colorSchemeChanged();
 }
 

@@ -1,5 +1,6 @@
 #include "platform/linux/PortalAppearance.h"
 
+#include "support/FakeAppearance.h"
 #include "support/FakePortal.h"
 #include "support/PrivateBus.h"
 #include "support/WaitUntil.h"
@@ -27,13 +28,14 @@ protected:
         bus.emplace();
     }
 
-    void make(ColorScheme paletteScheme)
+    void make()
     {
-        appearance = std::make_unique<PortalAppearance>(paletteScheme);
+        appearance = std::make_unique<PortalAppearance>(palette);
         QObject::connect(appearance.get(), &Appearance::colorSchemeChanged, appearance.get(), [this] { ++changes; });
     }
 
     std::optional<PrivateBus> bus;
+    FakeAppearance palette; ///< Light at first.
     std::unique_ptr<PortalAppearance> appearance;
     int changes = 0;
 };
@@ -42,7 +44,7 @@ TEST_F(PortalAppearanceTest, IsThePalettesAtOnceAndThePortalsOnceThatHasAnswered
 {
     FakePortal portal(kDark);
 
-    make(ColorScheme::light);
+    make();
     EXPECT_EQ(appearance->colorScheme(), ColorScheme::light);
 
     waitUntil([&] { return changes == 1; });
@@ -52,7 +54,7 @@ TEST_F(PortalAppearanceTest, IsThePalettesAtOnceAndThePortalsOnceThatHasAnswered
 TEST_F(PortalAppearanceTest, FollowsThePortal)
 {
     FakePortal portal(kDark);
-    make(ColorScheme::light);
+    make();
     waitUntil([&] { return changes == 1; });
 
     portal.colorScheme = kLight;
@@ -65,7 +67,7 @@ TEST_F(PortalAppearanceTest, FollowsThePortal)
 TEST_F(PortalAppearanceTest, IsThePalettesWhereThePortalHasNoPreference)
 {
     FakePortal portal(kDark);
-    make(ColorScheme::light);
+    make();
     waitUntil([&] { return changes == 1; });
 
     portal.colorScheme = kNoPreference;
@@ -73,7 +75,7 @@ TEST_F(PortalAppearanceTest, IsThePalettesWhereThePortalHasNoPreference)
     waitUntil([&] { return changes == 2; });
     EXPECT_EQ(appearance->colorScheme(), ColorScheme::light);
 
-    appearance->setPaletteScheme(ColorScheme::dark);
+    palette.setColorScheme(ColorScheme::dark);
     EXPECT_EQ(changes, 3);
     EXPECT_EQ(appearance->colorScheme(), ColorScheme::dark);
 }
@@ -81,11 +83,11 @@ TEST_F(PortalAppearanceTest, IsThePalettesWhereThePortalHasNoPreference)
 TEST_F(PortalAppearanceTest, TellsNothingOfAPaletteThatThePortalOverrules)
 {
     FakePortal portal(kDark);
-    make(ColorScheme::light);
+    make();
     waitUntil([&] { return changes == 1; });
 
-    appearance->setPaletteScheme(ColorScheme::dark);
-    appearance->setPaletteScheme(ColorScheme::light);
+    palette.setColorScheme(ColorScheme::dark);
+    palette.setColorScheme(ColorScheme::light);
 
     EXPECT_EQ(changes, 1);
     EXPECT_EQ(appearance->colorScheme(), ColorScheme::dark);
@@ -94,7 +96,7 @@ TEST_F(PortalAppearanceTest, TellsNothingOfAPaletteThatThePortalOverrules)
 TEST_F(PortalAppearanceTest, AsksAgainRatherThanBelievingASignal)
 {
     FakePortal portal(kDark);
-    make(ColorScheme::light);
+    make();
     waitUntil([&] { return changes == 1; });
 
     FakePortal::pretendToTell(kLight);
@@ -109,7 +111,7 @@ TEST_F(PortalAppearanceTest, AsksAgainRatherThanBelievingASignal)
 TEST_F(PortalAppearanceTest, PassesOverOtherSettings)
 {
     FakePortal portal(kDark);
-    make(ColorScheme::light);
+    make();
     waitUntil([&] { return changes == 1; });
 
     portal.tell(QStringLiteral("org.freedesktop.appearance"), QStringLiteral("accent-color"));
@@ -124,7 +126,7 @@ TEST_F(PortalAppearanceTest, PassesOverOtherSettings)
 TEST_F(PortalAppearanceTest, IsThePalettesForAnAnswerThatIsNoNumber)
 {
     FakePortal portal(QStringLiteral("dark"));
-    make(ColorScheme::light);
+    make();
     waitUntil([&] { return portal.reads == 1; });
 
     portal.colorScheme = kDark;
@@ -138,10 +140,10 @@ TEST_F(PortalAppearanceTest, IsThePalettesForAnAnswerThatIsNoNumber)
 TEST_F(PortalAppearanceTest, MayEndBeforeItIsConnected)
 {
     FakePortal portal(kDark);
-    make(ColorScheme::light);
+    make();
     appearance.reset();
 
-    make(ColorScheme::light);
+    make();
     waitUntil([&] { return changes == 1; });
 
     EXPECT_EQ(portal.reads, 1);
