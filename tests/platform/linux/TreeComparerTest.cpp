@@ -104,6 +104,19 @@ TEST_F(TreeComparerTest, SeesOneBitDeepInsideALargeFile)
     EXPECT_THAT(compare().differences, ElementsAre(TreeDifference{Kind::content, "OC/Kexts/large"}));
 }
 
+TEST_F(TreeComparerTest, SeesTheOneOfManyFilesThatDiffers)
+{
+    for (int file = 0; file < 200; ++file) {
+        writeFile(first() / fmt::format("many/{}", file), fmt::format("file {}", file));
+        writeFile(second() / fmt::format("many/{}", file), file == 123 ? "file 321" : fmt::format("file {}", file));
+    }
+
+    const TreeComparison comparison = compare();
+
+    EXPECT_THAT(comparison.differences, ElementsAre(TreeDifference{Kind::content, "many/123"}));
+    EXPECT_EQ(comparison.fileCount, 206U);
+}
+
 TEST_F(TreeComparerTest, TellsNamesApartByCase)
 {
     fs::rename(second() / "OC/Drivers", second() / "OC/drivers");
