@@ -1,0 +1,31 @@
+import QtQuick
+import QtQuick.Templates as T
+
+// Content that scrolls up and down where it is higher than the frame; it is as wide as the frame.
+Flickable {
+    id: root
+    default property alias content: holder.data
+
+    contentWidth: width
+    contentHeight: holder.childrenRect.height
+    interactive: contentHeight > height
+    boundsBehavior: Flickable.StopAtBounds
+    clip: true
+
+    // Brings a child into sight, for one that has got the keyboard.
+    function reveal(item: Item): void {
+        const top = item.mapToItem(holder, 0, 0).y;
+        if (top < contentY)
+            contentY = top;
+        else if (top + item.height > contentY + height)
+            contentY = top + item.height - height;
+    }
+
+    Item {
+        id: holder
+        width: root.width
+        height: childrenRect.height
+    }
+
+    T.ScrollBar.vertical: ScrollBar { parent: root }
+}

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QObject>
+#include <QQuickItem>
+#include <QtQml/qqmlregistration.h>
+
+namespace brindle {
+
+/// The desktop's tool tips, which may reach beyond a small window. Their text is plain, whatever is in it.
+class ToolTips : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_SINGLETON
+
+public:
+    Q_INVOKABLE void show(QQuickItem *item,
+                          const QString &text) const; ///< Beneath the pointer, while it is on \a item.
+    Q_INVOKABLE void hide() const;
+};
+
+} // namespace brindle

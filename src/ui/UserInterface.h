@@ -1,0 +1,19 @@
+#pragma once
+
+#include "views/DiskRowContent.h"
+
+class QQmlEngine;
+
+namespace brindle {
+
+/// Qt Quick draws by the software renderer from now on, which starts sooner and needs a third of the memory; called
+/// before the first window.
+void useSoftwareRenderer();
+
+/// Makes `import Brindle` and the symbols known to \a engine, once.
+void setUpEngine(QQmlEngine &engine);
+
+/// Paints everything that \a engine shows in the scheme's colours.
+void setColorScheme(QQmlEngine &engine, ColorScheme scheme);
+
+} // namespace brindle

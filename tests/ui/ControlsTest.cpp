@@ -1,0 +1,136 @@
+#include "ui/QmlWindow.h"
+
+#include <QAccessible>
+
+namespace brindle {
+namespace {
+
+struct ReadAloud {
+    QAccessible::Role role;
+    std::string name;
+
+    bool operator==(const ReadAloud &) const = default;
+};
+
+ReadAloud readAloud(QmlWindow &window, const QString &objectName)
+{
+    QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(&window.item(objectName));
+    if (!accessible)
+        return {QAccessible::NoRole, ""};
+    return {accessible->role(), accessible->text(QAccessible::Name).toStdString()};
+}
+
+TEST(PushButton, IsPressedByPointerSpaceAndReturn)
+{
+    QmlWindow window(R"(PushButton { objectName: "button"; property int presses: 0; text: "Copy EFI"
+                                     onClicked: presses += 1; focus: true })");
+    window.click(QStringLiteral("button"));
+    EXPECT_EQ(window.valueOf<int>(QStringLiteral("button"), "presses"), 1);
+    window.press(Qt::Key_Space);
+    EXPECT_EQ(window.valueOf<int>(QStringLiteral("button"), "presses"), 2);
+    window.press(Qt::Key_Return);
+    EXPECT_EQ(window.valueOf<int>(QStringLiteral("button"), "presses"), 3);
+}
+
+TEST(PushButton, IsNotPressedByReturnWhereThatDestroys)
+{
+    QmlWindow window(R"(PushButton { objectName: "button"; property int presses: 0; text: "Erase"; focus: true
+                                     kind: PushButton.Kind.Destructive; returnPresses: false; onClicked: presses += 1 })");
+
+    window.press(Qt::Key_Return);
+    window.press(Qt::Key_Enter);
+    EXPECT_EQ(window.valueOf<int>(QStringLiteral("button"), "presses"), 0);
+    window.press(Qt::Key_Space);
+    EXPECT_EQ(window.valueOf<int>(QStringLiteral("button"), "presses"), 1);
+}
+
+TEST(PushButton, DoesNothingWhileItIsDisabled)
+{
+    QmlWindow window(R"(PushButton { objectName: "button"; property int presses: 0; text: "Copy EFI"; enabled: false
+                                     onClicked: presses += 1; focus: true })");
+
+    window.click(QStringLiteral("button"));
+    window.press(Qt::Key_Space);
+
+    EXPECT_EQ(window.valueOf<int>(QStringLiteral("button"), "presses"), 0);
+}
+
+TEST(PushButton, IsPressedOnceByAScreenReader)
+{
+    QmlWindow window(R"(PushButton { objectName: "button"; property int presses: 0; text: "Copy EFI"
+                                     onClicked: presses += 1 })");
+
+    QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(&window.item(QStringLiteral("button")));
+    ASSERT_TRUE(accessible && accessible->actionInterface());
+    accessible->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+
+    EXPECT_EQ(window.valueOf<int>(QStringLiteral("button"), "presses"), 1);
+}
+
+TEST(IconButton, IsReadAloudByItsTip)
+{
+    QmlWindow window(R"(IconButton { objectName: "button"; symbol: "eject"; tip: "Eject disk" })");
+
+    EXPECT_EQ(readAloud(window, QStringLiteral("button")), (ReadAloud{QAccessible::Button, "Eject disk"}));
+}
+
+TEST(CheckBox, IsCheckedByPointerAndSpaceAndByAScreenReader)
+{
+    QmlWindow window(R"(CheckBox { objectName: "box"; text: "Overwrite"; focus: true })");
+
+    window.click(QStringLiteral("box"));
+    EXPECT_TRUE(window.valueOf<bool>(QStringLiteral("box"), "checked"));
+    window.press(Qt::Key_Space);
+    EXPECT_FALSE(window.valueOf<bool>(QStringLiteral("box"), "checked"));
+
+    QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(&window.item(QStringLiteral("box")));
+    ASSERT_TRUE(accessible && accessible->actionInterface());
+    accessible->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_TRUE(window.valueOf<bool>(QStringLiteral("box"), "checked"));
+}
+
+TEST(InputField, TakesWhatIsTypedAndTellsItsPlaceholderAloud)
+{
+    QmlWindow window(R"(InputField { objectName: "field"; placeholderText: "New name"; focus: true })");
+
+    window.type(QStringLiteral("work"));
+
+    EXPECT_EQ(window.textOf(QStringLiteral("field")), "work");
+    EXPECT_EQ(readAloud(window, QStringLiteral("field")), (ReadAloud{QAccessible::EditableText, "New name"}));
+}
+
+TEST(ProgressBar, IsReadAloudInWholePerCent)
+{
+    QmlWindow window(R"(ProgressBar { objectName: "bar"; value: 0.429 })");
+
+    EXPECT_EQ(readAloud(window, QStringLiteral("bar")), (ReadAloud{QAccessible::ProgressBar, "42%"}));
+}
+
+TEST(ScrollFrame, ScrollsToWhatIsRevealed)
+{
+    QmlWindow window(R"(ScrollFrame {
+                            id: frame
+                            objectName: "frame"
+                            width: 500
+                            height: 100
+                            function showLast() { reveal(last); }
+                            Column {
+                                Rectangle { width: 10; height: 300 }
+                                Rectangle { id: last; width: 10; height: 50 }
+                            }
+                        })");
+
+    QMetaObject::invokeMethod(&window.root(), "showLast");
+
+    EXPECT_EQ(window.valueOf<double>(QStringLiteral("frame"), "contentY"), 250);
+}
+
+TEST(PlainText, ObeysNoMarkup)
+{
+    QmlWindow window(R"(PlainText { objectName: "text"; text: "<b>Stick</b>" })");
+
+    EXPECT_EQ(window.valueOf<int>(QStringLiteral("text"), "textFormat"), Qt::PlainText);
+}
+
+} // namespace
+} // namespace brindle
