@@ -1,0 +1,96 @@
+import QtQuick
+import QtQuick.Layouts
+
+// The destination has an EFI folder: what shall become of it? The options are always in sight.
+FocusScope {
+    id: root
+    required property EFIDestinationSelectionPresenter dialog
+
+    // As they were when it was asked: they are not offered any more while the view fades.
+    property var options: []
+    property var warnings: []
+
+    Component.onCompleted: {
+        options = dialog.confirmationOptions;
+        warnings = dialog.confirmationWarnings;
+        buttons.itemAt(options.length - 1)?.forceActiveFocus(Qt.TabFocusReason);
+    }
+
+    ScrollFrame {
+        id: head
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.top: parent.top
+        anchors.bottom: choices.top
+        Column {
+            width: head.width
+            topPadding: 32
+            bottomPadding: 24
+            spacing: 24
+            Symbol {
+                anchors.horizontalCenter: parent.horizontalCenter
+                name: "exclamationmark.triangle.fill"
+                color: Theme.orange
+                size: 48
+            }
+            Column {
+                width: parent.width
+                spacing: 8
+                PlainText {
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    objectName: "confirmationTitle"
+                    text: root.dialog.confirmationTitle
+                    font.pixelSize: Theme.title2
+                    font.weight: Font.DemiBold
+                }
+                PlainText {
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    text: root.dialog.confirmationText
+                    color: Theme.secondary
+                }
+                PlainText {
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    text: root.dialog.confirmationQuestion
+                    color: Theme.secondary
+                }
+            }
+        }
+    }
+    ColumnLayout {
+        id: choices
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        anchors.leftMargin: 32
+        anchors.rightMargin: 32
+        anchors.bottomMargin: Math.max(16, Math.min(32, root.height - implicitHeight - head.contentHeight))
+        spacing: 24
+        ColumnLayout {
+            spacing: 12
+            Repeater {
+                id: buttons
+                model: root.options
+                OptionButton {
+                    required property var modelData
+                    required property int index
+                    objectName: "option" + index
+                    Layout.fillWidth: true
+                    option: modelData
+                    returnPresses: index === root.options.length - 1
+                    onClicked: root.dialog.chooseOption(index)
+                    Keys.onUpPressed: buttons.itemAt(index - 1)?.forceActiveFocus(Qt.TabFocusReason)
+                    Keys.onDownPressed: buttons.itemAt(index + 1)?.forceActiveFocus(Qt.TabFocusReason)
+                }
+            }
+        }
+        Repeater {
+            model: root.warnings
+            WarningBox {
+                required property var modelData
+                objectName: "criticalWarning"
+                Layout.fillWidth: true
+                box: modelData
+            }
+        }
+    }
+}
