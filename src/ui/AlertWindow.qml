@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import QtQuick.Window
+import Brindle
 
 // A message with its buttons, and a field where something is asked for.
 Window {

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Brindle
 
 // The destination has an EFI folder: what shall become of it? The options are always in sight.
 FocusScope {

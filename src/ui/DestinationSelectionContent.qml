@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Brindle
 
 // The destinations to pick from, and what becomes of an old folder.
 FocusScope {

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Brindle
 
 // The copy dialog: where an EFI folder goes, what becomes of an old one, and how the work goes on.
 FocusScope {

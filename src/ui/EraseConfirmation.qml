@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Brindle
 
 // What is erased, how, and the name that has to be typed before.
 Column {

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Brindle
 
 // The erase dialog: asks, tells how the work goes on, and how it ended.
 FocusScope {

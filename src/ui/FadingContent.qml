@@ -7,7 +7,8 @@ Loader {
     required property int duration
     property real hiddenScale: 1
 
-    active: shown || opacity > 0
+    active: visible
+    visible: shown || opacity > 0
     enabled: shown
     z: shown ? 1 : 0
     opacity: shown ? 1 : 0

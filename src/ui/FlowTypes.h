@@ -5,7 +5,7 @@
 #include "views/EFIDestinationSelectionPresenter.h"
 #include "views/EraseProgressPresenter.h"
 
-#include <QtQml/qqmlregistration.h>
+#include <QtQml/qqml.h>
 
 // The presenters of dialogs by their names in QML.
 

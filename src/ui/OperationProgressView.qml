@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Brindle
 
 // How far a copy is, and the way to end it.
 FocusScope {
