@@ -7,6 +7,9 @@ FocusScope {
     id: root
     required property EFIDestinationSelectionPresenter dialog
 
+    // A low screen takes from the head's margins before the head must be scrolled.
+    readonly property bool isTight: height < 32 + choices.implicitHeight + 60 + 24 + title.implicitHeight + 24 + 32
+
     // As they were when it was asked: they are not offered any more while the view fades.
     property var options: []
     property var warnings: []
@@ -25,9 +28,9 @@ FocusScope {
         anchors.bottom: choices.top
         Column {
             width: head.width
-            topPadding: 32
-            bottomPadding: 24
-            spacing: 24
+            topPadding: root.isTight ? 16 : 32
+            bottomPadding: root.isTight ? 12 : 24
+            spacing: root.isTight ? 12 : 24
             Symbol {
                 anchors.horizontalCenter: parent.horizontalCenter
                 name: "exclamationmark.triangle.fill"
@@ -35,8 +38,9 @@ FocusScope {
                 size: 48
             }
             Column {
+                id: title
                 width: parent.width
-                spacing: 8
+                spacing: 6
                 PlainText {
                     anchors.horizontalCenter: parent.horizontalCenter
                     objectName: "confirmationTitle"
@@ -64,7 +68,7 @@ FocusScope {
         anchors.bottom: parent.bottom
         anchors.leftMargin: 32
         anchors.rightMargin: 32
-        anchors.bottomMargin: Math.max(16, Math.min(32, root.height - implicitHeight - head.contentHeight))
+        anchors.bottomMargin: root.isTight ? 16 : 32
         spacing: 24
         ColumnLayout {
             spacing: 12

@@ -61,7 +61,7 @@ T.AbstractButton {
                         required property var modelData
                         sign: modelData
                         Layout.fillWidth: true
-                        Layout.minimumWidth: Math.min(implicitWidth, 64) // what is long gives way
+                        Layout.minimumWidth: modelData.symbol === "" ? Math.min(implicitWidth, 64) : implicitWidth
                         Layout.maximumWidth: implicitWidth
                     }
                 }

@@ -102,7 +102,7 @@ Column {
                 font.pixelSize: Theme.caption
                 wrapMode: Text.Wrap
                 Accessible.role: Accessible.AlertMessage
-                onVisibleChanged: if (visible) Qt.callLater(root.revealWanted, this)
+                onVisibleChanged: if (visible) root.revealWanted(this)
             }
         }
     }

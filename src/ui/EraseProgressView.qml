@@ -154,14 +154,16 @@ FocusScope {
     }
     Component {
         id: ended
-        PlainText {
-            objectName: "eraseResult"
-            x: Math.max(0, (parent.width - 340) / 2)
-            width: Math.min(340, parent.width)
-            text: root.erase.resultMessage
-            color: Theme.secondary
-            horizontalAlignment: Text.AlignHCenter
-            wrapMode: Text.Wrap
+        Column {
+            PlainText {
+                objectName: "eraseResult"
+                anchors.horizontalCenter: parent.horizontalCenter
+                width: Math.min(340, parent.width)
+                text: root.erase.resultMessage
+                color: Theme.secondary
+                horizontalAlignment: Text.AlignHCenter
+                wrapMode: Text.Wrap
+            }
         }
     }
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/QmlWindow.h"
+#include "ui/Stillness.h"
 #include "views/EFICopyFlowPresenter.h"
 #include "views/EFICopyViewFixture.h"
 
@@ -36,11 +36,10 @@ protected:
 
     QmlWindow &window() { return *m_window; }
 
-    /// Lets a copy run until its end or the question.
-    void waitForCopy()
+    void waitForEnd()
     {
-        waitUntil([this] { return !manager.isOperationInProgress() || manager.showConfirmationDialog(); });
-        QmlWindow::settle();
+        waitUntil([this] { return !manager.isOperationInProgress(); });
+        waitForStillness(window());
     }
 
     /// Picks the first destination, copies, and waits for the question what becomes of the old folder.
@@ -49,7 +48,7 @@ protected:
         window().click(QStringLiteral("destination0"));
         window().click(QStringLiteral("copyButton"));
         waitUntil([this] { return manager.showConfirmationDialog(); });
-        QmlWindow::settle();
+        waitForStillness(window());
     }
 
     [[nodiscard]] bool oldEFIIsThere() const { return std::filesystem::exists(folder() / "destination/EFI/old"); }

@@ -1,12 +1,11 @@
 #pragma once
 
-#include "ui/QmlWindow.h"
+#include "ui/Stillness.h"
 #include "views/EraseProgressPresenter.h"
 
 #include "efi/EraseFlow.h"
 #include "support/FakeEraseOperations.h"
 #include "support/LogCapture.h"
-#include "support/WaitUntil.h"
 
 #include <memory>
 

@@ -18,17 +18,6 @@ void keepPicture(const QImage &picture, const std::string &name)
         picture.save(QDir(folder).filePath(QString::fromStdString(name + ".png")));
 }
 
-/// Calls \a look on each visible item below \a item.
-void forEachVisible(const QQuickItem &item, const std::function<void(const QQuickItem &)> &look)
-{
-    for (const QQuickItem *child : item.childItems()) {
-        if (!child->isVisible())
-            continue;
-        look(*child);
-        forEachVisible(*child, look);
-    }
-}
-
 /// Whatever the window's height: each button below is whole in sight, and no text sticks out of the window's sides.
 void expectInSight(QmlWindow &window)
 {
@@ -49,14 +38,7 @@ void expectInSight(QmlWindow &window)
 void expectPicture(QmlWindow &window, ColorScheme scheme, const std::string &name)
 {
     setColorScheme(window.engine(), scheme);
-    waitUntil([&] {
-        bool isStill = true;
-        forEachVisible(*window.window().contentItem(), [&](const QQuickItem &item) {
-            const bool fades = item.inherits("QQuickLoader") && item.opacity() < 1;
-            isStill = isStill && !fades;
-        });
-        return isStill;
-    });
+    waitForStillness(window);
     expectInSight(window);
     keepPicture(window.picture(), name + (scheme == ColorScheme::dark ? "-dark" : "-light"));
     setColorScheme(window.engine(), ColorScheme::light);
@@ -119,6 +101,7 @@ TEST_P(CopyPictures, ShowTheConfirmation)
     writeOldEFI();
     open(578);
     copyUntilConfirmation();
+    EXPECT_EQ(window().focused(), "option2");
 
     expectPicture(window(), GetParam(), "copy-confirmation");
 }
@@ -160,7 +143,7 @@ TEST_P(CopyPictures, ShowASuccess)
     window().click(QStringLiteral("destination0"));
     window().click(QStringLiteral("copyButton"));
     waitUntil([this] { return manager.operationStatus() == "EFI copy completed successfully"; });
-    waitForCopy();
+    waitForEnd();
 
     expectPicture(window(), GetParam(), "copy-success");
 }
@@ -172,7 +155,7 @@ TEST_P(CopyPictures, ShowAFailure)
     copyUntilConfirmation();
     std::filesystem::remove_all(folder() / "source/EFI");
     window().click(QStringLiteral("option1"));
-    waitUntil([this] { return !manager.isOperationInProgress(); });
+    waitForEnd();
 
     expectPicture(window(), GetParam(), "copy-failure");
 }
