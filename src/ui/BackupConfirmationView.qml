@@ -7,8 +7,9 @@ FocusScope {
     id: root
     required property EFIDestinationSelectionPresenter dialog
 
-    // A low screen takes from the head's margins before the head must be scrolled.
-    readonly property bool isTight: height < 32 + choices.implicitHeight + 60 + 24 + title.implicitHeight + 24 + 32
+    // Head and choices stand together in the middle; a low screen takes from the margins before the head must be scrolled.
+    readonly property real slack: height - choices.implicitHeight - title.implicitHeight - 60 - 24 - 24
+    readonly property bool isTight: slack < 64
 
     // As they were when it was asked: they are not offered any more while the view fades.
     property var options: []
@@ -17,6 +18,10 @@ FocusScope {
     Component.onCompleted: {
         options = dialog.confirmationOptions;
         warnings = dialog.confirmationWarnings;
+        Qt.callLater(takeFocus); // once it is enabled
+    }
+
+    function takeFocus(): void {
         buttons.itemAt(options.length - 1)?.forceActiveFocus(Qt.TabFocusReason);
     }
 
@@ -28,7 +33,7 @@ FocusScope {
         anchors.bottom: choices.top
         Column {
             width: head.width
-            topPadding: root.isTight ? 16 : 32
+            topPadding: root.isTight ? 16 : root.slack / 2
             bottomPadding: root.isTight ? 12 : 24
             spacing: root.isTight ? 12 : 24
             Symbol {
@@ -68,7 +73,7 @@ FocusScope {
         anchors.bottom: parent.bottom
         anchors.leftMargin: 32
         anchors.rightMargin: 32
-        anchors.bottomMargin: root.isTight ? 16 : 32
+        anchors.bottomMargin: root.isTight ? 16 : root.slack / 2
         spacing: 24
         ColumnLayout {
             spacing: 12

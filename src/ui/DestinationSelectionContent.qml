@@ -7,10 +7,12 @@ FocusScope {
     id: root
     required property EFIDestinationSelectionPresenter dialog
 
-    Component.onCompleted: focusRow()
+    Component.onCompleted: Qt.callLater(takeFocus) // once it is enabled
 
-    // The chosen row, else the first one.
-    function focusRow(): void {
+    // On the chosen row, else the first one, unless the footer has it.
+    function takeFocus(): void {
+        if (dialog.offersClose)
+            return;
         const chosen = dialog.destinations.findIndex(destination => destination.isSelected);
         rows.itemAt(Math.max(0, chosen))?.forceActiveFocus();
     }

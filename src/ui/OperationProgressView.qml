@@ -7,7 +7,12 @@ FocusScope {
     id: root
     required property EFIDestinationSelectionPresenter dialog
 
-    Component.onCompleted: forceActiveFocus() // no button: Return may still be held down
+    Component.onCompleted: Qt.callLater(takeFocus) // once it is enabled
+
+    // On no button: Return may still be held down.
+    function takeFocus(): void {
+        forceActiveFocus();
+    }
 
     ScrollFrame {
         id: frame
