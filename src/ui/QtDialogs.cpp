@@ -98,6 +98,7 @@ std::unique_ptr<QFileDialog> makeSavePanel(const SavePanel &panel)
     dialog->setAccessibleDescription(qtText(panel.message));
     if (auto *layout = qobject_cast<QGridLayout *>(dialog->layout())) {
         auto *message = new QLabel(qtText(panel.message), dialog.get());
+        message->setObjectName(QStringLiteral("message"));
         message->setTextFormat(Qt::PlainText);
         message->setWordWrap(true);
         layout->addWidget(message, layout->rowCount(), 0, 1, -1);
