@@ -1,17 +1,12 @@
 #include "views/DiskRowContentPresenter.h"
 
-#include "base/VisibleText.h"
+#include "views/ShownText.h"
 
 #include <utility>
 
 namespace brindle {
 
 namespace {
-
-QString shown(std::string_view text)
-{
-    return QString::fromStdString(visibleText(text));
-}
 
 QString weightName(FontWeight weight)
 {
@@ -28,15 +23,15 @@ QString weightName(FontWeight weight)
 
 RowTextValue valueOf(const RowText &text)
 {
-    return {.text = shown(text.text),
+    return {.text = shownText(text.text),
             .size = text.size,
             .weight = weightName(text.weight),
-            .color = shown(text.color.value)};
+            .color = shownText(text.color.value)};
 }
 
 RowSymbolValue valueOf(const RowSymbol &symbol)
 {
-    return {.name = shown(symbol.name), .size = symbol.size, .color = shown(symbol.color.value)};
+    return {.name = shownText(symbol.name), .size = symbol.size, .color = shownText(symbol.color.value)};
 }
 
 } // namespace
@@ -112,7 +107,7 @@ double DiskRowContentPresenter::usedRatio() const
 
 QString DiskRowContentPresenter::barColor() const
 {
-    return shown(m_content.spaceBar().value_or(SpaceBar()).color.value);
+    return shownText(m_content.spaceBar().value_or(SpaceBar()).color.value);
 }
 
 RowTextValue DiskRowContentPresenter::space() const

@@ -105,6 +105,13 @@ public:
             press(character.toUpper().unicode(), Qt::NoModifier, character);
     }
 
+    /// What has the keyboard; empty where nothing with a name has.
+    [[nodiscard]] std::string focused()
+    {
+        const QQuickItem *item = m_window.activeFocusItem();
+        return item ? item->objectName().toStdString() : std::string();
+    }
+
     [[nodiscard]] QImage picture() { return m_window.grabWindow(); }
 
     /// Lets everything that is due happen.
