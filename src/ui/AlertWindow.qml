@@ -29,6 +29,10 @@ Window {
         Accessible.name: root.alert.messageText
         Accessible.description: root.alert.informativeText
         Keys.onEscapePressed: root.alert.close()
+        Keys.onUpPressed: frame.scrollBy(-kScrollStep)
+        Keys.onDownPressed: frame.scrollBy(kScrollStep)
+
+        readonly property int kScrollStep: 40
 
         RowLayout {
             anchors.fill: parent
