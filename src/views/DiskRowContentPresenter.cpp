@@ -1,17 +1,13 @@
 #include "views/DiskRowContentPresenter.h"
 
-#include "base/VisibleText.h"
+#include "views/Shown.h"
 
+#include <numeric>
 #include <utility>
 
 namespace brindle {
 
 namespace {
-
-QString shown(std::string_view text)
-{
-    return QString::fromStdString(visibleText(text));
-}
 
 QString weightName(FontWeight weight)
 {
@@ -39,6 +35,13 @@ RowSymbolValue valueOf(const RowSymbol &symbol)
     return {.name = shown(symbol.name), .size = symbol.size, .color = shown(symbol.color.value)};
 }
 
+bool looksLike(const DiskRowContent &one, const DiskRowContent &other)
+{
+    return one.icon() == other.icon() && one.name() == other.name() && one.volumeLabel() == other.volumeLabel() &&
+           one.details() == other.details() && one.spaceBar() == other.spaceBar() &&
+           one.efiIndicator() == other.efiIndicator();
+}
+
 } // namespace
 
 DiskRowContentPresenter::DiskRowContentPresenter(DiskRowContent content, const UserDefaults &defaults, QObject *parent)
@@ -52,9 +55,11 @@ DiskRowContentPresenter::DiskRowContentPresenter(DiskRowContent content, const U
 
 void DiskRowContentPresenter::setDisk(PhysicalDisk disk, bool efiMounted)
 {
+    DiskRowContent before = m_content;
     m_content.disk = std::move(disk);
     m_content.efiMounted = efiMounted;
-    Q_EMIT changed();
+    if (!looksLike(before, m_content))
+        Q_EMIT changed();
 }
 
 void DiskRowContentPresenter::setColorScheme(ColorScheme colorScheme)
@@ -93,6 +98,25 @@ QVariantList DiskRowContentPresenter::details() const
     for (const RowText &item : m_content.details())
         list << QVariant::fromValue(valueOf(item));
     return list;
+}
+
+int DiskRowContentPresenter::indicatorCount() const
+{
+    return static_cast<int>(m_content.indicators().size());
+}
+
+int DiskRowContentPresenter::fittingIndicators(const QList<double> &widths, double bulletWidth, double moreWidth,
+                                               double availableWidth) const
+{
+    double width = std::accumulate(widths.begin(), widths.end(), bulletWidth * static_cast<double>(widths.size() - 1));
+    int shown = indicatorCount();
+    double more = 0;
+    while (shown > 0 && width + more > availableWidth) {
+        --shown;
+        width -= widths.at(kFirstIndicator + shown) + bulletWidth;
+        more = bulletWidth + moreWidth;
+    }
+    return shown;
 }
 
 RowTextValue DiskRowContentPresenter::bullet() const
