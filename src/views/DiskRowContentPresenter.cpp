@@ -149,10 +149,9 @@ RowTextValue DiskRowContentPresenter::percent() const
     return valueOf(m_content.spaceBar().value_or(SpaceBar()).percent);
 }
 
-double DiskRowContentPresenter::fillWidth(double availableWidth) const
+double DiskRowContentPresenter::fillWidth(double ratio, double availableWidth) const
 {
-    const std::optional<SpaceBar> bar = m_content.spaceBar();
-    return bar ? bar->fillWidth(availableWidth) : 0;
+    return hasSpaceBar() ? SpaceBar{.ratio = ratio}.fillWidth(availableWidth) : 0;
 }
 
 bool DiskRowContentPresenter::hasEFIIndicator() const

@@ -89,8 +89,8 @@ public:
     [[nodiscard]] QString barColor() const;
     [[nodiscard]] RowTextValue space() const;
     [[nodiscard]] RowTextValue percent() const;
-    /// How much of the bar is filled, in the unit of \a availableWidth.
-    Q_INVOKABLE [[nodiscard]] double fillWidth(double availableWidth) const;
+    /// How much of the bar is filled, in the unit of \a availableWidth; \a ratio is usedRatio(), or on its way there.
+    Q_INVOKABLE [[nodiscard]] double fillWidth(double ratio, double availableWidth) const;
 
     // Likewise without an EFI indicator.
     [[nodiscard]] bool hasEFIIndicator() const;

@@ -130,6 +130,20 @@ void DiskRowPresenter::doubleClick()
     begin([disk = m_disk](RowActions &actions) { return actions.doubleClick(disk); });
 }
 
+void DiskRowPresenter::activate()
+{
+    if (hasChevron())
+        perform(RowAction::toggleExpanded);
+    else
+        doubleClick();
+}
+
+void DiskRowPresenter::setOpen(bool isOpen)
+{
+    if (hasChevron() && isOpen != m_isExpanded)
+        perform(RowAction::toggleExpanded);
+}
+
 std::vector<RowButton> DiskRowPresenter::rowButtons() const
 {
     return diskButtons(m_disk, surroundings().offers);

@@ -49,6 +49,9 @@ public:
     /// Mounts or unmounts the EFI partition of a disk that has exactly one.
     void doubleClick() override;
 
+    void activate() override;           ///< A disk with several is opened or closed instead.
+    void setOpen(bool isOpen) override; ///< Nothing for a disk without a chevron.
+
 Q_SIGNALS:
     void partitionsChanged();
 

@@ -74,6 +74,11 @@ public:
 
     Q_INVOKABLE virtual void doubleClick() = 0;
 
+    /// What Space does, and whoever works without a pointer.
+    Q_INVOKABLE virtual void activate() { doubleClick(); }
+
+    Q_INVOKABLE virtual void setOpen(bool) {} ///< Of a row that has rows beneath it.
+
 Q_SIGNALS:
     void changed();
     void isLoadingChanged();
