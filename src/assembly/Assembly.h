@@ -20,6 +20,7 @@ class Assembly {
 public:
     explicit Assembly(Platform platform);
 
+    [[nodiscard]] Scheduler &scheduler() { return *m_platform.scheduler; }
     [[nodiscard]] UserDefaults &userDefaults() { return *m_platform.userDefaults; }
     [[nodiscard]] ToolRunner &toolRunner() { return m_toolRunner; }
     [[nodiscard]] Dialogs &dialogs() { return *m_platform.dialogs; }

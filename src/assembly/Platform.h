@@ -1,12 +1,14 @@
 #pragma once
 
 #include "base/Secret.h"
+#include "platform/BundleInfo.h"
 #include "platform/ChildProcess.h"
 #include "platform/Dialogs.h"
 #include "platform/DiskEvents.h"
 #include "platform/FileManager.h"
 #include "platform/Scheduler.h"
 #include "platform/SecretStore.h"
+#include "platform/SystemValues.h"
 #include "platform/UserDefaults.h"
 #include "platform/UserNotifications.h"
 #include "platform/Workspace.h"
@@ -30,9 +32,12 @@ struct Platform {
     std::unique_ptr<Workspace> workspace;
     std::unique_ptr<UserNotifications> userNotifications;
     std::unique_ptr<Dialogs> dialogs; ///< A program that can ask somebody puts its own here: makePlatform() can't.
+    std::unique_ptr<SystemValues> systemValues;
+    BundleInfo bundle;
     ToolPaths toolPaths;
-    bool isRoot = false;           ///< The process has root's rights on the machine that the tools are of.
-    bool mountsMarkedDisks = true; ///< When they are plugged in.
+    bool isRoot = false;                 ///< The process has root's rights on the machine that the tools are of.
+    bool isSecretStoreTemporary = false; ///< What it holds ends with the process.
+    bool mountsMarkedDisks = true;       ///< When they are plugged in.
 };
 
 /// What stands in place of the system's own; absent for what does not.

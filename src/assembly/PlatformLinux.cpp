@@ -3,10 +3,12 @@
 #include "platform/MemorySecretStore.h"
 #include "platform/NoDialogs.h"
 #include "platform/linux/FreedesktopNotifications.h"
+#include "platform/linux/LinuxBundleInfo.h"
 #include "platform/linux/LinuxChildProcess.h"
 #include "platform/linux/LinuxDiskEvents.h"
 #include "platform/linux/LinuxFileManager.h"
 #include "platform/linux/LinuxSecretStore.h"
+#include "platform/linux/LinuxSystemValues.h"
 #include "platform/linux/LinuxWorkspace.h"
 #include "platform/linux/NotificationModule.h"
 #include "platform/linux/PlistUserDefaults.h"
@@ -36,9 +38,14 @@ std::string suppliedModule(std::string_view name)
     return fmt::format("{}/lib/brindle-{}.so", suppliedFolder(), name);
 }
 
+bool hasTemporarySecretStore(const PlatformChanges &changes)
+{
+    return changes.toolRoot || changes.password;
+}
+
 std::unique_ptr<SecretStore> secretStoreFor(const PlatformChanges &changes)
 {
-    if (!changes.toolRoot && !changes.password)
+    if (!hasTemporarySecretStore(changes))
         return std::make_unique<LinuxSecretStore>(suppliedModule("secret-service"));
     auto store = std::make_unique<MemorySecretStore>();
     if (changes.password)
@@ -79,9 +86,12 @@ Platform makePlatform(const PlatformChanges &changes)
         .workspace = std::move(workspace),
         .userNotifications = makeUserNotifications(changes),
         .dialogs = std::make_unique<NoDialogs>(),
+        .systemValues = std::make_unique<LinuxSystemValues>(),
+        .bundle = linuxBundleInfo(),
         .toolPaths =
             changes.toolRoot ? ToolPaths::underRoot(*changes.toolRoot) : ToolPaths::withSuppliedTools(suppliedFolder()),
         .isRoot = !changes.toolRoot && geteuid() == 0,
+        .isSecretStoreTemporary = hasTemporarySecretStore(changes),
     };
 }
 

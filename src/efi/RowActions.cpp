@@ -5,11 +5,11 @@
 #include "base/DefaultsKeys.h"
 #include "base/Log.h"
 #include "base/Text.h"
+#include "records/FindDisk.h"
 #include "records/Preferences.h"
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <string_view>
 #include <utility>
@@ -17,17 +17,6 @@
 namespace brindle {
 
 namespace {
-
-/// The partition as the list has it now; null where no disk has it any more.
-const EFIPartition *freshRecord(const std::vector<PhysicalDisk> &disks, std::string_view identifier)
-{
-    for (const PhysicalDisk &disk : disks) {
-        const auto partition = std::ranges::find(disk.efiPartitions, identifier, &EFIPartition::identifier);
-        if (partition != disk.efiPartitions.end())
-            return &*partition;
-    }
-    return nullptr;
-}
 
 std::string givenOr(const std::optional<std::string> &name, const std::string &otherwise)
 {
@@ -103,7 +92,7 @@ QCoro::Task<> RowActions::mount(PhysicalDisk disk, EFIPartition partition)
     co_await mounting;
     if (!isOn(m_model.userDefaults, DefaultsKeys::kAutoOpenFinderOnMount))
         co_return;
-    if (const EFIPartition *fresh = freshRecord(m_model.diskManager.disks(), partition.identifier))
+    if (const EFIPartition *fresh = findEFIPartition(m_model.diskManager.disks(), partition.identifier))
         open(*fresh);
 }
 
@@ -114,7 +103,7 @@ QCoro::Task<> RowActions::unmount(PhysicalDisk disk, EFIPartition partition)
     const Operation operation(*this, statusOf("Unmounting", disk, partition));
     auto unmounting = m_model.efiOperations.unmount(partition.identifier, disk.name);
     co_await unmounting;
-    auto updating = m_model.diskManager.updateEFIPartitionState(partition.identifier);
+    auto updating = updateState(partition.identifier);
     co_await updating;
 }
 
@@ -144,7 +133,10 @@ QCoro::Task<> RowActions::askToRenameEFI(PhysicalDisk disk, EFIPartition partiti
     if (!name)
         co_return;
     auto renaming = renameEFI(disk, partition, *name);
-    co_await renaming;
+    try {
+        co_await renaming;
+    } catch (const Error &) { // the row stays as it was
+    }
 }
 
 QCoro::Task<> RowActions::renameEFI(PhysicalDisk disk, EFIPartition partition, std::string newName)
@@ -157,7 +149,7 @@ QCoro::Task<> RowActions::renameEFI(PhysicalDisk disk, EFIPartition partition, s
         Log::line("EFI rename failed: {}", error.what());
         throw;
     }
-    auto updating = m_model.diskManager.updateEFIPartitionState(partition.identifier);
+    auto updating = updateState(partition.identifier);
     co_await updating;
 }
 
@@ -174,7 +166,10 @@ QCoro::Task<> RowActions::askToRenameVolume(PhysicalDisk disk)
     if (!name)
         co_return;
     auto renaming = renameVolume(disk, *name);
-    co_await renaming;
+    try {
+        co_await renaming;
+    } catch (const Error &) { // the row stays as it was
+    }
 }
 
 QCoro::Task<> RowActions::renameVolume(PhysicalDisk disk, std::string newName)
@@ -196,10 +191,14 @@ QCoro::Task<> RowActions::renameVolume(PhysicalDisk disk, std::string newName)
 
 QCoro::Task<std::string> RowActions::eject(PhysicalDisk disk)
 {
-    const Operation operation(*this, fmt::format("Ejecting {}", disk.name));
-    auto ejecting = m_model.diskManager.ejectDisk(disk.identifier);
-    std::string output = co_await ejecting;
-    co_return output;
+    return m_model.diskManager.ejectDisk(disk.identifier);
+}
+
+QCoro::Task<> RowActions::updateState(std::string identifier)
+{
+    auto updating = m_model.diskManager.updateEFIPartitionState(std::move(identifier));
+    co_await updating;
+    m_model.diskManager.persistState();
 }
 
 std::string RowActions::statusOf(std::string_view verb, const PhysicalDisk &disk, const EFIPartition &partition) const

@@ -18,7 +18,6 @@ namespace {
 
 constexpr const char *kOpenFinder = "OPEN_FINDER";
 constexpr const char *kEFIIdentifier = "efiIdentifier";
-constexpr const char *kVolumesFolder = "/Volumes";
 
 /// What one event is told by.
 struct Announcement {
@@ -54,14 +53,13 @@ std::vector<NotificationCategory> categories()
     };
 }
 
-/// What follows the first "Mount Point:" of the whole text, up to the end of that line.
+/// What follows the first label of a mount point in the whole text, up to the end of that line.
 std::optional<std::string> mountPointIn(std::string_view info)
 {
-    constexpr std::string_view kLabel = "Mount Point:";
-    const std::size_t label = info.find(kLabel);
+    const std::size_t label = info.find(ToolText::kMountPointLabel);
     if (label == std::string_view::npos)
         return std::nullopt;
-    const std::string_view rest = info.substr(label + kLabel.size());
+    const std::string_view rest = info.substr(label + ToolText::kMountPointLabel.size());
     const std::string_view value = trimmed(rest.substr(0, rest.find('\n')));
     return ToolText::isGiven(value) ? std::optional<std::string>(value) : std::nullopt;
 }
@@ -92,11 +90,12 @@ NotificationManager::~NotificationManager()
     m_notifications.setDelegate(nullptr);
 }
 
-void NotificationManager::mountResult(const std::string &diskName, bool success, const std::string &efiIdentifier)
+void NotificationManager::mountResult(const std::string &diskName, bool success,
+                                      const std::optional<std::string> &efiIdentifier)
 {
     UserNotification notification = notificationOf(success ? kMountWorked : kMountFailed, diskName, "mount", success);
-    if (!efiIdentifier.empty())
-        notification.userInfo.insert_or_assign(kEFIIdentifier, efiIdentifier);
+    if (efiIdentifier)
+        notification.userInfo.insert_or_assign(kEFIIdentifier, *efiIdentifier);
     send(std::move(notification));
 }
 
@@ -146,7 +145,7 @@ void NotificationManager::didReceive(const NotificationResponse &response,
         if (efiIdentifier)
             openMountPoint(*efiIdentifier);
         else
-            m_workspace.openFile(kVolumesFolder);
+            m_workspace.openFile(Workspace::kVolumesFolder);
     }
     completionHandler();
 }

@@ -7,8 +7,10 @@
 #include "platform/NoDialogs.h"
 #include "platform/NoNotifications.h"
 #include "platform/NoWorkspace.h"
+#include "platform/linux/LinuxBundleInfo.h"
 #include "platform/linux/LinuxChildProcess.h"
 #include "platform/linux/LinuxFileManager.h"
+#include "platform/linux/LinuxSystemValues.h"
 #include "platform/qt/MachineFileEvents.h"
 #include "platform/qt/QtScheduler.h"
 #include "support/LogCapture.h"
@@ -245,7 +247,10 @@ Platform SimulatedMachine::platform() const
             .workspace = std::make_unique<NoWorkspace>(),
             .userNotifications = std::make_unique<NoNotifications>(),
             .dialogs = std::make_unique<NoDialogs>(),
-            .toolPaths = ToolPaths::underRoot(m_root.string())};
+            .systemValues = std::make_unique<LinuxSystemValues>(),
+            .bundle = linuxBundleInfo(),
+            .toolPaths = ToolPaths::underRoot(m_root.string()),
+            .isSecretStoreTemporary = true};
 }
 
 SimulatedScan SimulatedMachine::scan()

@@ -1,0 +1,32 @@
+#include "platform/ApplicationHost.h"
+
+#include <utility>
+
+namespace brindle {
+
+void ApplicationHost::finishLaunching()
+{
+    m_delegate->applicationDidFinishLaunching();
+}
+
+void ApplicationHost::reopen(bool hasVisibleWindows)
+{
+    activate();
+    m_delegate->applicationShouldHandleReopen(hasVisibleWindows);
+}
+
+void ApplicationHost::lastWindowClosed()
+{
+    if (m_delegate->applicationShouldTerminateAfterLastWindowClosed())
+        terminate();
+}
+
+void ApplicationHost::terminate()
+{
+    if (std::exchange(m_isTerminating, true))
+        return;
+    m_delegate->applicationWillTerminate();
+    quit();
+}
+
+} // namespace brindle
