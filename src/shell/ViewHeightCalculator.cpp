@@ -5,27 +5,6 @@
 
 namespace brindle {
 
-namespace {
-
-double partitionRowHeight(const EFIPartition &partition)
-{
-    const bool hasLabel = partition.volumeName && !partition.volumeName->empty();
-    return hasLabel ? ViewHeightCalculator::kPartitionRowHeightWithLabel : ViewHeightCalculator::kPartitionRowHeight;
-}
-
-/// What the opened list of partitions adds to a disk's row. A single partition is shown by the row itself.
-double expansionHeight(const PhysicalDisk &disk)
-{
-    if (disk.efiPartitions.size() < 2)
-        return 0;
-    double height = ViewHeightCalculator::kGap;
-    for (const EFIPartition &partition : disk.efiPartitions)
-        height += partitionRowHeight(partition) + ViewHeightCalculator::kGap;
-    return height;
-}
-
-} // namespace
-
 ViewHeightCalculator::ViewHeightCalculator(const UserDefaults &defaults) : m_defaults(defaults) {}
 
 double ViewHeightCalculator::contentHeight(std::size_t diskCount, const std::set<std::string> &expandedDisks,
@@ -48,6 +27,22 @@ double ViewHeightCalculator::rowHeight(const PhysicalDisk &disk) const
 {
     const bool hasBar = isOn(m_defaults, DefaultsKeys::kShowDiskSpaceIndicator) && disk.totalSpaceBytes.value_or(0) > 0;
     return hasBar ? kRowHeightWithBar : kRowHeight;
+}
+
+double ViewHeightCalculator::rowHeight(const EFIPartition &partition)
+{
+    const bool hasLabel = partition.volumeName && !partition.volumeName->empty();
+    return hasLabel ? kPartitionRowHeightWithLabel : kPartitionRowHeight;
+}
+
+double ViewHeightCalculator::expansionHeight(const PhysicalDisk &disk)
+{
+    if (disk.efiPartitions.size() < 2)
+        return 0;
+    double height = kGap;
+    for (const EFIPartition &partition : disk.efiPartitions)
+        height += rowHeight(partition) + kGap;
+    return height;
 }
 
 } // namespace brindle

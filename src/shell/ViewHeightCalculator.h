@@ -33,9 +33,14 @@ public:
     [[nodiscard]] double contentHeight(std::size_t diskCount, const std::set<std::string> &expandedDisks,
                                        const std::vector<PhysicalDisk> &disks) const;
 
-private:
+    /// Of a disk's own row.
     [[nodiscard]] double rowHeight(const PhysicalDisk &disk) const;
+    [[nodiscard]] static double rowHeight(const EFIPartition &partition);
 
+    /// What the opened list of partitions adds to a disk's row. A single partition is shown by the row itself.
+    [[nodiscard]] static double expansionHeight(const PhysicalDisk &disk);
+
+private:
     const UserDefaults &m_defaults;
 };
 

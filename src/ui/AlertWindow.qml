@@ -8,7 +8,7 @@ Window {
     id: root
     required property AlertPresenter alert
     readonly property bool hasField: alert.field !== AlertPresenter.None
-    readonly property int fullHeight: Math.ceil(content.implicitHeight + text.implicitHeight + 40)
+    readonly property int fullHeight: Math.ceil(content.implicitHeight + body.implicitHeight + 40)
 
     width: 420
     height: Math.min(fullHeight, Screen.height * 0.8)
@@ -29,6 +29,10 @@ Window {
         Accessible.name: root.alert.messageText
         Accessible.description: root.alert.informativeText
         Keys.onEscapePressed: root.alert.close()
+        Keys.onUpPressed: frame.scrollBy(-kScrollStep)
+        Keys.onDownPressed: frame.scrollBy(kScrollStep)
+
+        readonly property int kScrollStep: 40
 
         RowLayout {
             anchors.fill: parent
@@ -56,7 +60,7 @@ Window {
                     Layout.fillWidth: true
                     Layout.fillHeight: true
                     PlainText {
-                        id: text
+                        id: body
                         objectName: "informativeText"
                         width: frame.width
                         text: root.alert.informativeText
@@ -73,7 +77,7 @@ Window {
                     placeholderText: root.alert.placeholder
                     echoMode: root.alert.field === AlertPresenter.Secret ? TextInput.Password : TextInput.Normal
                     text: root.alert.text
-                    onTextEdited: if (root.alert.field === AlertPresenter.Text) root.alert.text = text
+                    onTextEdited: if (root.alert.field === AlertPresenter.Text) root.alert.text = field.text
                     Keys.onReturnPressed: root.alert.press(0)
                     Keys.onEnterPressed: root.alert.press(0)
                 }

@@ -15,9 +15,9 @@ T.AbstractButton {
     Accessible.name: destination.description
     Accessible.checkable: true
     Accessible.checked: destination.isSelected
-    Accessible.onPressAction: root.click()
-    Keys.onReturnPressed: root.click()
-    Keys.onEnterPressed: root.click()
+    Accessible.onPressAction: root.clicked()
+    Keys.onReturnPressed: root.clicked()
+    Keys.onEnterPressed: root.clicked()
 
     background: Rectangle {
         radius: 8

@@ -18,9 +18,9 @@ T.AbstractButton {
     Accessible.role: Accessible.Button
     Accessible.name: option.title
     Accessible.description: option.text
-    Accessible.onPressAction: root.click()
-    Keys.onReturnPressed: if (returnPresses) root.click()
-    Keys.onEnterPressed: if (returnPresses) root.click()
+    Accessible.onPressAction: root.clicked()
+    Keys.onReturnPressed: if (returnPresses) root.clicked()
+    Keys.onEnterPressed: if (returnPresses) root.clicked()
 
     background: Rectangle {
         radius: 8

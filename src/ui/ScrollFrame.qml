@@ -24,6 +24,10 @@ Flickable {
             contentY = top + item.height - height;
     }
 
+    function scrollBy(distance: real): void {
+        contentY = Math.max(0, Math.min(contentY + distance, contentHeight - height));
+    }
+
     onHeightChanged: if (revealed) reveal(revealed)
     onContentHeightChanged: if (revealed) reveal(revealed)
     onMovementStarted: revealed = null

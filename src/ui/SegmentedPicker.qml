@@ -1,7 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
 
-// A choice between a few words that all stand there. The arrow keys choose too.
+// A choice between a few words that all stand there. One stop for the Tab key; the arrow keys choose.
 T.Control {
     id: root
     required property list<string> segments
@@ -10,17 +10,26 @@ T.Control {
 
     implicitWidth: 320
     implicitHeight: 28
+    focusPolicy: Qt.StrongFocus
     Accessible.role: Accessible.PageTabList
+    Accessible.description: segments[currentIndex]
+    Keys.onLeftPressed: choose(currentIndex - 1)
+    Keys.onRightPressed: choose(currentIndex + 1)
+
+    function choose(index: int): void {
+        if (index >= 0 && index < segments.length && index !== currentIndex)
+            activated(index);
+    }
 
     background: Rectangle {
         radius: Theme.radius
         color: Theme.control
         border.width: 1
         border.color: Theme.controlBorder
+        FocusRing { control: root }
     }
     contentItem: Row {
         Repeater {
-            id: buttons
             model: root.segments
             T.AbstractButton {
                 id: segment
@@ -33,31 +42,17 @@ T.Control {
                 text: modelData
                 checked: index === root.currentIndex
                 hoverEnabled: true
-                focusPolicy: checked ? Qt.StrongFocus : Qt.ClickFocus // one stop for the Tab key
                 Accessible.role: Accessible.RadioButton
                 Accessible.name: text
                 Accessible.checkable: true
                 Accessible.checked: checked
-                Accessible.onPressAction: segment.click()
-                Keys.onReturnPressed: segment.click()
-                Keys.onEnterPressed: segment.click()
-                Keys.onLeftPressed: segment.choose(index - 1)
-                Keys.onRightPressed: segment.choose(index + 1)
-                onClicked: root.activated(index)
-
-                function choose(other: int): void {
-                    const button = buttons.itemAt(other);
-                    if (!button)
-                        return;
-                    root.activated(other);
-                    button.forceActiveFocus(Qt.TabFocusReason);
-                }
+                Accessible.onPressAction: root.choose(index)
+                onClicked: root.choose(index)
 
                 background: Rectangle {
                     radius: Theme.radius
                     color: segment.checked ? Theme.accent : segment.down ? Theme.controlPressed
                          : segment.hovered ? Theme.controlHover : "transparent"
-                    FocusRing { control: segment }
                 }
                 contentItem: PlainText {
                     text: segment.text

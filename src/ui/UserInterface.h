@@ -1,6 +1,6 @@
 #pragma once
 
-#include "views/DiskRowContent.h"
+#include "platform/Appearance.h"
 
 class QQmlEngine;
 

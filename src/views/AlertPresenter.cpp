@@ -1,6 +1,6 @@
 #include "views/AlertPresenter.h"
 
-#include "views/ShownText.h"
+#include "views/Shown.h"
 
 #include "base/VisibleText.h"
 #include "shell/Color.h"
@@ -34,7 +34,7 @@ AlertPresenter::AlertPresenter(Alert alert, Field field, std::string placeholder
 
 QString AlertPresenter::messageText() const
 {
-    return shownText(m_alert.messageText);
+    return shown(m_alert.messageText);
 }
 
 QString AlertPresenter::informativeText() const
@@ -50,20 +50,20 @@ QString AlertPresenter::symbol() const
 
 QString AlertPresenter::symbolColor() const
 {
-    return shownText((m_alert.style == AlertStyle::warning ? Colors::kOrange : Colors::kBlue).value);
+    return shown((m_alert.style == AlertStyle::warning ? Colors::kOrange : Colors::kBlue).value);
 }
 
 QStringList AlertPresenter::buttons() const
 {
     QStringList buttons;
     for (const std::string &button : m_alert.buttons)
-        buttons << shownText(button);
+        buttons << shown(button);
     return buttons;
 }
 
 QString AlertPresenter::placeholder() const
 {
-    return shownText(m_placeholder);
+    return shown(m_placeholder);
 }
 
 void AlertPresenter::setText(const QString &text)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Appearance.h"
 #include "platform/UserDefaults.h"
 #include "records/PhysicalDisk.h"
 #include "shell/Color.h"
@@ -11,8 +12,6 @@
 #include <vector>
 
 namespace brindle {
-
-enum class ColorScheme { light, dark };
 
 enum class FontWeight { regular, medium, bold };
 
@@ -58,6 +57,8 @@ struct SpaceBar {
 
     /// How much of \a availableWidth is filled: a little even for an empty disk.
     [[nodiscard]] double fillWidth(double availableWidth) const;
+
+    bool operator==(const SpaceBar &) const = default;
 };
 
 /// Whether the disk's EFI partition is mounted; the number of partitions stands in place of the symbol where there is
@@ -68,6 +69,8 @@ struct EFIIndicator {
     std::optional<RowSymbol> symbol;
     std::optional<RowText> count;
     RowText label;
+
+    bool operator==(const EFIIndicator &) const = default;
 };
 
 /// What a row tells of one disk. All choices are made here; a view only places what it is told.

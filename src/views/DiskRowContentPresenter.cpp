@@ -1,7 +1,8 @@
 #include "views/DiskRowContentPresenter.h"
 
-#include "views/ShownText.h"
+#include "views/Shown.h"
 
+#include <numeric>
 #include <utility>
 
 namespace brindle {
@@ -23,15 +24,22 @@ QString weightName(FontWeight weight)
 
 RowTextValue valueOf(const RowText &text)
 {
-    return {.text = shownText(text.text),
+    return {.text = shown(text.text),
             .size = text.size,
             .weight = weightName(text.weight),
-            .color = shownText(text.color.value)};
+            .color = shown(text.color.value)};
 }
 
 RowSymbolValue valueOf(const RowSymbol &symbol)
 {
-    return {.name = shownText(symbol.name), .size = symbol.size, .color = shownText(symbol.color.value)};
+    return {.name = shown(symbol.name), .size = symbol.size, .color = shown(symbol.color.value)};
+}
+
+bool looksLike(const DiskRowContent &one, const DiskRowContent &other)
+{
+    return one.icon() == other.icon() && one.name() == other.name() && one.volumeLabel() == other.volumeLabel() &&
+           one.details() == other.details() && one.spaceBar() == other.spaceBar() &&
+           one.efiIndicator() == other.efiIndicator();
 }
 
 } // namespace
@@ -47,9 +55,11 @@ DiskRowContentPresenter::DiskRowContentPresenter(DiskRowContent content, const U
 
 void DiskRowContentPresenter::setDisk(PhysicalDisk disk, bool efiMounted)
 {
+    DiskRowContent before = m_content;
     m_content.disk = std::move(disk);
     m_content.efiMounted = efiMounted;
-    Q_EMIT changed();
+    if (!looksLike(before, m_content))
+        Q_EMIT changed();
 }
 
 void DiskRowContentPresenter::setColorScheme(ColorScheme colorScheme)
@@ -90,6 +100,25 @@ QVariantList DiskRowContentPresenter::details() const
     return list;
 }
 
+int DiskRowContentPresenter::indicatorCount() const
+{
+    return static_cast<int>(m_content.indicators().size());
+}
+
+int DiskRowContentPresenter::fittingIndicators(const QList<double> &widths, double bulletWidth, double moreWidth,
+                                               double availableWidth) const
+{
+    double width = std::accumulate(widths.begin(), widths.end(), bulletWidth * static_cast<double>(widths.size() - 1));
+    int shown = indicatorCount();
+    double more = 0;
+    while (shown > 0 && width + more > availableWidth) {
+        --shown;
+        width -= widths.at(kFirstIndicator + shown) + bulletWidth;
+        more = bulletWidth + moreWidth;
+    }
+    return shown;
+}
+
 RowTextValue DiskRowContentPresenter::bullet() const
 {
     return valueOf(DiskRowContent::bullet());
@@ -107,7 +136,7 @@ double DiskRowContentPresenter::usedRatio() const
 
 QString DiskRowContentPresenter::barColor() const
 {
-    return shownText(m_content.spaceBar().value_or(SpaceBar()).color.value);
+    return shown(m_content.spaceBar().value_or(SpaceBar()).color.value);
 }
 
 RowTextValue DiskRowContentPresenter::space() const
@@ -120,10 +149,9 @@ RowTextValue DiskRowContentPresenter::percent() const
     return valueOf(m_content.spaceBar().value_or(SpaceBar()).percent);
 }
 
-double DiskRowContentPresenter::fillWidth(double availableWidth) const
+double DiskRowContentPresenter::fillWidth(double ratio, double availableWidth) const
 {
-    const std::optional<SpaceBar> bar = m_content.spaceBar();
-    return bar ? bar->fillWidth(availableWidth) : 0;
+    return hasSpaceBar() ? SpaceBar{.ratio = ratio}.fillWidth(availableWidth) : 0;
 }
 
 bool DiskRowContentPresenter::hasEFIIndicator() const

@@ -47,7 +47,8 @@ class DiskRowContentPresenter : public QObject {
     Q_PROPERTY(brindle::RowSymbolValue icon READ icon NOTIFY changed)
     Q_PROPERTY(brindle::RowTextValue name READ name NOTIFY changed)
     Q_PROPERTY(brindle::RowTextValue volumeLabel READ volumeLabel NOTIFY changed)
-    Q_PROPERTY(QVariantList details READ details NOTIFY changed)  // of RowTextValue
+    Q_PROPERTY(QVariantList details READ details NOTIFY changed) // of RowTextValue
+    Q_PROPERTY(int indicatorCount READ indicatorCount NOTIFY changed)
     Q_PROPERTY(brindle::RowTextValue bullet READ bullet CONSTANT) // between two details
     Q_PROPERTY(bool hasSpaceBar READ hasSpaceBar NOTIFY changed)
     Q_PROPERTY(double usedRatio READ usedRatio NOTIFY changed) // 0 to 1
@@ -63,7 +64,11 @@ public:
     /// The settings of \a content are read from \a defaults, which outlives the presenter.
     DiskRowContentPresenter(DiskRowContent content, const UserDefaults &defaults, QObject *parent = nullptr);
 
-    /// A newer record of the disk. Always told as a change: records that are equal may look different.
+    /// Where the indicators of what is on the disk begin in details().
+    static constexpr int kFirstIndicator = 2;
+
+    /// A newer record of the disk, told as a change where anything shown differs: records that are equal may look
+    /// different.
     void setDisk(PhysicalDisk disk, bool efiMounted);
     void setColorScheme(ColorScheme colorScheme);
 
@@ -71,6 +76,11 @@ public:
     [[nodiscard]] RowTextValue name() const;
     [[nodiscard]] RowTextValue volumeLabel() const;
     [[nodiscard]] QVariantList details() const;
+    [[nodiscard]] int indicatorCount() const;
+    /// How many indicators, from the left, can be shown in a line of \a availableWidth; "+n" stands for the others,
+    /// and nothing else is ever left out. \a widths are those of details(), \a bulletWidth counts the gaps round it.
+    Q_INVOKABLE [[nodiscard]] int fittingIndicators(const QList<double> &widths, double bulletWidth, double moreWidth,
+                                                    double availableWidth) const;
     [[nodiscard]] RowTextValue bullet() const;
 
     // Nothing to show, 0 or empty, without a space bar.
@@ -79,8 +89,8 @@ public:
     [[nodiscard]] QString barColor() const;
     [[nodiscard]] RowTextValue space() const;
     [[nodiscard]] RowTextValue percent() const;
-    /// How much of the bar is filled, in the unit of \a availableWidth.
-    Q_INVOKABLE [[nodiscard]] double fillWidth(double availableWidth) const;
+    /// How much of the bar is filled, in the unit of \a availableWidth; \a ratio is usedRatio(), or on its way there.
+    Q_INVOKABLE [[nodiscard]] double fillWidth(double ratio, double availableWidth) const;
 
     // Likewise without an EFI indicator.
     [[nodiscard]] bool hasEFIIndicator() const;

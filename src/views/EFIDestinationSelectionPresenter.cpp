@@ -1,6 +1,6 @@
 #include "views/EFIDestinationSelectionPresenter.h"
 
-#include "views/ShownText.h"
+#include "views/Shown.h"
 
 #include <algorithm>
 #include <utility>
@@ -13,23 +13,23 @@ using Buttons = EFIDestinationSelection::Buttons;
 
 SignValue valueOf(const Sign &sign)
 {
-    return {.symbol = shownText(sign.symbol), .text = shownText(sign.text), .color = shownText(sign.color.value)};
+    return {.symbol = shown(sign.symbol), .text = shown(sign.text), .color = shown(sign.color.value)};
 }
 
 BoxValue valueOf(const WarningBox &warning)
 {
-    return {.icon = shownText(warning.icon),
-            .title = shownText(warning.title),
-            .text = shownText(warning.message),
-            .color = shownText(warning.color.value)};
+    return {.icon = shown(warning.icon),
+            .title = shown(warning.title),
+            .text = shown(warning.message),
+            .color = shown(warning.color.value)};
 }
 
 BoxValue valueOf(const OptionButton &option)
 {
-    return {.icon = shownText(option.icon),
-            .title = shownText(option.title),
-            .text = shownText(option.subtitle),
-            .color = shownText(option.color.value)};
+    return {.icon = shown(option.icon),
+            .title = shown(option.title),
+            .text = shown(option.subtitle),
+            .color = shown(option.color.value)};
 }
 
 DestinationValue valueOf(const EFIDestinationSelection::Row &row);
@@ -46,17 +46,17 @@ QVariantList valuesOf(const auto &range)
 /// The row in words, for those who don't see it. The bullet only separates, and the clover stands beside its name.
 QString descriptionOf(const EFIDestinationSelection::Row &row)
 {
-    QStringList words{shownText(row.diskName)};
+    QStringList words{shown(row.diskName)};
     for (const Sign &sign : row.details) {
         if (sign.text != "•" && sign.text != "🍀")
-            words << shownText(sign.text);
+            words << shown(sign.text);
     }
     return words.join(QStringLiteral(", "));
 }
 
 DestinationValue valueOf(const EFIDestinationSelection::Row &row)
 {
-    return {.diskName = shownText(row.diskName),
+    return {.diskName = shown(row.diskName),
             .details = valuesOf(row.details),
             .trailingSymbols = valuesOf(row.trailingSymbols),
             .isSelected = row.isSelected,
@@ -93,7 +93,7 @@ EFIDestinationSelectionPresenter::Content EFIDestinationSelectionPresenter::cont
 
 QString EFIDestinationSelectionPresenter::sourceText() const
 {
-    return shownText(m_dialog.sourceText());
+    return shown(m_dialog.sourceText());
 }
 
 int EFIDestinationSelectionPresenter::destinationCount() const
@@ -118,7 +118,7 @@ SignValue EFIDestinationSelectionPresenter::overwriteLabel() const
 
 QString EFIDestinationSelectionPresenter::overwriteSymbolColor() const
 {
-    return shownText(m_dialog.overwriteSymbolColor().value);
+    return shown(m_dialog.overwriteSymbolColor().value);
 }
 
 QVariantList EFIDestinationSelectionPresenter::selectionWarnings() const
@@ -151,13 +151,13 @@ QVariantList EFIDestinationSelectionPresenter::progressEnds() const
 {
     QVariantList ends;
     for (const auto &[label, partition] : m_dialog.progressEnds())
-        ends << shownText(label) << shownText(partition);
+        ends << shown(label) << shown(partition);
     return ends;
 }
 
 QString EFIDestinationSelectionPresenter::status() const
 {
-    return shownText(m_efiCopyManager.operationStatus());
+    return shown(m_efiCopyManager.operationStatus());
 }
 
 double EFIDestinationSelectionPresenter::progress() const
@@ -167,22 +167,22 @@ double EFIDestinationSelectionPresenter::progress() const
 
 QString EFIDestinationSelectionPresenter::percentText() const
 {
-    return shownText(m_dialog.percentText());
+    return shown(m_dialog.percentText());
 }
 
 QString EFIDestinationSelectionPresenter::confirmationTitle() const
 {
-    return shownText(EFIDestinationSelection::kConfirmationTitle);
+    return shown(EFIDestinationSelection::kConfirmationTitle);
 }
 
 QString EFIDestinationSelectionPresenter::confirmationText() const
 {
-    return shownText(EFIDestinationSelection::kConfirmationText);
+    return shown(EFIDestinationSelection::kConfirmationText);
 }
 
 QString EFIDestinationSelectionPresenter::confirmationQuestion() const
 {
-    return shownText(EFIDestinationSelection::kConfirmationQuestion);
+    return shown(EFIDestinationSelection::kConfirmationQuestion);
 }
 
 QVariantList EFIDestinationSelectionPresenter::confirmationOptions() const
@@ -200,7 +200,7 @@ QVariantList EFIDestinationSelectionPresenter::confirmationWarnings() const
 
 QString EFIDestinationSelectionPresenter::alertMessage() const
 {
-    return shownText(m_dialog.alertMessage());
+    return shown(m_dialog.alertMessage());
 }
 
 void EFIDestinationSelectionPresenter::appear()

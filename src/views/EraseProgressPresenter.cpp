@@ -1,6 +1,6 @@
 #include "views/EraseProgressPresenter.h"
 
-#include "views/ShownText.h"
+#include "views/Shown.h"
 
 namespace brindle {
 
@@ -37,32 +37,32 @@ EraseProgressPresenter::Stage EraseProgressPresenter::stage() const
 
 QString EraseProgressPresenter::symbol() const
 {
-    return shownText(m_view.symbol().name);
+    return shown(m_view.symbol().name);
 }
 
 QString EraseProgressPresenter::symbolColor() const
 {
-    return shownText(m_view.symbol().color.value);
+    return shown(m_view.symbol().color.value);
 }
 
 QString EraseProgressPresenter::title() const
 {
-    return shownText(m_view.title());
+    return shown(m_view.title());
 }
 
 QString EraseProgressPresenter::name() const
 {
-    return shownText(m_view.name());
+    return shown(m_view.name());
 }
 
 QString EraseProgressPresenter::line() const
 {
-    return shownText(m_view.line());
+    return shown(m_view.line());
 }
 
 QString EraseProgressPresenter::warningText() const
 {
-    return shownText(m_manager.warningText());
+    return shown(m_manager.warningText());
 }
 
 void EraseProgressPresenter::setIsWholeDisk(bool isWholeDisk)
@@ -72,14 +72,14 @@ void EraseProgressPresenter::setIsWholeDisk(bool isWholeDisk)
 
 QString EraseProgressPresenter::scopeNote() const
 {
-    return shownText(m_view.scopeNote());
+    return shown(m_view.scopeNote());
 }
 
 QStringList EraseProgressPresenter::formatLabels() const
 {
     QStringList labels;
     for (const FormatOption &option : m_manager.formatOptions())
-        labels << shownText(option.label);
+        labels << shown(option.label);
     return labels;
 }
 
@@ -90,7 +90,7 @@ void EraseProgressPresenter::setSelectedFormatIndex(int index)
 
 QString EraseProgressPresenter::confirmPrompt() const
 {
-    return shownText(m_view.confirmPrompt());
+    return shown(m_view.confirmPrompt());
 }
 
 QString EraseProgressPresenter::confirmInput() const
@@ -105,17 +105,17 @@ void EraseProgressPresenter::setConfirmInput(const QString &confirmInput)
 
 QString EraseProgressPresenter::mismatchText() const
 {
-    return shownText(m_view.mismatchText().value_or(""));
+    return shown(m_view.mismatchText().value_or(""));
 }
 
 QString EraseProgressPresenter::statusMessage() const
 {
-    return shownText(m_manager.statusMessage());
+    return shown(m_manager.statusMessage());
 }
 
 QString EraseProgressPresenter::resultMessage() const
 {
-    return shownText(m_manager.resultMessage());
+    return shown(m_manager.resultMessage());
 }
 
 void EraseProgressPresenter::confirm()

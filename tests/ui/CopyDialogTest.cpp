@@ -69,8 +69,7 @@ TEST_F(CopyDialogTest, CopiesByTheKeyboardAlone)
     window().press(Qt::Key_Up);
     window().press(Qt::Key_Return);
     EXPECT_TRUE(presenter.dialog()->canCopy());
-    while (window().focused() != "copyButton")
-        window().press(Qt::Key_Tab);
+    window().tabTo("copyButton");
     window().press(Qt::Key_Return);
     waitUntil([this] { return manager.operationStatus() == "EFI copy completed successfully"; });
 

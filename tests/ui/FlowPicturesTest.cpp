@@ -1,22 +1,12 @@
 #include "ui/CopyDialogFixture.h"
 #include "ui/EraseDialogFixture.h"
+#include "ui/Pictures.h"
 #include "ui/UserInterface.h"
-
-#include <QDir>
-#include <QGuiApplication>
 
 namespace brindle {
 namespace {
 
 constexpr int kHeightOn600Points = 540; // nine tenths of the screen
-
-/// Keeps \a picture in the folder that BRINDLE_PICTURES names, where it names one.
-void keepPicture(const QImage &picture, const std::string &name)
-{
-    const QString folder = qEnvironmentVariable("BRINDLE_PICTURES");
-    if (!folder.isEmpty())
-        picture.save(QDir(folder).filePath(QString::fromStdString(name + ".png")));
-}
 
 /// Whatever the window's height: each button below is whole in sight, and no text sticks out of the window's sides.
 void expectInSight(QmlWindow &window)

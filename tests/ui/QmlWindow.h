@@ -112,6 +112,15 @@ public:
         return item ? item->objectName().toStdString() : std::string();
     }
 
+    /// Presses Tab until the item has the keyboard; fails the test where it doesn't get it.
+    void tabTo(const std::string &objectName)
+    {
+        constexpr int kMostStops = 30;
+        for (int stop = 0; stop < kMostStops && focused() != objectName; ++stop)
+            press(Qt::Key_Tab);
+        EXPECT_EQ(focused(), objectName);
+    }
+
     [[nodiscard]] QImage picture() { return m_window.grabWindow(); }
 
     /// Lets everything that is due happen.
@@ -121,7 +130,7 @@ public:
             QCoreApplication::processEvents();
     }
 
-private:
+    /// The visible item with the object name at or below \a parent; null where none is.
     static QQuickItem *find(QQuickItem &parent, const QString &objectName)
     {
         if (!parent.isVisible())
@@ -135,6 +144,7 @@ private:
         return nullptr;
     }
 
+private:
     QPointF middleOf(const QString &objectName)
     {
         const QQuickItem &target = item(objectName);

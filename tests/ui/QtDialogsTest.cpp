@@ -1,6 +1,8 @@
 #include "ui/QtDialogs.h"
 
+#include "ui/Pictures.h"
 #include "ui/QmlWindow.h"
+#include "ui/UserInterface.h"
 
 #include "base/BlockOn.h"
 #include "support/LogCapture.h"
@@ -44,7 +46,7 @@ protected:
     }
     static QQuickItem *find(QQuickWindow &window, const QString &objectName)
     {
-        return window.contentItem()->findChild<QQuickItem *>(objectName);
+        return QmlWindow::find(*window.contentItem(), objectName);
     }
     static std::string textOf(QQuickWindow &window, const QString &objectName)
     {
@@ -215,6 +217,71 @@ TEST_F(QtDialogsTest, GivesNoPasswordWhereThePromptIsCancelled)
     click(alertWindow(), QStringLiteral("button1"));
 
     EXPECT_EQ(blockOn(std::move(answer), 5s), std::nullopt);
+}
+
+class DialogPictures : public QtDialogsTest, public testing::WithParamInterface<ColorScheme> {
+protected:
+    /// The picture of the dialog that is shown, which is then closed.
+    void expectPicture(const std::string &name)
+    {
+        QQuickWindow &window = alertWindow();
+        setColorScheme(main.engine(), GetParam());
+        keepPicture(window.grabWindow(), name + (GetParam() == ColorScheme::dark ? "-dark" : "-light"));
+        const QRectF frame(QPointF(), window.size());
+        for (const QString &button : {QStringLiteral("button0"), QStringLiteral("button1")}) {
+            const QQuickItem *item = find(window, button);
+            ASSERT_TRUE(item);
+            EXPECT_TRUE(frame.contains(item->mapRectToScene(QRectF(0, 0, item->width(), item->height()))));
+        }
+        setColorScheme(main.engine(), ColorScheme::light);
+        press(window, Qt::Key_Escape);
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Schemes, DialogPictures, testing::Values(ColorScheme::light, ColorScheme::dark),
+                         [](const auto &row) { return row.param == ColorScheme::dark ? "Dark" : "Light"; });
+
+TEST_P(DialogPictures, ShowASecurePrompt)
+{
+    auto answer = dialogs.securePrompt(
+        {.alert = {.messageText = "Administrator Access Required",
+                   .informativeText = "Brindle needs administrator privileges to mount/unmount EFI partitions. Please "
+                                      "enter your administrator password.",
+                   .style = AlertStyle::informational,
+                   .buttons = {"OK", "Cancel"}},
+         .placeholder = "Administrator Password"});
+
+    expectPicture("prompt-password");
+
+    EXPECT_EQ(blockOn(std::move(answer), 5s), std::nullopt);
+}
+
+TEST_P(DialogPictures, ShowATextPromptWithALongName)
+{
+    auto answer = dialogs.textPrompt(
+        {.alert = {.messageText = "Rename EFI Partition",
+                   .informativeText = "Enter a new name for the EFI partition on A Stick with a Name That Its Maker "
+                                      "Has Made Far Too Long for Any Window, Revision 12B.",
+                   .style = AlertStyle::informational,
+                   .buttons = {"Rename", "Cancel"}},
+         .placeholder = "New name",
+         .text = "BOOT"});
+
+    expectPicture("prompt-rename");
+
+    EXPECT_EQ(blockOn(std::move(answer), 5s), std::nullopt);
+}
+
+TEST_P(DialogPictures, ShowAnAlertLongerThanTheScreen)
+{
+    std::string lines;
+    for (int line = 1; line <= 100; ++line)
+        lines += "Attribute " + std::to_string(line) + ": 100\n";
+    auto answer = dialogs.alert({.messageText = "SMART Details", .informativeText = lines, .buttons = {"OK", "Copy"}});
+
+    expectPicture("alert-long");
+
+    EXPECT_EQ(blockOn(std::move(answer), 5s), 1U);
 }
 
 class SavePanelTest : public QtDialogsTest {

@@ -83,7 +83,7 @@ TEST_F(DiskRowContentPresenterTest, HandsOutTheSpaceBar)
     EXPECT_EQ(row.barColor(), QStringLiteral("red"));
     EXPECT_EQ(row.space().text, QStringLiteral("0 MB of 0 MB used"));
     EXPECT_EQ(row.percent().text, QStringLiteral("91%"));
-    EXPECT_DOUBLE_EQ(row.fillWidth(200), 181);
+    EXPECT_DOUBLE_EQ(row.fillWidth(row.usedRatio(), 200), 181);
 }
 
 TEST_F(DiskRowContentPresenterTest, HandsOutTheEFIIndicatorAsASymbolOrACount)
@@ -112,7 +112,7 @@ TEST_F(DiskRowContentPresenterTest, HasNothingToHandOutOfWhatIsNotShown)
     EXPECT_EQ(row.barColor(), QString());
     EXPECT_EQ(row.space().text, QString());
     EXPECT_EQ(row.percent().text, QString());
-    EXPECT_EQ(row.fillWidth(200), 0);
+    EXPECT_EQ(row.fillWidth(0.5, 200), 0);
     EXPECT_FALSE(row.hasEFIIndicator());
     EXPECT_EQ(row.efiSymbol().name, QString());
     EXPECT_EQ(row.efiLabel().text, QString());

@@ -1,0 +1,26 @@
+import QtQuick
+import Brindle
+
+// The buttons at the right of a row.
+Row {
+    id: root
+    required property RowPresenter presenter
+    property bool isCurrent: false // Tab goes on to them
+    readonly property bool isHovered: hover.hovered
+
+    HoverHandler { id: hover }
+
+    Repeater {
+        model: root.presenter.buttons
+        IconButton {
+            required property var modelData
+
+            objectName: modelData.name
+            symbol: modelData.symbol
+            tip: modelData.tip
+            focusPolicy: root.isCurrent ? Qt.TabFocus : Qt.NoFocus
+            enabled: !root.presenter.isLoading
+            onClicked: root.presenter.perform(modelData.action)
+        }
+    }
+}

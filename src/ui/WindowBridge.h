@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QObject>
+#include <QtQml/qqmlregistration.h>
+
+namespace brindle {
+
+/// What the window's content asks of the window and of the desktop.
+class WindowBridge : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_SINGLETON
+    /// The desktop blends windows, so that the frame can be round; without that it is square with a thin line.
+    Q_PROPERTY(bool isComposited READ isComposited WRITE setIsComposited NOTIFY isCompositedChanged)
+
+public:
+    [[nodiscard]] bool isComposited() const { return m_isComposited; }
+    void setIsComposited(bool isComposited);
+
+    Q_INVOKABLE void copyToClipboard(const QString &text) const;
+
+Q_SIGNALS:
+    void isCompositedChanged();
+
+private:
+    bool m_isComposited = false;
+};
+
+} // namespace brindle

@@ -1,0 +1,43 @@
+import QtQuick
+import Brindle
+
+// All that the window shows: the list of disks in its frame, or the dialog of a copy or an erase in its place.
+Rectangle {
+    id: root
+    required property WindowContentPresenter presenter
+
+    color: Theme.window
+    radius: WindowBridge.isComposited ? Theme.windowRadius : 0
+    border.width: WindowBridge.isComposited ? 0 : 1
+    border.color: Theme.controlBorder
+
+    Shortcut { sequences: [StandardKey.Refresh, "Ctrl+R"]; onActivated: root.presenter.refresh() }
+    Shortcut { sequences: [StandardKey.Close, "Ctrl+W"]; onActivated: root.Window.window.close() }
+    Shortcut { sequences: [StandardKey.Quit, "Ctrl+Q"]; onActivated: root.presenter.quit() }
+
+    Item {
+        objectName: "diskListFrame"
+        anchors.fill: parent
+        visible: root.presenter.content === "diskList"
+
+        DiskListHeaderView {
+            id: header
+            width: parent.width
+            isLoading: root.presenter.isLoading
+            onRefreshTapped: root.presenter.refresh()
+        }
+        DiskListContentView {
+            anchors.top: header.bottom
+            anchors.bottom: footer.top
+            width: parent.width
+            listState: root.presenter.listState
+            rows: root.presenter.rows
+        }
+        DiskListFooterView {
+            id: footer
+            anchors.bottom: parent.bottom
+            width: parent.width
+            presenter: root.presenter
+        }
+    }
+}

@@ -1,0 +1,75 @@
+import QtQuick
+import Brindle
+
+// The row of a disk, and beneath it, where it is open, those of its EFI partitions.
+Column {
+    id: root
+    required property DiskRowPresenter row
+    required property DiskListContentView list
+
+    // Gives the keyboard to the row, or to the row of one of its partitions.
+    function focusRow(identifier: string): void {
+        if (frame.presenter.identifier === identifier) {
+            frame.forceActiveFocus(Qt.TabFocusReason);
+            return;
+        }
+        for (let i = 0; i < partitions.count; ++i) {
+            const partition = partitions.itemAt(i) as WindowEFIPartitionRowView;
+            if (partition && partition.presenter.identifier === identifier) {
+                partition.forceActiveFocus(Qt.TabFocusReason);
+                list.reveal(partition);
+            }
+        }
+    }
+
+    spacing: 4
+    height: row.wholeHeight
+
+    RowFrame {
+        id: frame
+        presenter: root.row
+        list: root.list
+        isOverButton: buttons.isHovered || chevron.hovered
+        width: root.width
+        height: root.row.height
+
+        DiskRowContent {
+            presenter: root.row.content
+            anchors.left: parent.left
+            anchors.right: buttons.left
+            anchors.rightMargin: 6
+            height: parent.height
+        }
+        RowButtons {
+            id: buttons
+            presenter: root.row
+            isCurrent: frame.isCurrent
+            anchors.right: chevron.left
+            anchors.verticalCenter: parent.verticalCenter
+        }
+        IconButton {
+            id: chevron
+            objectName: "chevron"
+            anchors.right: parent.right
+            anchors.verticalCenter: parent.verticalCenter
+            width: visible ? 20 : 0
+            visible: root.row.hasChevron
+            frame: 20
+            size: 10
+            symbol: root.row.chevron
+            tip: root.row.isExpanded ? "Collapse EFI List" : "Expand EFI List"
+            focusPolicy: frame.isCurrent ? Qt.TabFocus : Qt.NoFocus
+            onClicked: root.row.activate()
+        }
+    }
+    Repeater {
+        id: partitions
+        model: root.row.partitions
+        WindowEFIPartitionRowView {
+            required property var modelData
+            presenter: modelData as EFIPartitionRowPresenter
+            list: root.list
+            width: root.width
+        }
+    }
+}

@@ -1,0 +1,159 @@
+#include "views/RowPresenter.h"
+
+#include "base/Error.h"
+#include "base/Spawn.h"
+#include "detectors/DiskDetails.h"
+#include "state/AutoMountMarks.h"
+#include "views/Shown.h"
+
+#include <QPointer>
+
+#include <fmt/format.h>
+
+#include <utility>
+
+namespace brindle {
+
+namespace {
+
+QCoro::Task<> showDiskDetails(Dialogs &dialogs, PhysicalDisk disk)
+{
+    auto showing = dialogs.alert({.messageText = fmt::format("{} — Disk Details", disk.name),
+                                  .informativeText = diskDetailsText(disk),
+                                  .style = AlertStyle::informational,
+                                  .buttons = {"OK"}});
+    co_await showing;
+}
+
+/// Keeps \a actions until \a work is done. What fails was told where it failed.
+QCoro::Task<> run(std::shared_ptr<RowActions> actions, std::function<QCoro::Task<>(RowActions &)> work)
+{
+    try {
+        auto task = work(*actions);
+        co_await task;
+    } catch (const Error &) {
+    }
+}
+
+QCoro::Task<> ignoreOutput(QCoro::Task<std::string> task)
+{
+    co_await task;
+}
+
+} // namespace
+
+RowPresenter::RowPresenter(RowActions::Row row, RowSurroundings &surroundings, QObject *parent)
+    : QObject(parent),
+      m_surroundings(surroundings),
+      m_actions(std::make_shared<RowActions>(row, surroundings.model, callbacks()))
+{
+}
+
+QVariantList RowPresenter::buttons() const
+{
+    QVariantList list;
+    for (const RowButton &button : rowButtons())
+        list << QVariant::fromValue(RowButtonValue{.name = shown(button.name),
+                                                   .symbol = shown(button.symbol),
+                                                   .tip = shown(button.tip),
+                                                   .action = static_cast<int>(button.action)});
+    return list;
+}
+
+void RowPresenter::perform(RowAction action)
+{
+    switch (action) {
+    case RowAction::toggleMount:
+    case RowAction::open:
+    case RowAction::copyEFI:
+    case RowAction::quickEdit:
+    case RowAction::renameEFI:
+    case RowAction::eraseEFI:
+        if (const EFIPartition *partition = partitionFor(action))
+            performOnPartition(action, *partition);
+        break;
+    case RowAction::toggleExpanded:
+    case RowAction::toggleAutoMount:
+    case RowAction::viewDetails:
+    case RowAction::renameVolume:
+    case RowAction::eject:
+    case RowAction::eraseDisk:
+    case RowAction::refresh:
+        performOnDisk(action);
+        break;
+    }
+}
+
+void RowPresenter::performOnPartition(RowAction action, const EFIPartition &partition)
+{
+    if (action == RowAction::toggleMount)
+        begin([disk = disk(), partition](RowActions &actions) { return actions.toggle(disk, partition); });
+    else if (action == RowAction::open)
+        m_actions->open(partition);
+    else if (action == RowAction::copyEFI)
+        m_surroundings.onCopyEFI(disk(), partition);
+    else if (action == RowAction::quickEdit)
+        m_actions->quickEdit(partition);
+    else if (action == RowAction::renameEFI)
+        begin([disk = disk(), partition](RowActions &actions) { return actions.askToRenameEFI(disk, partition); });
+    else
+        m_surroundings.eraseFlow.openForEFIPartition(disk(), partition,
+                                                     {m_surroundings.onOperationStart, m_surroundings.onOperationEnd});
+}
+
+void RowPresenter::performOnDisk(RowAction action)
+{
+    if (action == RowAction::toggleExpanded)
+        m_surroundings.model.diskManager.toggleExpanded(disk().identifier);
+    else if (action == RowAction::toggleAutoMount)
+        toggleAutoMount();
+    else if (action == RowAction::viewDetails)
+        begin([&dialogs = m_surroundings.model.dialogs, disk = disk()](RowActions &) {
+            return showDiskDetails(dialogs, disk);
+        });
+    else if (action == RowAction::renameVolume)
+        begin([disk = disk()](RowActions &actions) { return actions.askToRenameVolume(disk); });
+    else if (action == RowAction::eject)
+        begin([disk = disk()](RowActions &actions) { return ignoreOutput(actions.eject(disk)); });
+    else if (action == RowAction::eraseDisk)
+        m_surroundings.eraseFlow.openForDisk(disk(), {m_surroundings.onOperationStart, m_surroundings.onOperationEnd});
+    else
+        m_surroundings.onRefresh();
+}
+
+void RowPresenter::toggleAutoMount()
+{
+    if (!disk().mediaUUID)
+        return;
+    AutoMountMarks marks = autoMountMarks(m_surroundings.userDefaults);
+    if (marks.erase(*disk().mediaUUID) == 0)
+        marks.emplace(*disk().mediaUUID, disk().name);
+    setAutoMountMarks(m_surroundings.userDefaults, marks);
+}
+
+void RowPresenter::begin(std::function<QCoro::Task<>(RowActions &actions)> work)
+{
+    spawn([actions = m_actions, work = std::move(work)] { return run(actions, work); });
+}
+
+RowActions::Callbacks RowPresenter::callbacks()
+{
+    const QPointer<RowPresenter> self(this);
+    const auto tell = [self] {
+        if (self)
+            Q_EMIT self->isLoadingChanged();
+    };
+    RowSurroundings &container = m_surroundings;
+    return {.onOperationStart =
+                [tell, &container](const std::string &status) {
+                    tell();
+                    container.onOperationStart(status);
+                },
+            .onOperationEnd =
+                [tell, &container] {
+                    tell();
+                    container.onOperationEnd();
+                }};
+}
+
+} // namespace brindle

@@ -1,0 +1,98 @@
+#pragma once
+
+#include "efi/EFICopyManager.h"
+#include "efi/EraseOperationManager.h"
+#include "platform/DelayedCalls.h"
+#include "shell/EFICopyState.h"
+#include "shell/ViewHeightCalculator.h"
+#include "views/DiskRowsModel.h"
+#include "views/EFICopyFlow.h"
+#include "views/FooterStatus.h"
+
+#include <QObject>
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace brindle {
+
+/// What the window shows: the list of disks with its header and footer, or the copy or erase dialog in its place; and
+/// how high that is. Owns the status line of the rows' operations. Main thread only.
+class WindowContentPresenter : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString content READ content NOTIFY contentChanged) // "diskList", "efiCopy" or "erase"
+    Q_PROPERTY(brindle::DiskRowsModel *rows READ rows CONSTANT)
+    Q_PROPERTY(QString listState READ listState NOTIFY listStateChanged) // "firstScan", "rows", "scanning" or "empty"
+    Q_PROPERTY(bool isLoading READ isLoading NOTIFY listStateChanged)    // a scan runs
+    Q_PROPERTY(double spinnerScale READ spinnerScale NOTIFY footerChanged)
+    Q_PROPERTY(QString statusSymbol READ statusSymbol NOTIFY footerChanged)
+    Q_PROPERTY(QString statusColor READ statusColor NOTIFY footerChanged)
+    Q_PROPERTY(QString statusText READ statusText NOTIFY footerChanged)
+
+public:
+    /// Changes that come together lead to one change of the height.
+    static constexpr std::chrono::milliseconds kHeightDelay{50};
+
+    /// What the window shows and acts on; all of it outlives the window.
+    struct Surroundings {
+        RowActions::Model model;
+        EFICopyManager &efiCopyManager;
+        EraseOperationManager &eraseManager;
+        EraseFlow &eraseFlow;
+        UserDefaults &userDefaults;
+        Scheduler &scheduler;
+    };
+
+    explicit WindowContentPresenter(const Surroundings &surroundings, QObject *parent = nullptr);
+
+    [[nodiscard]] QString content() const;
+    [[nodiscard]] DiskRowsModel *rows() { return &m_rows; }
+    [[nodiscard]] QString listState() const;
+    [[nodiscard]] bool isLoading() const { return m_diskManager.isLoadingDisks(); }
+    [[nodiscard]] double spinnerScale() const { return footer().spinnerScale; }
+    [[nodiscard]] QString statusSymbol() const;
+    [[nodiscard]] QString statusColor() const;
+    [[nodiscard]] QString statusText() const;
+
+    [[nodiscard]] EFICopyFlow &copyFlow() { return m_copyFlow; }
+
+    /// The height in points that the content wants, before it is cut to the screen.
+    [[nodiscard]] double contentHeight() const;
+
+    void setColorScheme(ColorScheme colorScheme) { m_rows.setColorScheme(colorScheme); }
+
+    // What header and footer offer.
+    Q_INVOKABLE void refresh(); ///< Nothing while a scan runs.
+    Q_INVOKABLE void quit();
+
+Q_SIGNALS:
+    void contentChanged();
+    void listStateChanged();
+    void footerChanged();
+    void contentHeightChanged(); ///< contentHeight() may differ from before.
+    void quitRequested();
+
+private:
+    void observe();
+    void setStatus(std::string statusMessage, bool isPerformingOperation);
+    void updateRows();
+    void requestHeight();
+    [[nodiscard]] FooterStatus footer() const;
+    [[nodiscard]] std::optional<EFICopyState> copyState() const;
+
+    DiskManager &m_diskManager;
+    EFICopyManager &m_efiCopyManager;
+    EraseOperationManager &m_eraseManager;
+    UserDefaults &m_userDefaults;
+    Scheduler &m_scheduler;
+    EFICopyFlow m_copyFlow;
+    RowSurroundings m_rowSurroundings;
+    DiskRowsModel m_rows;
+    std::string m_statusMessage;
+    bool m_isPerformingOperation = false;
+    std::unique_ptr<Scheduler::Timer> m_heightUpdate;
+};
+
+} // namespace brindle
