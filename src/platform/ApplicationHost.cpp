@@ -6,18 +6,20 @@ namespace brindle {
 
 void ApplicationHost::finishLaunching()
 {
-    m_delegate->applicationDidFinishLaunching();
+    if (m_delegate)
+        m_delegate->applicationDidFinishLaunching();
 }
 
 void ApplicationHost::reopen(bool hasVisibleWindows)
 {
     activate();
-    m_delegate->applicationShouldHandleReopen(hasVisibleWindows);
+    if (m_delegate)
+        m_delegate->applicationShouldHandleReopen(hasVisibleWindows);
 }
 
 void ApplicationHost::lastWindowClosed()
 {
-    if (m_delegate->applicationShouldTerminateAfterLastWindowClosed())
+    if (m_delegate && m_delegate->applicationShouldTerminateAfterLastWindowClosed())
         terminate();
 }
 
@@ -25,7 +27,8 @@ void ApplicationHost::terminate()
 {
     if (std::exchange(m_isTerminating, true))
         return;
-    m_delegate->applicationWillTerminate();
+    if (m_delegate)
+        m_delegate->applicationWillTerminate();
     quit();
 }
 

@@ -45,7 +45,8 @@ public:
 
     virtual ~ApplicationHost() = default;
 
-    void setDelegate(ApplicationDelegate *delegate) { m_delegate = delegate; } ///< Outlives the event loop.
+    /// Null for none: nobody decides then, and the program goes on until terminate().
+    void setDelegate(ApplicationDelegate *delegate) { m_delegate = delegate; }
 
     /// To be called once, before the event loop runs.
     void finishLaunching();

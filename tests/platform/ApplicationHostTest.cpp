@@ -63,6 +63,19 @@ TEST_F(ApplicationHostTest, GoesOnWithoutWindowsWhereTheDelegateSaysSo)
     EXPECT_THAT(journal, ElementsAre());
 }
 
+TEST_F(ApplicationHostTest, EndsByItselfAloneWithoutADelegate)
+{
+    host.setDelegate(nullptr);
+
+    host.finishLaunching();
+    host.reopen(false);
+    host.lastWindowClosed();
+    EXPECT_THAT(journal, ElementsAre("activate"));
+
+    host.terminate();
+    EXPECT_THAT(journal, ElementsAre("activate", "quit"));
+}
+
 TEST_F(ApplicationHostTest, EndsOnceHoweverOftenItIsAskedTo)
 {
     host.terminate();
