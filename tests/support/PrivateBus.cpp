@@ -18,7 +18,7 @@ constexpr const char *kConfiguration =
 <busconfig>
   <type>session</type>
   <listen>unix:path=%1/bus</listen>
-  <policy context="default"><allow send_destination="*"/><allow receive_sender="*"/><allow own="*"/></policy>
+  <policy context="default"><allow send_destination="*"/><allow receive_sender="*"/><allow own="*"/>%2</policy>
 </busconfig>
 )";
 
@@ -27,6 +27,11 @@ const QTemporaryDir &folder()
 {
     static const QTemporaryDir folder;
     return folder;
+}
+
+QString configurationPath()
+{
+    return folder().filePath(QStringLiteral("bus.conf"));
 }
 
 } // namespace
@@ -44,13 +49,30 @@ PrivateBus::PrivateBus() : m_addressBefore(qgetenv("DBUS_SESSION_BUS_ADDRESS"))
 
 void PrivateBus::start()
 {
-    QFile configuration(folder().filePath(QStringLiteral("bus.conf")));
-    EXPECT_TRUE(configuration.open(QIODevice::WriteOnly));
-    configuration.write(QString::fromLatin1(kConfiguration).arg(folder().path()).toUtf8());
-    configuration.close();
+    configure({});
     m_daemon.start(QStringLiteral("dbus-daemon"), {QStringLiteral("--nofork"), QStringLiteral("--print-address"),
-                                                   QStringLiteral("--config-file=") + configuration.fileName()});
+                                                   QStringLiteral("--config-file=") + configurationPath()});
     EXPECT_TRUE(m_daemon.waitForReadyRead(kPatience)) << m_daemon.readAllStandardError().toStdString();
+}
+
+void PrivateBus::refuse(const char *interface, const char *member)
+{
+    configure(QStringLiteral("<deny send_interface=\"%1\" send_member=\"%2\"/>")
+                  .arg(QLatin1String(interface), QLatin1String(member)));
+    QProcess reload;
+    reload.start(QStringLiteral("dbus-send"),
+                 {QStringLiteral("--session"), QStringLiteral("--print-reply"),
+                  QStringLiteral("--dest=org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+                  QStringLiteral("org.freedesktop.DBus.ReloadConfig")});
+    EXPECT_TRUE(reload.waitForFinished(kPatience) && reload.exitCode() == 0)
+        << reload.readAllStandardError().toStdString();
+}
+
+void PrivateBus::configure(const QString &policy)
+{
+    QFile configuration(configurationPath());
+    EXPECT_TRUE(configuration.open(QIODevice::WriteOnly));
+    configuration.write(QString::fromLatin1(kConfiguration).arg(folder().path(), policy).toUtf8());
 }
 
 PrivateBus::~PrivateBus()

@@ -91,11 +91,20 @@ private:
     Object<SecretService> m_service;
 };
 
-Items search(const Service &service, const SecretKey &key, int flags)
+struct Found {
+    Items items;
+    bool hasFailed = false; ///< The service has not told whether there are any.
+};
+
+Found search(const Service &service, const SecretKey &key, int flags)
 {
     const Attributes attributes = attributesOf(key);
-    return Items(secret_service_search_sync(service.get(), schema(), attributes.get(),
-                                            static_cast<SecretSearchFlags>(flags), nullptr, nullptr));
+    GError *failure = nullptr;
+    Found found{.items = Items(secret_service_search_sync(service.get(), schema(), attributes.get(),
+                                                          static_cast<SecretSearchFlags>(flags), nullptr, &failure))};
+    found.hasFailed = failure != nullptr;
+    g_clear_error(&failure);
+    return found;
 }
 
 /// Deletes an item that is not locked. A service that would rather ask the user first keeps it.
@@ -142,10 +151,10 @@ std::optional<Secret> SecretServiceStore::find(const SecretKey &key)
     const Service service;
     if (!service)
         return std::nullopt;
-    const Items items = search(service, key, SECRET_SEARCH_LOAD_SECRETS);
-    if (!items)
+    const Found found = search(service, key, SECRET_SEARCH_LOAD_SECRETS);
+    if (!found.items)
         return std::nullopt;
-    const Value value(secret_item_get_secret(SECRET_ITEM(items->data)));
+    const Value value(secret_item_get_secret(SECRET_ITEM(found.items->data)));
     if (!value)
         return std::nullopt;
     gsize size = 0;
@@ -158,9 +167,11 @@ int SecretServiceStore::remove(const SecretKey &key)
     const Service service;
     if (!service)
         return kNotAvailable;
-    const Items items = search(service, key, SECRET_SEARCH_ALL);
-    int status = items ? kDone : kItemNotFound;
-    for (const GList *node = items.get(); node; node = node->next) {
+    const Found found = search(service, key, SECRET_SEARCH_ALL);
+    if (found.hasFailed)
+        return kNotAvailable;
+    int status = found.items ? kDone : kItemNotFound;
+    for (const GList *node = found.items.get(); node; node = node->next) {
         SecretItem *item = SECRET_ITEM(node->data);
         const int itemStatus = secret_item_get_locked(item) ? kInteractionNotAllowed : deleteItem(item);
         if (itemStatus != kDone)

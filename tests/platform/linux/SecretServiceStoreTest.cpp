@@ -102,6 +102,15 @@ TEST_F(SecretServiceStoreTest, SurvivesTheEndOfTheServiceAndOfTheBus)
     EXPECT_EQ(store.remove(kKey), SecretStore::kNotAvailable);
 }
 
+TEST_F(SecretServiceStoreTest, TakesASearchThatFailsForNoSignThatNothingIsStored)
+{
+    (void)store.add(kKey, Secret("open sesame"));
+    session->refuse("org.freedesktop.Secret.Service", "SearchItems");
+
+    EXPECT_FALSE(store.find(kKey));
+    EXPECT_EQ(store.remove(kKey), SecretStore::kNotAvailable);
+}
+
 TEST_F(SecretServiceStoreTest, LeavesNoCopyInMemory)
 {
     (void)store.add(kKey, maskedPassword());
