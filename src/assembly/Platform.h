@@ -31,8 +31,9 @@ struct Platform {
     std::unique_ptr<UserNotifications> userNotifications;
     std::unique_ptr<Dialogs> dialogs; ///< A program that can ask somebody puts its own here: makePlatform() can't.
     ToolPaths toolPaths;
-    bool isRoot = false;           ///< The process has root's rights on the machine that the tools are of.
-    bool mountsMarkedDisks = true; ///< When they are plugged in.
+    bool isRoot = false;                 ///< The process has root's rights on the machine that the tools are of.
+    bool isSecretStoreTemporary = false; ///< What it holds ends with the process.
+    bool mountsMarkedDisks = true;       ///< When they are plugged in.
 };
 
 /// What stands in place of the system's own; absent for what does not.

@@ -36,9 +36,14 @@ std::string suppliedModule(std::string_view name)
     return fmt::format("{}/lib/brindle-{}.so", suppliedFolder(), name);
 }
 
+bool hasTemporarySecretStore(const PlatformChanges &changes)
+{
+    return changes.toolRoot || changes.password;
+}
+
 std::unique_ptr<SecretStore> secretStoreFor(const PlatformChanges &changes)
 {
-    if (!changes.toolRoot && !changes.password)
+    if (!hasTemporarySecretStore(changes))
         return std::make_unique<LinuxSecretStore>(suppliedModule("secret-service"));
     auto store = std::make_unique<MemorySecretStore>();
     if (changes.password)
@@ -82,6 +87,7 @@ Platform makePlatform(const PlatformChanges &changes)
         .toolPaths =
             changes.toolRoot ? ToolPaths::underRoot(*changes.toolRoot) : ToolPaths::withSuppliedTools(suppliedFolder()),
         .isRoot = !changes.toolRoot && geteuid() == 0,
+        .isSecretStoreTemporary = hasTemporarySecretStore(changes),
     };
 }
 

@@ -47,7 +47,8 @@ KeychainHelper::KeychainHelper(Surroundings surroundings)
     : m_surroundings(std::move(surroundings)),
       m_processes(m_surroundings.childProcesses, m_surroundings.scheduler)
 {
-    migrateLegacyPasswords();
+    if (!m_surroundings.isRoot && !m_surroundings.isSecretStoreTemporary)
+        migrateLegacyPasswords();
 }
 
 bool KeychainHelper::storePassword(const Secret &password)

@@ -41,9 +41,12 @@ public:
         /// The process has root's rights: sudo would ask for no password and hand it on to the tool, so that the tool
         /// is run directly and no password is asked for, stored or read.
         bool isRoot = false;
+        /// What the store holds ends with the process: no place to carry a password over to.
+        bool isSecretStoreTemporary = false;
     };
 
-    /// Carries over, once, the password that an earlier version has stored under another name.
+    /// Carries over, once, the password that an earlier version has stored under another name, to a store that lasts
+    /// and unless the process is root's.
     explicit KeychainHelper(Surroundings surroundings);
 
     /// Replaces the stored password; false where \a password is empty or no UTF-8 or the store refuses it.

@@ -33,6 +33,7 @@ TEST_F(PlatformTest, NeverOpensTheRealSecretStoreWhereAFolderStandsForTheMachine
     const Platform platform = makePlatform(withToolRoot);
 
     EXPECT_TRUE(dynamic_cast<MemorySecretStore *>(platform.secretStore.get()));
+    EXPECT_TRUE(platform.isSecretStoreTemporary);
     EXPECT_EQ(platform.toolPaths.sudo(), root() + "/usr/bin/sudo");
 }
 
@@ -44,6 +45,7 @@ TEST_F(PlatformTest, HoldsAGivenPasswordInMemoryAlone)
     const Platform platform = makePlatform(withPassword);
 
     ASSERT_TRUE(dynamic_cast<MemorySecretStore *>(platform.secretStore.get()));
+    EXPECT_TRUE(platform.isSecretStoreTemporary);
     EXPECT_EQ(platform.secretStore->find({"com.orlane.Brindle", "admin-password"}), Secret("open sesame"));
 }
 
@@ -61,6 +63,7 @@ TEST_F(PlatformTest, KeepsSecretsInTheSystemsStoreOtherwise)
     const Platform platform = makePlatform(changes());
 
     EXPECT_TRUE(dynamic_cast<LinuxSecretStore *>(platform.secretStore.get()));
+    EXPECT_FALSE(platform.isSecretStoreTemporary);
     EXPECT_EQ(platform.toolPaths.sudo(), "/usr/bin/sudo");
 }
 

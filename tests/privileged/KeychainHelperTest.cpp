@@ -330,6 +330,21 @@ TEST_F(KeychainMigration, IsDoneAlsoWhereThereIsNothingToTake)
     EXPECT_EQ(log.lines().back(), "✅ Keychain migration already completed");
 }
 
+TEST_F(KeychainMigration, WaitsForAStoreThatLastsAndForAnotherUserThanRoot)
+{
+    KeychainHelper::Surroundings temporary = surroundings();
+    temporary.isSecretStoreTemporary = true;
+    KeychainHelper::Surroundings root = surroundings();
+    root.isRoot = true;
+
+    const KeychainHelper onTemporaryStore(std::move(temporary));
+    const KeychainHelper ofRoot(std::move(root));
+
+    EXPECT_THAT(store.calls, IsEmpty());
+    EXPECT_THAT(log.lines(), IsEmpty());
+    EXPECT_FALSE(defaults.object(DefaultsKeys::kHasRunBundleIDMigration));
+}
+
 TEST_F(KeychainMigration, LeavesTheLegacyItemsAndReplacesTheCurrentOneUnproved)
 {
     (void)store.add(kFirstLegacyKey, Secret("old"));

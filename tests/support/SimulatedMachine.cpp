@@ -245,7 +245,8 @@ Platform SimulatedMachine::platform() const
             .workspace = std::make_unique<NoWorkspace>(),
             .userNotifications = std::make_unique<NoNotifications>(),
             .dialogs = std::make_unique<NoDialogs>(),
-            .toolPaths = ToolPaths::underRoot(m_root.string())};
+            .toolPaths = ToolPaths::underRoot(m_root.string()),
+            .isSecretStoreTemporary = true};
 }
 
 SimulatedScan SimulatedMachine::scan()
