@@ -18,7 +18,6 @@ namespace {
 
 constexpr const char *kOpenFinder = "OPEN_FINDER";
 constexpr const char *kEFIIdentifier = "efiIdentifier";
-constexpr const char *kVolumesFolder = "/Volumes";
 
 /// What one event is told by.
 struct Announcement {
@@ -146,7 +145,7 @@ void NotificationManager::didReceive(const NotificationResponse &response,
         if (efiIdentifier)
             openMountPoint(*efiIdentifier);
         else
-            m_workspace.openFile(kVolumesFolder);
+            m_workspace.openFile(Workspace::kVolumesFolder);
     }
     completionHandler();
 }

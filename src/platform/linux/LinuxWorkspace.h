@@ -14,13 +14,15 @@ class LinuxWorkspace final : public Workspace {
 public:
     explicit LinuxWorkspace(const Scheduler &clock) : m_clock(clock) {} ///< Outlives the workspace.
 
-    /// A path that was asked for less than two seconds ago is passed over: a mount opens its folder, and so does the
-    /// row that asked for the mount.
+    /// A folder that was asked for less than two seconds ago is passed over: a mount opens its folder, and so does the
+    /// row that asked for the mount. All volumes are in /run/media/USER.
     void openFile(const std::string &path) override;
 
 private:
+    [[nodiscard]] bool wasJustOpened(const std::string &folder);
+
     const Scheduler &m_clock;
-    std::map<std::string, Scheduler::Date> m_openedAt; ///< By path.
+    std::map<std::string, Scheduler::Date> m_openedAt; ///< By folder.
 };
 
 } // namespace brindle

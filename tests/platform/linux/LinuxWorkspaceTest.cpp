@@ -12,6 +12,10 @@
 #include <chrono>
 #include <filesystem>
 #include <string>
+#include <vector>
+
+#include <pwd.h>
+#include <unistd.h>
 
 namespace brindle {
 namespace {
@@ -32,6 +36,22 @@ protected:
     ~LinuxWorkspaceTest() override { qputenv("PATH", m_path); }
 
     std::string root() { return m_folder.path().toStdString(); }
+
+    std::string folder(const char *name)
+    {
+        const std::string path = root() + "/" + name;
+        fs::create_directory(path);
+        return path;
+    }
+
+    /// What is noted when \a paths are opened one after the other.
+    static std::string lines(const std::vector<std::string> &paths)
+    {
+        std::string text;
+        for (const std::string &path : paths)
+            text += "1|" + path + "\n";
+        return text;
+    }
 
     /// What was opened, once there are \a count lines of it.
     std::string opened(std::ptrdiff_t count)
@@ -59,18 +79,42 @@ TEST_F(LinuxWorkspaceTest, HandsThePathToTheOpenerAsOneArgument)
     EXPECT_EQ(opened(1), "1|/media/$(reboot); a b é\n");
 }
 
-TEST_F(LinuxWorkspaceTest, OpensAPathOnceWithinTwoSeconds)
+TEST_F(LinuxWorkspaceTest, OpensAFolderOnceWithinTwoSeconds)
 {
-    workspace.openFile("/media/one");
-    clock.advance(1999ms);
-    workspace.openFile("/media/one");
-    EXPECT_EQ(opened(1), "1|/media/one\n");
+    const std::string one = folder("one");
+    const std::string two = folder("two");
 
-    workspace.openFile("/media/two");
-    EXPECT_EQ(opened(2), "1|/media/one\n1|/media/two\n");
+    workspace.openFile(one);
+    clock.advance(1999ms);
+    workspace.openFile(one);
+    EXPECT_EQ(opened(1), lines({one}));
+
+    workspace.openFile(two);
+    EXPECT_EQ(opened(2), lines({one, two}));
     clock.advance(1ms);
-    workspace.openFile("/media/one");
-    EXPECT_EQ(opened(3), "1|/media/one\n1|/media/two\n1|/media/one\n");
+    workspace.openFile(one);
+    EXPECT_EQ(opened(3), lines({one, two, one}));
+}
+
+TEST_F(LinuxWorkspaceTest, OpensAFileAsOftenAsItIsAskedTo)
+{
+    const std::string file = folder("one") + "/config.plist";
+    writeFile(file, "");
+
+    workspace.openFile(file);
+    workspace.openFile(file);
+
+    EXPECT_EQ(opened(2), lines({file, file}));
+}
+
+TEST_F(LinuxWorkspaceTest, OpensTheUsersFolderOfRemovableMediaForThatOfAllVolumes)
+{
+    const passwd *const user = ::getpwuid(::getuid());
+    ASSERT_TRUE(user);
+
+    workspace.openFile("/Volumes");
+
+    EXPECT_EQ(opened(1), lines({std::string("/run/media/") + user->pw_name}));
 }
 
 TEST_F(LinuxWorkspaceTest, OpensNothingWithoutAnOpener)
