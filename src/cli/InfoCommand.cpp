@@ -4,13 +4,12 @@
 #include "base/BlockOn.h"
 #include "base/Text.h"
 #include "base/VisibleText.h"
+#include "cli/Acting.h"
 #include "detectors/DiskDetails.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <cstdio>
 #include <memory>
 #include <string>
 #include <utility>
@@ -22,14 +21,11 @@ namespace {
 ExitStatus printInfo(Platform platform, const std::string &identifier)
 {
     Assembly assembly(std::move(platform));
-    const std::vector<PhysicalDisk> &disks = assembly.diskManager().disks();
     blockOn(assembly.diskManager().startScan(false));
 
-    const auto disk = std::ranges::find(disks, identifier, &PhysicalDisk::identifier);
-    if (disk == disks.end()) {
-        fmt::print(stderr, "brindlectl: There is no disk \"{}\"\n", visibleText(identifier));
-        return ExitStatus::notFound;
-    }
+    const auto disk = findDisk(assembly.diskManager(), identifier);
+    if (!disk)
+        return tellNotFound("disk", identifier);
     const std::string details = diskDetailsText(*disk);
     for (const std::string_view line : Lines(details))
         fmt::print("{}\n", visibleText(line));

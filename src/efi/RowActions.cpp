@@ -5,11 +5,11 @@
 #include "base/DefaultsKeys.h"
 #include "base/Log.h"
 #include "base/Text.h"
+#include "records/FindDisk.h"
 #include "records/Preferences.h"
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <string_view>
 #include <utility>
@@ -17,17 +17,6 @@
 namespace brindle {
 
 namespace {
-
-/// The partition as the list has it now; null where no disk has it any more.
-const EFIPartition *freshRecord(const std::vector<PhysicalDisk> &disks, std::string_view identifier)
-{
-    for (const PhysicalDisk &disk : disks) {
-        const auto partition = std::ranges::find(disk.efiPartitions, identifier, &EFIPartition::identifier);
-        if (partition != disk.efiPartitions.end())
-            return &*partition;
-    }
-    return nullptr;
-}
 
 std::string givenOr(const std::optional<std::string> &name, const std::string &otherwise)
 {
@@ -103,7 +92,7 @@ QCoro::Task<> RowActions::mount(PhysicalDisk disk, EFIPartition partition)
     co_await mounting;
     if (!isOn(m_model.userDefaults, DefaultsKeys::kAutoOpenFinderOnMount))
         co_return;
-    if (const EFIPartition *fresh = freshRecord(m_model.diskManager.disks(), partition.identifier))
+    if (const EFIPartition *fresh = findEFIPartition(m_model.diskManager.disks(), partition.identifier))
         open(*fresh);
 }
 

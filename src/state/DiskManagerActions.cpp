@@ -2,6 +2,7 @@
 
 #include "base/DefaultsKeys.h"
 #include "base/Log.h"
+#include "records/FindDisk.h"
 #include "records/Preferences.h"
 
 #include <algorithm>
@@ -18,18 +19,6 @@ namespace {
 
 // The first that exists is opened.
 constexpr std::array kConfigPaths{"EFI/OC/config.plist", "EFI/CLOVER/config.plist"};
-
-auto partitionIn(auto &disk, const std::string &identifier)
-{
-    return std::ranges::find(disk.efiPartitions, identifier, &EFIPartition::identifier);
-}
-
-/// The first of \a disks that holds the EFI partition, as an iterator.
-auto diskWithPartition(auto &disks, const std::string &identifier)
-{
-    return std::ranges::find_if(
-        disks, [&](const auto &disk) { return partitionIn(disk, identifier) != disk.efiPartitions.end(); });
-}
 
 } // namespace
 
@@ -68,14 +57,14 @@ QCoro::Task<> DiskManager::updateEFIPartitionState(std::string identifier)
 
 void DiskManager::replaceEFIPartition(const EFIPartition &partition)
 {
-    const auto place = diskWithPartition(m_disks, partition.identifier);
-    if (place == m_disks.end())
+    const PhysicalDisk *const place = findDiskOfEFIPartition(m_disks, partition.identifier);
+    if (!place)
         return;
     PhysicalDisk disk = *place;
-    *partitionIn(disk, partition.identifier) = partition;
+    std::ranges::replace(disk.efiPartitions, partition.identifier, partition, &EFIPartition::identifier);
     detectBootloaderFlags(disk);
     Log::line("   🔍 Bootloader re-detection — OC: {}, Clover: {}", disk.hasOpenCore, disk.hasClover);
-    *place = disk;
+    m_disks[static_cast<std::size_t>(place - m_disks.data())] = disk;
     Q_EMIT disksChanged();
     setEFIState(disk.identifier, mountedEFIPartition(disk) != nullptr);
     Q_EMIT changed();
@@ -84,8 +73,8 @@ void DiskManager::replaceEFIPartition(const EFIPartition &partition)
 
 QCoro::Task<> DiskManager::openConfigPlist(std::string identifier)
 {
-    const auto disk = diskWithPartition(m_disks, identifier);
-    const auto mountPoint = disk == m_disks.end() ? std::nullopt : partitionIn(*disk, identifier)->mountPoint;
+    const PhysicalDisk *const disk = findDiskOfEFIPartition(m_disks, identifier);
+    const auto mountPoint = disk ? findEFIPartition(*disk, identifier)->mountPoint : std::nullopt;
     if (!mountPoint) {
         Log::line("   ⚠️ Auto-open config.plist: couldn't resolve mount point for {}", identifier);
         co_return;
@@ -102,8 +91,8 @@ QCoro::Task<> DiskManager::openConfigPlist(std::string identifier)
 QCoro::Task<std::string> DiskManager::ejectDisk(std::string identifier)
 {
     Log::line("🔄 Ejecting disk: {}", identifier);
-    const auto disk = std::ranges::find(m_disks, identifier, &PhysicalDisk::identifier);
-    const bool hadMountedEFI = disk != m_disks.end() && mountedEFIPartition(*disk);
+    const PhysicalDisk *const disk = findDisk(m_disks, identifier);
+    const bool hadMountedEFI = disk && mountedEFIPartition(*disk);
     auto ejecting = m_tools.run(m_paths.diskutil(), {"eject", identifier});
     std::string output = co_await ejecting;
     forgetDisk(identifier);
