@@ -85,7 +85,7 @@ constexpr auto kLabelRules = std::to_array<LabelRule>({
      [](Reading &reading, LabelledLine line) { reading.facts.fileSystem = std::move(line.value); }},
     {"File System Personality:", fillFileSystem},
     {"Type (Bundle):", fillFileSystem},
-    {"Mount Point:", setMountPoint},
+    {ToolText::kMountPointLabel, setMountPoint},
     {"Removable Media:", [](Reading &reading, LabelledLine line) { reading.facts.isRemovable = line.saysYes(); }},
     {"Read-Only Media:", [](Reading &reading, LabelledLine line) { reading.facts.isWritable = !line.saysYes(); }},
     {"Device Location:", [](Reading &reading, LabelledLine line) { reading.facts.location = std::move(line.value); }},

@@ -14,7 +14,7 @@ void readLine(EFIPartition &partition, std::string_view line)
     if (auto name = ToolText::valueOf(line, "Volume Name:")) {
         if (ToolText::isGiven(*name))
             partition.volumeName = std::move(name);
-    } else if (auto mountPoint = ToolText::valueOf(line, "Mount Point:")) {
+    } else if (auto mountPoint = ToolText::valueOf(line, ToolText::kMountPointLabel)) {
         if (ToolText::isGiven(*mountPoint)) {
             partition.mountPoint = std::move(mountPoint);
             partition.isMounted = true;

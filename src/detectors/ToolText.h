@@ -10,6 +10,9 @@
 /// What the readers of the tools' text look for, again and again. Each look takes time in proportion to the text.
 namespace brindle::ToolText {
 
+/// The label of the folder that `diskutil info` says a volume is mounted at.
+inline constexpr std::string_view kMountPointLabel = "Mount Point:";
+
 inline constexpr std::string_view kDeviceFolder = "/dev/";
 
 /// How the header of a disk begins in `diskutil list`, "/dev/disk2 (external, physical):", and its line in `df`.

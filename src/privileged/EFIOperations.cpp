@@ -14,12 +14,10 @@ namespace brindle {
 
 namespace {
 
-constexpr std::string_view kMountPointLabel = "Mount Point:";
-
 /// Looks at the whole text: a partition with "Not applicable" in any of its fields counts as unmounted.
 bool tellsOfAMount(std::string_view info)
 {
-    return contains(info, kMountPointLabel) && !contains(info, "Not applicable") &&
+    return contains(info, ToolText::kMountPointLabel) && !contains(info, "Not applicable") &&
            !contains(info, "could not be found");
 }
 
@@ -27,7 +25,7 @@ bool tellsOfAMount(std::string_view info)
 std::optional<std::string> mountPointIn(std::string_view info)
 {
     for (const std::string_view line : Lines(info)) {
-        if (auto value = ToolText::valueOf(trimmed(line), kMountPointLabel))
+        if (auto value = ToolText::valueOf(trimmed(line), ToolText::kMountPointLabel))
             return ToolText::isGiven(*value) ? std::move(value) : std::nullopt;
     }
     return std::nullopt;

@@ -53,14 +53,13 @@ std::vector<NotificationCategory> categories()
     };
 }
 
-/// What follows the first "Mount Point:" of the whole text, up to the end of that line.
+/// What follows the first label of a mount point in the whole text, up to the end of that line.
 std::optional<std::string> mountPointIn(std::string_view info)
 {
-    constexpr std::string_view kLabel = "Mount Point:";
-    const std::size_t label = info.find(kLabel);
+    const std::size_t label = info.find(ToolText::kMountPointLabel);
     if (label == std::string_view::npos)
         return std::nullopt;
-    const std::string_view rest = info.substr(label + kLabel.size());
+    const std::string_view rest = info.substr(label + ToolText::kMountPointLabel.size());
     const std::string_view value = trimmed(rest.substr(0, rest.find('\n')));
     return ToolText::isGiven(value) ? std::optional<std::string>(value) : std::nullopt;
 }
