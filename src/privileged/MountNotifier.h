@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace brindle {
@@ -9,8 +10,10 @@ class MountNotifier {
 public:
     virtual ~MountNotifier() = default;
 
-    /// \a efiIdentifier is the partition's, so that what was mounted can be opened from there.
-    virtual void mountResult(const std::string &diskName, bool success, const std::string &efiIdentifier) = 0;
+    /// \a efiIdentifier is the partition's, so that what was mounted can be opened from there; absent where there is
+    /// none.
+    virtual void mountResult(const std::string &diskName, bool success,
+                             const std::optional<std::string> &efiIdentifier) = 0;
 
     virtual void unmountResult(const std::string &diskName, bool success) = 0;
 };

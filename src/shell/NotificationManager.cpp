@@ -90,11 +90,12 @@ NotificationManager::~NotificationManager()
     m_notifications.setDelegate(nullptr);
 }
 
-void NotificationManager::mountResult(const std::string &diskName, bool success, const std::string &efiIdentifier)
+void NotificationManager::mountResult(const std::string &diskName, bool success,
+                                      const std::optional<std::string> &efiIdentifier)
 {
     UserNotification notification = notificationOf(success ? kMountWorked : kMountFailed, diskName, "mount", success);
-    if (!efiIdentifier.empty())
-        notification.userInfo.insert_or_assign(kEFIIdentifier, efiIdentifier);
+    if (efiIdentifier)
+        notification.userInfo.insert_or_assign(kEFIIdentifier, *efiIdentifier);
     send(std::move(notification));
 }
 

@@ -12,6 +12,7 @@
 #include <QCoroTask>
 
 #include <cstddef>
+#include <optional>
 #include <string>
 
 namespace brindle {
@@ -30,9 +31,10 @@ public:
     NotificationManager(const NotificationManager &) = delete;
     NotificationManager &operator=(const NotificationManager &) = delete;
 
-    /// Sends nothing while "ShowNotifications" is off. Of an empty \a efiIdentifier a click opens the folder of all
+    /// Sends nothing while "ShowNotifications" is off. Without \a efiIdentifier a click opens the folder of all
     /// volumes.
-    void mountResult(const std::string &diskName, bool success, const std::string &efiIdentifier) override;
+    void mountResult(const std::string &diskName, bool success,
+                     const std::optional<std::string> &efiIdentifier) override;
 
     void unmountResult(const std::string &diskName, bool success) override;
 

@@ -177,7 +177,7 @@ TEST_F(NotificationManagerTest, GivesEachNotificationAFreshIdentifier)
 
 TEST_F(NotificationManagerTest, LeavesTheIdentifierOfThePartitionOutWhereNoneIsGiven)
 {
-    send([](NotificationManager &sender) { sender.mountResult("Stick", true, ""); });
+    send([](NotificationManager &sender) { sender.mountResult("Stick", true, std::nullopt); });
 
     EXPECT_FALSE(notifications.added[0].userInfo.contains("efiIdentifier"));
 }

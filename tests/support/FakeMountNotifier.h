@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,9 +16,11 @@ class FakeMountNotifier : public MountNotifier {
 public:
     explicit FakeMountNotifier(std::vector<std::string> &journal) : m_journal(journal) {}
 
-    void mountResult(const std::string &diskName, bool success, const std::string &efiIdentifier) override
+    void mountResult(const std::string &diskName, bool success,
+                     const std::optional<std::string> &efiIdentifier) override
     {
-        m_journal.push_back(fmt::format("mount of {} ({}) {}", diskName, efiIdentifier, wordFor(success)));
+        m_journal.push_back(
+            fmt::format("mount of {} ({}) {}", diskName, efiIdentifier.value_or("none"), wordFor(success)));
     }
     void unmountResult(const std::string &diskName, bool success) override
     {
