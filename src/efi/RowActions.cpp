@@ -103,7 +103,7 @@ QCoro::Task<> RowActions::unmount(PhysicalDisk disk, EFIPartition partition)
     const Operation operation(*this, statusOf("Unmounting", disk, partition));
     auto unmounting = m_model.efiOperations.unmount(partition.identifier, disk.name);
     co_await unmounting;
-    auto updating = m_model.diskManager.updateEFIPartitionState(partition.identifier);
+    auto updating = updateState(partition.identifier);
     co_await updating;
 }
 
@@ -133,7 +133,10 @@ QCoro::Task<> RowActions::askToRenameEFI(PhysicalDisk disk, EFIPartition partiti
     if (!name)
         co_return;
     auto renaming = renameEFI(disk, partition, *name);
-    co_await renaming;
+    try {
+        co_await renaming;
+    } catch (const Error &) { // the row stays as it was
+    }
 }
 
 QCoro::Task<> RowActions::renameEFI(PhysicalDisk disk, EFIPartition partition, std::string newName)
@@ -146,7 +149,7 @@ QCoro::Task<> RowActions::renameEFI(PhysicalDisk disk, EFIPartition partition, s
         Log::line("EFI rename failed: {}", error.what());
         throw;
     }
-    auto updating = m_model.diskManager.updateEFIPartitionState(partition.identifier);
+    auto updating = updateState(partition.identifier);
     co_await updating;
 }
 
@@ -163,7 +166,10 @@ QCoro::Task<> RowActions::askToRenameVolume(PhysicalDisk disk)
     if (!name)
         co_return;
     auto renaming = renameVolume(disk, *name);
-    co_await renaming;
+    try {
+        co_await renaming;
+    } catch (const Error &) { // the row stays as it was
+    }
 }
 
 QCoro::Task<> RowActions::renameVolume(PhysicalDisk disk, std::string newName)
@@ -185,10 +191,14 @@ QCoro::Task<> RowActions::renameVolume(PhysicalDisk disk, std::string newName)
 
 QCoro::Task<std::string> RowActions::eject(PhysicalDisk disk)
 {
-    const Operation operation(*this, fmt::format("Ejecting {}", disk.name));
-    auto ejecting = m_model.diskManager.ejectDisk(disk.identifier);
-    std::string output = co_await ejecting;
-    co_return output;
+    return m_model.diskManager.ejectDisk(disk.identifier);
+}
+
+QCoro::Task<> RowActions::updateState(std::string identifier)
+{
+    auto updating = m_model.diskManager.updateEFIPartitionState(std::move(identifier));
+    co_await updating;
+    m_model.diskManager.persistState();
 }
 
 std::string RowActions::statusOf(std::string_view verb, const PhysicalDisk &disk, const EFIPartition &partition) const

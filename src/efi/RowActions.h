@@ -19,7 +19,8 @@ namespace brindle {
 /// What happens when somebody acts on the row of a disk or of one of its EFI partitions: what is called in which order.
 ///
 /// An action works on the records as they were when it was asked for. It tells of its start, acts, and tells of its end
-/// in any case; only then it throws the Error of what failed. Main thread only.
+/// in any case; only then it throws the Error of what failed. One that begins with a question doesn't throw it: the log
+/// has told. Main thread only.
 class RowActions {
 public:
     enum class Row { disk, efiPartition };
@@ -50,6 +51,9 @@ public:
     /// Whether the disk can be let go: not a built-in one, and not the one that the system runs from.
     [[nodiscard]] static bool canEject(const PhysicalDisk &disk);
 
+    /// Whether the EFI partitions of the disk may be erased: not those that the system was started from.
+    [[nodiscard]] static bool canEraseEFI(const PhysicalDisk &disk) { return !disk.isBootDisk; }
+
     /// Toggles the EFI partition of a disk that has exactly one.
     QCoro::Task<> doubleClick(PhysicalDisk disk);
 
@@ -75,13 +79,14 @@ public:
     QCoro::Task<> askToRenameVolume(PhysicalDisk disk);
     QCoro::Task<> renameVolume(PhysicalDisk disk, std::string newName);
 
-    /// Gives what the tool printed.
+    /// DiskManager::ejectDisk(), of which the container is told nothing.
     QCoro::Task<std::string> eject(PhysicalDisk disk);
 
 private:
     class Operation;
     class Dialog;
 
+    QCoro::Task<> updateState(std::string identifier);
     [[nodiscard]] std::string statusOf(std::string_view verb, const PhysicalDisk &disk,
                                        const EFIPartition &partition) const;
     QCoro::Task<std::optional<std::string>> newName(std::string title, std::string text, std::string currentName);

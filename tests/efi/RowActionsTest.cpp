@@ -80,6 +80,7 @@ TEST_F(RowActionsTest, UnmountsAMountedPartitionAndReadsItsState)
     EXPECT_THAT(journal, ElementsAre("start Unmounting EFI partition of Stick", diskutil("info disk2s1"),
                                      sudo("unmount disk2s1"), "unmount of Stick worked", diskutil("info disk2s1"),
                                      "disks changed", "end"));
+    EXPECT_EQ(log.lines().back(), "💾 Persisted disk state");
 }
 
 TEST_F(RowActionsTest, NamesThePartitionInTheRowOfOne)
@@ -219,6 +220,27 @@ TEST_F(RowActionsTest, AsksForTheNewNameOfAPartitionAndReadsItsState)
                                      diskutil("info disk2s1"), "disks changed", "end", "dialog over"));
 }
 
+TEST_F(RowActionsTest, KeepsTheNewStateOfAPartitionThatWasRenamed)
+{
+    mountedPartition();
+    answerSudo("rename disk2s1 OPENCORE");
+    RowActions actions = row();
+
+    finished(actions.renameEFI(disk, unmounted, "OPENCORE"));
+
+    EXPECT_EQ(log.lines().back(), "💾 Persisted disk state");
+}
+
+TEST_F(RowActionsTest, ThrowsWhatARenameWithoutAQuestionFailsWith)
+{
+    refuseSudo("rename disk2s1 NEW", "read-only");
+    refuseSudo("rename Work NEW", "locked");
+    RowActions actions = row();
+
+    EXPECT_EQ(failureOf(actions.renameEFI(disk, unmounted, "NEW")), "read-only");
+    EXPECT_EQ(failureOf(actions.renameVolume(disk, "NEW")), "locked");
+}
+
 TEST_F(RowActionsTest, ProposesTheIdentifierOfAPartitionWithoutAName)
 {
     unmounted.volumeName = "";
@@ -246,7 +268,7 @@ TEST_F(RowActionsTest, LogsWhyAPartitionWasNotRenamedAndLeavesTheRowAsItWas)
     refuseSudo("rename disk2s1 NEW", "read-only");
     RowActions actions = row();
 
-    EXPECT_EQ(failureOf(actions.askToRenameEFI(disk, unmounted)), "read-only");
+    finished(actions.askToRenameEFI(disk, unmounted));
 
     EXPECT_EQ(log.lines().back(), "EFI rename failed: read-only");
     EXPECT_THAT(journal, ElementsAre("dialog", "start Renaming EFI partition of Stick", sudo("rename disk2s1 NEW"),
@@ -277,7 +299,7 @@ TEST_F(RowActionsTest, LogsWhyAVolumeWasNotRenamed)
     refuseSudo("rename /Volumes/Work Play", "locked");
     RowActions actions = row();
 
-    EXPECT_EQ(failureOf(actions.askToRenameVolume(disk)), "locked");
+    finished(actions.askToRenameVolume(disk));
 
     EXPECT_EQ(log.lines().back(), "Rename failed: locked");
     EXPECT_THAT(journal,
@@ -298,7 +320,7 @@ TEST_F(RowActionsTest, RenamesNoVolumeWhereTheLabelStandsForSeveral)
 
 // --- eject
 
-TEST_F(RowActionsTest, EjectsBetweenStartAndEnd)
+TEST_F(RowActionsTest, EjectsWithoutAWordToTheContainer)
 {
     defaults.set(DefaultsKeys::kLastRefreshTime, clock.date());
     tools.answer(diskutil("eject disk2"), "Disk disk2 ejected\n");
@@ -306,7 +328,7 @@ TEST_F(RowActionsTest, EjectsBetweenStartAndEnd)
 
     EXPECT_EQ(finished(actions.eject(disk)), "Disk disk2 ejected\n");
 
-    EXPECT_THAT(journal, ElementsAre("start Ejecting Stick", diskutil("eject disk2"), "disks changed", "end"));
+    EXPECT_THAT(journal, ElementsAre(diskutil("eject disk2"), "disks changed"));
 }
 
 TEST_F(RowActionsTest, OffersNoEjectForABuiltInDiskAndForTheBootDisk)
@@ -315,6 +337,14 @@ TEST_F(RowActionsTest, OffersNoEjectForABuiltInDiskAndForTheBootDisk)
     disk.isBootDisk = true;
     EXPECT_FALSE(RowActions::canEject(disk));
     EXPECT_FALSE(RowActions::canEject(other()));
+}
+
+TEST_F(RowActionsTest, OffersNoEraseOfAnEFIPartitionOfTheBootDiskAlone)
+{
+    EXPECT_TRUE(RowActions::canEraseEFI(disk));
+    EXPECT_TRUE(RowActions::canEraseEFI(other()));
+    disk.isBootDisk = true;
+    EXPECT_FALSE(RowActions::canEraseEFI(disk));
 }
 
 // --- names
