@@ -1,12 +1,14 @@
 #include "cli/Acting.h"
 
 #include "base/BlockOn.h"
+#include "base/Error.h"
 #include "base/Log.h"
 #include "base/VisibleText.h"
+#include "records/FindDisk.h"
 
+#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <exception>
@@ -21,22 +23,38 @@ namespace {
 // A desktop that doesn't answer holds nobody up for longer.
 constexpr std::chrono::milliseconds kPatienceWithTheDesktop = 3s;
 
+/// Scans once and lets \a act on the EFI partition; one that is not there is told.
+ExitStatus onEFIPartition(Platform platform, const std::string &identifier, const EFIPartitionAction &act)
+{
+    Assembly assembly(std::move(platform));
+    blockOn(assembly.diskManager().startScan(false));
+    const auto found = findEFIPartition(assembly.diskManager(), identifier);
+    if (!found)
+        return tellNotFound("EFI partition", identifier);
+    std::exception_ptr failure;
+    try {
+        act(assembly, *found);
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    awaitNotifications(assembly);
+    if (failure)
+        std::rethrow_exception(failure);
+    return ExitStatus::done;
+}
+
 } // namespace
 
 std::optional<FoundPartition> findEFIPartition(const DiskManager &manager, const std::string &identifier)
 {
-    for (const PhysicalDisk &disk : manager.disks()) {
-        const auto partition = std::ranges::find(disk.efiPartitions, identifier, &EFIPartition::identifier);
-        if (partition != disk.efiPartitions.end())
-            return FoundPartition{disk, *partition};
-    }
-    return std::nullopt;
+    const PhysicalDisk *const disk = findDiskOfEFIPartition(manager.disks(), identifier);
+    return disk ? std::optional(FoundPartition{*disk, *findEFIPartition(*disk, identifier)}) : std::nullopt;
 }
 
 std::optional<PhysicalDisk> findDisk(const DiskManager &manager, const std::string &identifier)
 {
-    const auto disk = std::ranges::find(manager.disks(), identifier, &PhysicalDisk::identifier);
-    return disk == manager.disks().end() ? std::nullopt : std::optional(*disk);
+    const PhysicalDisk *const disk = findDisk(manager.disks(), identifier);
+    return disk ? std::optional(*disk) : std::nullopt;
 }
 
 RowActions rowActionsOf(Assembly &assembly)
@@ -48,6 +66,14 @@ RowActions rowActionsOf(Assembly &assembly)
              .workspace = assembly.workspace(),
              .userDefaults = assembly.userDefaults()},
             {}};
+}
+
+void requireRemovable(const PhysicalDisk &disk, std::string_view treated)
+{
+    if (RowActions::canEject(disk))
+        return;
+    const char *what = disk.isBootDisk ? "the disk that the system runs from" : "a built-in disk";
+    throw Error("Disk", 1, fmt::format("{} is {}, which is not {}", disk.identifier, what, treated));
 }
 
 ExitStatus tellNotFound(const std::string &kind, const std::string &identifier)
@@ -65,24 +91,23 @@ void awaitNotifications(Assembly &assembly)
     }
 }
 
-ExitStatus onEFIPartition(Platform platform, const std::string &identifier,
-                          const std::function<void(Assembly &assembly, const FoundPartition &found)> &act)
+std::shared_ptr<ActingOptions> addEFIPartitionAction(CLI::App &subcommand, const GlobalOptions &options,
+                                                     Command &command, EFIPartitionAction act)
 {
-    Assembly assembly(std::move(platform));
-    blockOn(assembly.diskManager().startScan(false));
-    const auto found = findEFIPartition(assembly.diskManager(), identifier);
-    if (!found)
-        return tellNotFound("EFI partition", identifier);
-    std::exception_ptr failure;
-    try {
-        act(assembly, *found);
-    } catch (...) {
-        failure = std::current_exception();
-    }
-    awaitNotifications(assembly);
-    if (failure)
-        std::rethrow_exception(failure);
-    return ExitStatus::done;
+    const auto identifier = std::make_shared<std::string>();
+    auto acting = std::make_shared<ActingOptions>();
+    subcommand.add_option("PARTITION", *identifier, "The partition's identifier, such as disk0s1")
+        ->required()
+        ->type_name("");
+    addPasswordOption(subcommand, *acting);
+    addNotifyOption(subcommand, *acting);
+    subcommand.callback([&options, &command, identifier, acting, act = std::move(act)] {
+        command = [&options, identifier, acting, act] {
+            const auto run = [&](Platform platform) { return onEFIPartition(std::move(platform), *identifier, act); };
+            return onMachine(options, run, *acting);
+        };
+    });
+    return acting;
 }
 
 } // namespace brindle

@@ -1,7 +1,6 @@
 #include "cli/EjectCommand.h"
 
 #include "base/BlockOn.h"
-#include "base/Error.h"
 #include "base/VisibleText.h"
 #include "cli/Acting.h"
 
@@ -23,10 +22,7 @@ ExitStatus eject(Platform platform, const std::string &identifier)
     const auto disk = findDisk(assembly.diskManager(), identifier);
     if (!disk)
         return tellNotFound("disk", identifier);
-    if (!RowActions::canEject(*disk)) {
-        const char *what = disk->isBootDisk ? "the disk that the system runs from" : "a built-in disk";
-        throw Error("Eject", 1, fmt::format("{} is {}, which is not ejected", identifier, what));
-    }
+    requireRemovable(*disk, "ejected");
     RowActions row = rowActionsOf(assembly);
     const std::string output = blockOn(row.eject(*disk));
     fmt::print("{}\n", visibleLines(output));

@@ -16,7 +16,7 @@ ExitStatus eraseEFI(Assembly &assembly, const EraseArguments &arguments)
     const auto found = findEFIPartition(assembly.diskManager(), arguments.identifier);
     if (!found)
         return tellNotFound("EFI partition", arguments.identifier);
-    if (found->disk.isBootDisk)
+    if (!RowActions::canEraseEFI(found->disk))
         throw Error(
             "Erase", 1,
             fmt::format("{} lies on the disk that the system runs from, which is not erased", arguments.identifier));

@@ -102,9 +102,8 @@ std::optional<PhysicalDisk> findErasableDisk(Assembly &assembly, const std::stri
     const auto disk = findDisk(assembly.diskManager(), identifier);
     if (!disk)
         tellNotFound("disk", identifier);
-    else if (!RowActions::canEject(*disk))
-        fail(fmt::format("{} is {}, which is not erased", identifier,
-                         disk->isBootDisk ? "the disk that the system runs from" : "a built-in disk"));
+    else
+        requireRemovable(*disk, "erased");
     return disk;
 }
 

@@ -7,9 +7,7 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
-#include <memory>
 #include <string>
-#include <utility>
 
 namespace brindle {
 
@@ -32,20 +30,8 @@ void mount(Assembly &assembly, const FoundPartition &found)
 void addMountCommand(CLI::App &app, const GlobalOptions &options, Command &command)
 {
     CLI::App *subcommand = app.add_subcommand("mount", "Mount an EFI partition");
-    const auto identifier = std::make_shared<std::string>();
-    const auto acting = std::make_shared<ActingOptions>();
-    subcommand->add_option("PARTITION", *identifier, "The partition's identifier, such as disk0s1")
-        ->required()
-        ->type_name("");
-    addPasswordOption(*subcommand, *acting);
-    addNotifyOption(*subcommand, *acting);
+    const auto acting = addEFIPartitionAction(*subcommand, options, command, mount);
     subcommand->add_flag("--open", acting->opensFolders, "Show the folder, and the config.plist if so set");
-    subcommand->callback([&options, &command, identifier, acting] {
-        command = [&options, identifier, acting] {
-            const auto run = [&](Platform platform) { return onEFIPartition(std::move(platform), *identifier, mount); };
-            return onMachine(options, run, *acting);
-        };
-    });
 }
 
 } // namespace brindle

@@ -6,10 +6,6 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
-#include <memory>
-#include <string>
-#include <utility>
-
 namespace brindle {
 
 namespace {
@@ -26,21 +22,7 @@ void unmount(Assembly &assembly, const FoundPartition &found)
 void addUnmountCommand(CLI::App &app, const GlobalOptions &options, Command &command)
 {
     CLI::App *subcommand = app.add_subcommand("unmount", "Unmount an EFI partition, by force where it is busy");
-    const auto identifier = std::make_shared<std::string>();
-    const auto acting = std::make_shared<ActingOptions>();
-    subcommand->add_option("PARTITION", *identifier, "The partition's identifier, such as disk0s1")
-        ->required()
-        ->type_name("");
-    addPasswordOption(*subcommand, *acting);
-    addNotifyOption(*subcommand, *acting);
-    subcommand->callback([&options, &command, identifier, acting] {
-        command = [&options, identifier, acting] {
-            const auto run = [&](Platform platform) {
-                return onEFIPartition(std::move(platform), *identifier, unmount);
-            };
-            return onMachine(options, run, *acting);
-        };
-    });
+    addEFIPartitionAction(*subcommand, options, command, unmount);
 }
 
 } // namespace brindle
