@@ -7,7 +7,9 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <ranges>
 #include <utility>
+#include <vector>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -19,12 +21,12 @@ namespace {
 constexpr std::array kSignals{SIGHUP, SIGINT, SIGTERM};
 
 // A signal handler may do little more than write a byte.
-std::array<int, 2> signalPipe{-1, -1};
+int signalPipe = -1;
 
 void noteSignal(int signalNumber)
 {
     const auto byte = static_cast<char>(signalNumber);
-    [[maybe_unused]] const ssize_t written = write(signalPipe[1], &byte, 1);
+    [[maybe_unused]] const ssize_t written = write(signalPipe, &byte, 1);
 }
 
 void setHandlers(void (*handler)(int))
@@ -38,43 +40,74 @@ void setHandlers(void (*handler)(int))
 
 } // namespace
 
-Interruption::Interruption(std::function<void()> function, Then then)
-    : m_function(std::move(function)),
-      m_then(then),
-      m_outerPipe(signalPipe)
+/// Takes the signals of the process and hands them to those that live.
+class Interruption::Signals {
+public:
+    Signals()
+    {
+        if (pipe2(m_pipe.data(), O_CLOEXEC | O_NONBLOCK) != 0)
+            throw Error::fromErrno(errno, "A pipe can't be made");
+        signalPipe = m_pipe[1];
+        m_notifier = std::make_unique<QSocketNotifier>(m_pipe[0], QSocketNotifier::Read);
+        QObject::connect(m_notifier.get(), &QSocketNotifier::activated, [this] { interrupt(); });
+        setHandlers(noteSignal);
+    }
+
+    ~Signals()
+    {
+        setHandlers(SIG_DFL);
+        if (const int unheard = nextSignal())
+            std::raise(unheard);
+        m_notifier.reset();
+        for (const int descriptor : m_pipe)
+            close(descriptor);
+    }
+
+    Signals(const Signals &) = delete;
+    Signals &operator=(const Signals &) = delete;
+
+    std::vector<Interruption *> living; ///< The last one made is the last.
+
+private:
+    /// The signal that came first of those not yet dealt with; 0 where there is none.
+    [[nodiscard]] int nextSignal() const
+    {
+        char signalNumber = 0;
+        return read(m_pipe[0], &signalNumber, 1) == 1 ? signalNumber : 0;
+    }
+
+    void interrupt() const
+    {
+        const int signalNumber = nextSignal();
+        if (signalNumber == 0)
+            return;
+        for (const Interruption *interruption : living | std::views::reverse) {
+            interruption->m_function();
+            if (interruption->m_then == Then::goOn)
+                return;
+        }
+        setHandlers(SIG_DFL);
+        std::raise(signalNumber);
+    }
+
+    std::array<int, 2> m_pipe{-1, -1};
+    std::unique_ptr<QSocketNotifier> m_notifier;
+};
+
+std::unique_ptr<Interruption::Signals> Interruption::s_signals;
+
+Interruption::Interruption(std::function<void()> function, Then then) : m_function(std::move(function)), m_then(then)
 {
-    if (pipe2(m_pipe.data(), O_CLOEXEC | O_NONBLOCK) != 0)
-        throw Error::fromErrno(errno, "A pipe can't be made");
-    signalPipe = m_pipe;
-    m_notifier = std::make_unique<QSocketNotifier>(m_pipe[0], QSocketNotifier::Read);
-    QObject::connect(m_notifier.get(), &QSocketNotifier::activated, [this] { interrupt(); });
-    setHandlers(noteSignal);
+    if (!s_signals)
+        s_signals = std::make_unique<Signals>();
+    s_signals->living.push_back(this);
 }
 
 Interruption::~Interruption()
 {
-    if (m_outerPipe[0] < 0)
-        setHandlers(SIG_DFL);
-    m_notifier.reset();
-    signalPipe = m_outerPipe;
-    for (const int descriptor : m_pipe)
-        close(descriptor);
-}
-
-void Interruption::interrupt()
-{
-    char signalNumber = 0;
-    if (read(m_pipe[0], &signalNumber, 1) != 1)
-        return;
-    m_function();
-    if (m_then == Then::goOn)
-        return;
-    if (m_outerPipe[1] >= 0) {
-        [[maybe_unused]] const ssize_t written = write(m_outerPipe[1], &signalNumber, 1);
-        return;
-    }
-    setHandlers(SIG_DFL);
-    std::raise(signalNumber);
+    std::erase(s_signals->living, this);
+    if (s_signals->living.empty())
+        s_signals.reset();
 }
 
 } // namespace brindle
