@@ -2,7 +2,6 @@
 
 #include "cli/Interruption.h"
 
-#include "base/Completion.h"
 #include "base/VisibleText.h"
 
 #include <QSocketNotifier>
@@ -39,11 +38,12 @@ public:
         settings.c_cc[VEOL2] = m_before.c_cc[VQUIT];
         tcsetattr(m_terminal, TCSAFLUSH, &settings); // what was typed before could be a password's beginning
     }
-    ~LineSettings() { restore(); }
+    ~LineSettings() { tcsetattr(m_terminal, TCSADRAIN, &m_before); }
     LineSettings(const LineSettings &) = delete;
     LineSettings &operator=(const LineSettings &) = delete;
 
-    void restore() const { tcsetattr(m_terminal, TCSADRAIN, &m_before); }
+    /// Also forgets what was typed of the line: the shell would show it.
+    void restore() const { tcsetattr(m_terminal, TCSAFLUSH, &m_before); }
 
     [[nodiscard]] bool cancels(char last) const
     {
@@ -90,19 +90,52 @@ std::size_t chosenButton(const std::string &answer, std::size_t count)
 
 } // namespace
 
+/// The place of a dialog among those that are asked for.
+class TerminalDialogs::Turn {
+public:
+    explicit Turn(TerminalDialogs &dialogs) : m_before(std::exchange(dialogs.m_lastTurn, m_end)) {}
+    ~Turn() { m_end.complete(true); }
+    Turn(const Turn &) = delete;
+    Turn &operator=(const Turn &) = delete;
+
+    /// Returns once the dialog before has ended: at once where there is none.
+    [[nodiscard]] QCoro::Task<> hasCome() const
+    {
+        if (m_before.isComplete())
+            co_return;
+        co_await m_before;
+    }
+
+private:
+    Completion<bool> m_end;
+    Completion<bool> m_before;
+};
+
 TerminalDialogs::TerminalDialogs() : TerminalDialogs(openTerminal()) {}
 
-TerminalDialogs::TerminalDialogs(int terminal) : m_terminal(terminal) {}
+TerminalDialogs::TerminalDialogs(int terminal) : m_terminal(terminal)
+{
+    m_lastTurn.complete(true);
+}
 
 TerminalDialogs::~TerminalDialogs()
 {
     if (hasTerminal())
-        close(m_terminal);
+        ::close(m_terminal);
+}
+
+void TerminalDialogs::close()
+{
+    m_isClosed = true;
+    m_line.complete(false);
 }
 
 QCoro::Task<std::size_t> TerminalDialogs::alert(Alert alert)
 {
-    if (!hasTerminal())
+    const Turn turn(*this);
+    auto waiting = turn.hasCome();
+    co_await waiting;
+    if (!canAsk())
         co_return alert.buttons.size() - 1;
     sayLines(alert.messageText, alert.informativeText);
     if (alert.buttons.size() == 1)
@@ -116,7 +149,10 @@ QCoro::Task<std::size_t> TerminalDialogs::alert(Alert alert)
 
 QCoro::Task<std::optional<Secret>> TerminalDialogs::securePrompt(SecurePrompt prompt)
 {
-    if (!hasTerminal())
+    const Turn turn(*this);
+    auto waiting = turn.hasCome();
+    co_await waiting;
+    if (!canAsk())
         co_return std::nullopt;
     sayLines(prompt.alert.messageText, prompt.alert.informativeText);
     auto typing = line(visibleText(prompt.placeholder) + ": ", Echo::off);
@@ -125,7 +161,10 @@ QCoro::Task<std::optional<Secret>> TerminalDialogs::securePrompt(SecurePrompt pr
 
 QCoro::Task<std::optional<std::string>> TerminalDialogs::textPrompt(TextPrompt prompt)
 {
-    if (!hasTerminal())
+    const Turn turn(*this);
+    auto waiting = turn.hasCome();
+    co_await waiting;
+    if (!canAsk())
         co_return std::nullopt;
     sayLines(prompt.alert.messageText, prompt.alert.informativeText);
     auto typing =
@@ -135,7 +174,10 @@ QCoro::Task<std::optional<std::string>> TerminalDialogs::textPrompt(TextPrompt p
 
 QCoro::Task<std::optional<std::string>> TerminalDialogs::savePanel(SavePanel panel)
 {
-    if (!hasTerminal())
+    const Turn turn(*this);
+    auto waiting = turn.hasCome();
+    co_await waiting;
+    if (!canAsk())
         co_return std::nullopt;
     const std::string proposal = std::filesystem::path(panel.startFolder) / panel.proposedName;
     sayLines(panel.title, panel.message);
@@ -162,13 +204,16 @@ QCoro::Task<std::optional<Secret>> TerminalDialogs::line(std::string question, E
     settings.emplace(m_terminal, echo == Echo::on);
     say(question);
     const Completion<bool> typed;
+    m_line = typed;
     QSocketNotifier notifier(m_terminal, QSocketNotifier::Read);
     QObject::connect(&notifier, &QSocketNotifier::activated, &notifier, [&notifier, typed] {
         notifier.setEnabled(false);
         typed.complete(true);
     });
-    co_await typed;
-    std::optional<Secret> result = takeLine(m_terminal, *settings);
+    const bool isTyped = co_await typed;
+    std::optional<Secret> result = isTyped ? takeLine(m_terminal, *settings) : std::nullopt;
+    if (!isTyped)
+        settings->restore();
     if (!result)
         say("\n");
     settings.reset();

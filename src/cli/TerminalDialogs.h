@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Completion.h"
 #include "platform/Dialogs.h"
 
 #include <optional>
@@ -8,8 +9,9 @@
 
 namespace brindle {
 
-/// Dialogs in the terminal that the program was started from, whatever its input and output are. Ctrl-C and the end of
-/// the input cancel a dialog; an alert with one button doesn't wait for it.
+/// Dialogs in the terminal that the program was started from, whatever its input and output are: one after the other,
+/// in the order in which they were asked for. Ctrl-C and the end of the input cancel a dialog; an alert with one button
+/// doesn't wait for it.
 ///
 /// While a line is typed the event loop goes on, and a signal that ends the program restores the terminal first. What
 /// was typed stays in no memory but the answer. Without a terminal every dialog is cancelled at once.
@@ -24,6 +26,9 @@ public:
 
     [[nodiscard]] bool hasTerminal() const { return m_terminal >= 0; }
 
+    /// Cancels the dialog that waits for an answer, all that wait for their turn, and those to come.
+    void close();
+
     [[nodiscard]] QCoro::Task<std::size_t> alert(Alert alert) override;
     [[nodiscard]] QCoro::Task<std::optional<Secret>> securePrompt(SecurePrompt prompt) override;
     [[nodiscard]] QCoro::Task<std::optional<std::string>> textPrompt(TextPrompt prompt) override;
@@ -31,13 +36,18 @@ public:
 
 private:
     enum class Echo { on, off };
+    class Turn;
 
+    [[nodiscard]] bool canAsk() const { return hasTerminal() && !m_isClosed; }
     void say(std::string_view text) const;
     void sayLines(const std::string &title, const std::string &text) const;
     QCoro::Task<std::optional<Secret>> line(std::string question, Echo echo);
     QCoro::Task<std::optional<std::string>> textLine(std::string question, std::string proposal);
 
     int m_terminal;
+    bool m_isClosed = false;
+    Completion<bool> m_lastTurn; ///< The end of the last dialog that was asked for.
+    Completion<bool> m_line;     ///< Of the dialog that waits for an answer: true where there is one to be read.
 };
 
 } // namespace brindle

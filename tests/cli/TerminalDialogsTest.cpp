@@ -3,6 +3,8 @@
 #include "base/BlockOn.h"
 #include "support/MaskedPassword.h"
 
+#include <QCoreApplication>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -14,12 +16,14 @@
 
 #include <poll.h>
 #include <pty.h>
+#include <termios.h>
 #include <unistd.h>
 
 namespace brindle {
 namespace {
 
 using namespace std::chrono_literals;
+using testing::EndsWith;
 using testing::HasSubstr;
 
 /// Dialogs in a pseudo terminal, in which a test types.
@@ -27,9 +31,8 @@ class TerminalDialogsTest : public testing::Test {
 protected:
     TerminalDialogsTest()
     {
-        int terminal = -1;
-        EXPECT_EQ(openpty(&m_keyboard, &terminal, nullptr, nullptr, nullptr), 0);
-        dialogs.emplace(terminal);
+        EXPECT_EQ(openpty(&m_keyboard, &m_terminal, nullptr, nullptr, nullptr), 0);
+        dialogs.emplace(m_terminal);
     }
     ~TerminalDialogsTest() override { close(m_keyboard); }
 
@@ -37,8 +40,24 @@ protected:
     template <typename T>
     T answerTo(QCoro::Task<T> dialog, std::string_view keys)
     {
-        EXPECT_EQ(write(m_keyboard, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
+        type(keys);
         return blockOn(std::move(dialog), 30s);
+    }
+
+    void type(std::string_view keys) const
+    {
+        EXPECT_EQ(write(m_keyboard, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
+    }
+
+    /// Whether the next program at the terminal would read something, also of a line that has not ended.
+    bool hasInput() const
+    {
+        termios settings{};
+        tcgetattr(m_terminal, &settings);
+        settings.c_lflag &= ~static_cast<tcflag_t>(ICANON);
+        tcsetattr(m_terminal, TCSANOW, &settings);
+        pollfd waiting{.fd = m_terminal, .events = POLLIN, .revents = 0};
+        return poll(&waiting, 1, 0) == 1;
     }
 
     /// What the terminal shows by the time that it is quiet: the kernel hands it over when it has the time.
@@ -61,6 +80,7 @@ protected:
 
 private:
     int m_keyboard = -1;
+    int m_terminal = -1; ///< The dialogs' own.
 };
 
 const Alert kQuestion{.messageText = "Really?", .informativeText = "\x1b[2JIt hurts.", .buttons = {"Yes", "No"}};
@@ -119,6 +139,39 @@ TEST_F(TerminalDialogsTest, ForgetWhatWasTypedBeforeTheyAsk)
         echo += shown(); // the line has reached the terminal
 
     EXPECT_EQ(answerTo(dialogs->textPrompt({}), "late\n"), "late");
+}
+
+TEST_F(TerminalDialogsTest, AskOneAfterTheOther)
+{
+    auto first = dialogs->textPrompt({.alert = {.messageText = "First"}, .placeholder = "Name", .text = "one"});
+    auto second = dialogs->securePrompt({.alert = {.messageText = "Second"}, .placeholder = "Password"});
+    auto third = dialogs->alert({.messageText = "Third"});
+    QCoreApplication::processEvents();
+    EXPECT_THAT(shown(), EndsWith("Name [one]: "));
+
+    EXPECT_EQ(answerTo(std::move(first), "\n"), "one");
+    QCoreApplication::processEvents();
+    EXPECT_THAT(shown(), EndsWith("Second\r\n\r\nPassword: "));
+
+    EXPECT_EQ(answerTo(std::move(second), "secret\n"), Secret("secret"));
+    EXPECT_EQ(blockOn(std::move(third), 30s), 0U);
+    EXPECT_THAT(shown(), HasSubstr("Third\r\n"));
+}
+
+TEST_F(TerminalDialogsTest, AreAllCancelledWhenTheyAreClosed)
+{
+    auto open = dialogs->securePrompt({.alert = {.messageText = "Open"}, .placeholder = "Password"});
+    auto waiting = dialogs->textPrompt({.alert = {.messageText = "Waiting"}});
+    QCoreApplication::processEvents();
+    type("half a pass");
+
+    dialogs->close();
+
+    EXPECT_EQ(blockOn(std::move(open), 30s), std::nullopt);
+    EXPECT_EQ(blockOn(std::move(waiting), 30s), std::nullopt);
+    EXPECT_EQ(blockOn(dialogs->alert(kQuestion), 30s), 1U);
+    EXPECT_EQ(shown(), "Open\r\n\r\nPassword: \r\n");
+    EXPECT_FALSE(hasInput()) << "the shell would show what was typed of the password";
 }
 
 TEST_F(TerminalDialogsTest, AreCancelledAtOnceWithoutATerminal)
