@@ -9,6 +9,7 @@
 #include "cli/DiskTable.h"
 #include "cli/Interruption.h"
 #include "cli/Terminal.h"
+#include "cli/TerminalDialogs.h"
 
 #include <CLI/CLI.hpp>
 #include <QObject>
@@ -24,7 +25,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <utility>
 
 namespace brindle {
@@ -81,23 +81,27 @@ std::unique_ptr<QSocketNotifier> watchForReader(std::function<void()> readerHasG
     return notifier;
 }
 
-/// Waits for the end of \a work, which the log calls \a name, but not for ever.
-void awaitEnd(QCoro::Task<> work, std::chrono::milliseconds patience, std::string_view name)
+/// Waits for the end of \a work, but not for ever: whether it has ended.
+bool hasEnded(QCoro::Task<> work, std::chrono::milliseconds patience)
 {
     try {
         blockOn(std::move(work), patience);
-    } catch (const Error &error) {
-        Log::line("⚠️ {} does not end: {}", name, error.what());
+        return true;
+    } catch (const Error &) {
+        return false;
     }
 }
 
 /// Ends what runs for the watch, so that no tool outlives it, but lets a mount that has begun end by itself.
-void stop(Assembly &assembly)
+void stop(Assembly &assembly, TerminalDialogs &dialogs)
 {
     assembly.diskEventMonitor().stopMonitoring();
-    awaitEnd(assembly.diskManager().autoMountsEnded(), kPatienceWithMounts, "A mount");
+    dialogs.close(); // a mount that waits for the password is not waited for
+    if (!hasEnded(assembly.diskManager().autoMountsEnded(), kPatienceWithMounts))
+        fmt::print(stderr, "brindlectl: A mount goes on without being watched\n");
     assembly.toolRunner().endAll();
-    awaitEnd(assembly.diskManager().stopScan(), kPatienceWithScans, "The scan");
+    if (!hasEnded(assembly.diskManager().stopScan(), kPatienceWithScans))
+        Log::line("⚠️ The scan does not end");
 }
 
 struct WatchOptions {
@@ -109,11 +113,14 @@ ExitStatus watch(Platform platform, bool asJson)
 {
     std::signal(SIGPIPE, SIG_IGN); // a reader that goes ends the watch, which has something to clean up
     const Scheduler &clock = *platform.scheduler;
+    auto ownDialogs = std::make_unique<TerminalDialogs>();
+    TerminalDialogs &dialogs = *ownDialogs;
+    platform.dialogs = std::move(ownDialogs); // so that they can be closed
     Assembly assembly(std::move(platform));
     DiskManager &manager = assembly.diskManager();
     const Completion<End> end;
     const auto endWell = [end] { end.complete(std::nullopt); };
-    const Interruption interruption(endWell, Interruption::Then::goOn);
+    std::optional<Interruption> interruption(std::in_place, endWell, Interruption::Then::goOn);
     const auto reader = watchForReader(endWell);
     QObject::connect(&manager, &DiskManager::disksChanged, &manager, [&] {
         if (!end.isComplete())
@@ -123,7 +130,8 @@ ExitStatus watch(Platform platform, bool asJson)
     assembly.diskEventMonitor().startMonitoring();
     const auto scan = manager.startScan(false);
     const End reason = blockOn(awaited(end));
-    stop(assembly);
+    interruption.reset(); // the next signal ends the program at once
+    stop(assembly, dialogs);
     awaitNotifications(assembly);
     if (reason)
         throw Error(*reason);

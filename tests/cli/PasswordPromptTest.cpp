@@ -129,5 +129,15 @@ TEST_F(PasswordPrompt, IsNotNeededToTestAGivenPassword)
     EXPECT_EQ(run({"password", "set"}).status, 1);
 }
 
+TEST_F(PasswordPrompt, TakesNoGivenPasswordForWhatIsStoredOrRemoved)
+{
+    for (const char *change : {"set", "remove"}) {
+        const Outcome outcome = run({"password", change, "--password-stdin"}, std::string(kAdminPassword) + "\n");
+
+        EXPECT_EQ(outcome.status, 2) << change;
+        EXPECT_EQ(outcome.output, "");
+    }
+}
+
 } // namespace
 } // namespace brindle

@@ -57,12 +57,22 @@ TerminalProgram::~TerminalProgram()
     close(m_terminal);
 }
 
-std::string TerminalProgram::awaitText(const std::string &text)
+std::string TerminalProgram::awaitText(const std::string &text, int times)
 {
-    while (m_shown.find(text) == std::string::npos && readMore()) {
+    while (!hasShown(text, times) && readMore()) {
     }
-    EXPECT_NE(m_shown.find(text), std::string::npos) << m_shown;
+    EXPECT_TRUE(hasShown(text, times)) << text << "\nis not in\n" << m_shown;
     return m_shown;
+}
+
+bool TerminalProgram::hasShown(const std::string &text, int times) const
+{
+    std::size_t at = 0;
+    for (; times > 0 && at != std::string::npos; --times) {
+        at = m_shown.find(text, at);
+        at = at == std::string::npos ? at : at + text.size();
+    }
+    return at != std::string::npos;
 }
 
 void TerminalProgram::type(const std::string &text) const

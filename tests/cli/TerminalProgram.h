@@ -18,8 +18,9 @@ public:
     TerminalProgram(const TerminalProgram &) = delete;
     TerminalProgram &operator=(const TerminalProgram &) = delete;
 
-    /// Waits until the terminal shows \a text; all that it has shown by then. Fails the test where that doesn't come.
-    std::string awaitText(const std::string &text);
+    /// Waits until the terminal has shown \a text that many \a times; all that it has shown by then. Fails the test
+    /// where that doesn't come.
+    std::string awaitText(const std::string &text, int times = 1);
     void type(const std::string &text) const;
     [[nodiscard]] bool echoes() const; ///< Whether the terminal shows what is typed.
     void signal(int signalNumber) const;
@@ -31,6 +32,7 @@ public:
     [[nodiscard]] const std::string &shown() const { return m_shown; }
 
 private:
+    [[nodiscard]] bool hasShown(const std::string &text, int times) const;
     bool readMore();
 
     int m_terminal = -1;

@@ -3,6 +3,7 @@
 #include "cli/WatchFixture.h"
 
 #include "support/FakeNotificationDaemon.h"
+#include "support/FileTree.h"
 #include "support/PrivateBus.h"
 #include "support/WaitUntil.h"
 
@@ -10,6 +11,8 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
 #include <optional>
 #include <string>
 #include <vector>
@@ -114,6 +117,63 @@ TEST_F(WatchAutoMount, GoesOnWhenThePasswordIsWrong)
                 Contains("disk0"));
 
     EXPECT_EQ(end(), 0);
+}
+
+/// The same with a sudo that doesn't end.
+class WatchOfAHangingMount : public WatchAutoMount {
+protected:
+    WatchOfAHangingMount()
+    {
+        const std::string program = root + "/usr/bin/sudo";
+        std::filesystem::remove(program); // a link to the one of all machines
+        writeFile(program, "#!/bin/sh\necho $$ > '" + number.string() + "'\nexec sleep 600\n");
+        std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    }
+    ~WatchOfAHangingMount() override
+    {
+        const pid_t process = sudo(); // 0 would be this test's own group
+        EXPECT_TRUE(process > 0 && ::kill(process, SIGKILL) == 0) << "it has ended with the watch";
+    }
+
+    void startMount()
+    {
+        startWatch({"--automount"});
+        brindleMachine({"in", root, shelved});
+        waitUntil([&] { return sudo() > 0; });
+    }
+
+private:
+    /// Its process; 0 where it hasn't begun.
+    [[nodiscard]] pid_t sudo() const
+    {
+        pid_t process = 0;
+        std::ifstream(number) >> process;
+        return process;
+    }
+
+    std::filesystem::path number = machine.root() / "number";
+};
+
+TEST_F(WatchOfAHangingMount, EndsAtOnceAtTheSecondInterruption)
+{
+    startMount();
+    signal(SIGINT);
+    EXPECT_FALSE(watch.waitForFinished(300));
+
+    signal(SIGINT);
+
+    EXPECT_TRUE(watch.waitForFinished(kPatience));
+    EXPECT_EQ(watch.exitStatus(), QProcess::CrashExit);
+    EXPECT_EQ(watch.exitCode(), SIGINT);
+}
+
+TEST_F(WatchOfAHangingMount, EndsWithAWordWhenTheMountDoesNotEnd)
+{
+    startMount();
+
+    EXPECT_EQ(end(), 0);
+
+    EXPECT_THAT(log(), HasSubstr("brindlectl: A mount goes on without being watched\n"));
 }
 
 /// The same on a session bus of the test's own.
