@@ -1,9 +1,9 @@
 #include "cli/CommandLine.h"
+#include "platform/CoreImages.h"
 
 #include <QCoreApplication>
 
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <unistd.h>
 
 namespace {
@@ -18,19 +18,12 @@ void openStandardDescriptors()
     }
 }
 
-/// No image of this process or of what it starts, which may hold the administrator's password, is ever written.
-void forbidCoreImages()
-{
-    constexpr rlimit kNone{.rlim_cur = 0, .rlim_max = 0};
-    setrlimit(RLIMIT_CORE, &kNone);
-}
-
 } // namespace
 
 int main(int argc, char **argv)
 {
     openStandardDescriptors();
-    forbidCoreImages();
+    brindle::forbidCoreImages();
     QCoreApplication application(argc, argv);
     return brindle::runCommandLine(argc, argv);
 }
