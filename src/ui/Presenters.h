@@ -5,7 +5,7 @@
 #include "views/EraseProgressPresenter.h"
 #include "views/WindowContentPresenter.h"
 
-#include <QtQml/qqmlregistration.h>
+#include <QtQml/qqml.h>
 
 // The presenters by their names in QML, which makes none of them.
 namespace brindle {
