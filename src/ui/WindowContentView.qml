@@ -22,6 +22,7 @@ Rectangle {
 
         DiskListHeaderView {
             id: header
+            objectName: "header"
             width: parent.width
             isLoading: root.presenter.isLoading
             onRefreshTapped: root.presenter.refresh()
@@ -35,6 +36,7 @@ Rectangle {
         }
         DiskListFooterView {
             id: footer
+            objectName: "footer"
             anchors.bottom: parent.bottom
             width: parent.width
             presenter: root.presenter

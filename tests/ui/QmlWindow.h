@@ -49,16 +49,16 @@ public:
     [[nodiscard]] QQuickWindow &window() { return m_window; }
     [[nodiscard]] QQuickItem &root() { return *m_root; }
 
-    /// The visible item with the object name, anywhere below \a parent; fails the test and gives the root where none
-    /// is.
-    [[nodiscard]] QQuickItem &item(const QString &objectName)
+    /// The visible item with the object name, anywhere below the item that is named before a "/"; fails the test and
+    /// gives the root where none is.
+    [[nodiscard]] QQuickItem &item(const QString &path)
     {
-        QQuickItem *found = find(*m_window.contentItem(), objectName);
+        QQuickItem *found = find(path);
         if (!found)
-            ADD_FAILURE() << "no visible item " << objectName.toStdString();
+            ADD_FAILURE() << "no visible item " << path.toStdString();
         return found ? *found : *m_root;
     }
-    [[nodiscard]] bool shows(const QString &objectName) { return find(*m_window.contentItem(), objectName) != nullptr; }
+    [[nodiscard]] bool shows(const QString &path) { return find(path) != nullptr; }
 
     template <typename T>
     [[nodiscard]] T valueOf(const QString &objectName, const char *property)
@@ -115,6 +115,14 @@ public:
     }
 
 private:
+    QQuickItem *find(const QString &path)
+    {
+        QQuickItem *found = m_window.contentItem();
+        for (const QString &name : path.split(QLatin1Char('/')))
+            found = found ? find(*found, name) : nullptr;
+        return found;
+    }
+
     static QQuickItem *find(QQuickItem &parent, const QString &objectName)
     {
         if (!parent.isVisible())
