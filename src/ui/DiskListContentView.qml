@@ -27,9 +27,10 @@ Item {
         onFocusRequested: identifier => root.focusRow(identifier)
         onRevealRequested: item => root.reveal(item)
     }
-    DragHandler {
-        target: null
-        onActiveChanged: if (active) root.Window.window.startSystemMove()
+    MoveArea {
+        y: list.visible ? list.contentHeight : 0
+        width: parent.width
+        height: Math.max(0, parent.height - y)
     }
 
     ListView {

@@ -56,6 +56,18 @@ TEST(IconButton, IsReadAloudByItsTip)
     EXPECT_EQ(readAloud(window.item(QStringLiteral("button"))), (ReadAloud{QAccessible::Button, "Eject disk"}));
 }
 
+TEST(IconButton, IsPressedByPointerAndKeys)
+{
+    QmlWindow window(R"(IconButton { objectName: "button"; symbol: "eject"; tip: "Eject disk"; property int presses: 0
+                                     onClicked: presses += 1; focus: true })");
+
+    window.click(QStringLiteral("button"));
+    EXPECT_EQ(window.valueOf<int>(QStringLiteral("button"), "presses"), 1);
+    window.press(Qt::Key_Space);
+    window.press(Qt::Key_Return);
+    EXPECT_EQ(window.valueOf<int>(QStringLiteral("button"), "presses"), 3);
+}
+
 TEST(CheckBox, IsCheckedByPointerAndSpaceAndByAScreenReader)
 {
     QmlWindow window(R"(CheckBox { objectName: "box"; text: "Overwrite"; focus: true })");

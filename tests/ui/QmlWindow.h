@@ -5,13 +5,12 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <QKeyEvent>
-#include <QMouseEvent>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQmlProperty>
 #include <QQuickItem>
 #include <QQuickWindow>
+#include <QTest>
 
 #include <memory>
 
@@ -70,39 +69,31 @@ public:
         return valueOf<QString>(objectName, "text").toStdString();
     }
 
-    void click(const QString &objectName, Qt::MouseButton button = Qt::LeftButton)
+    void click(const QString &path, Qt::MouseButton button = Qt::LeftButton)
     {
-        const QPointF place = middleOf(objectName);
-        send(QEvent::MouseButtonPress, place, button, button);
-        send(QEvent::MouseButtonRelease, place, button, Qt::NoButton);
+        QTest::mouseClick(&m_window, button, Qt::NoModifier, middleOf(path));
         settle();
     }
-    void doubleClick(const QString &objectName)
+    void doubleClick(const QString &path)
     {
-        click(objectName);
-        const QPointF place = middleOf(objectName);
-        send(QEvent::MouseButtonPress, place, Qt::LeftButton, Qt::LeftButton);
-        send(QEvent::MouseButtonDblClick, place, Qt::LeftButton, Qt::LeftButton);
-        send(QEvent::MouseButtonRelease, place, Qt::LeftButton, Qt::NoButton);
+        QTest::mouseDClick(&m_window, Qt::LeftButton, Qt::NoModifier, middleOf(path));
         settle();
     }
-    void hover(const QString &objectName)
+    void hover(const QString &path)
     {
-        send(QEvent::MouseMove, middleOf(objectName), Qt::NoButton, Qt::NoButton);
+        QTest::mouseMove(&m_window, middleOf(path));
         settle();
     }
-    void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier, const QString &text = {})
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
     {
-        for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
-            QKeyEvent event(type, key, modifiers, text);
-            QCoreApplication::sendEvent(&m_window, &event);
-        }
+        QTest::keyClick(&m_window, key, modifiers);
         settle();
     }
     void type(const QString &text)
     {
         for (const QChar character : text)
-            press(character.toUpper().unicode(), Qt::NoModifier, character);
+            QTest::keyClick(&m_window, character.toLatin1());
+        settle();
     }
 
     [[nodiscard]] QImage picture() { return m_window.grabWindow(); }
@@ -110,8 +101,10 @@ public:
     /// Lets everything that is due happen.
     static void settle()
     {
-        for (int turn = 0; turn < 3; ++turn)
+        for (int turn = 0; turn < 3; ++turn) {
             QCoreApplication::processEvents();
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // as an event loop does by itself
+        }
     }
 
 private:
@@ -136,16 +129,10 @@ private:
         return nullptr;
     }
 
-    QPointF middleOf(const QString &objectName)
+    QPoint middleOf(const QString &path)
     {
-        const QQuickItem &target = item(objectName);
-        return target.mapToScene(QPointF(target.width() / 2, target.height() / 2));
-    }
-
-    void send(QEvent::Type type, QPointF place, Qt::MouseButton button, Qt::MouseButtons buttons)
-    {
-        QMouseEvent event(type, place, m_window.mapToGlobal(place), button, buttons, Qt::NoModifier);
-        QCoreApplication::sendEvent(&m_window, &event);
+        const QQuickItem &target = item(path);
+        return target.mapToScene(QPointF(target.width() / 2, target.height() / 2)).toPoint();
     }
 
     QQmlEngine m_engine;
