@@ -6,6 +6,7 @@
 #include "views/WindowContentPresenter.h"
 
 #include <QtQml/qqml.h>
+#include <QtQml/qqmlregistration.h>
 
 // The presenters by their names in QML, which makes none of them.
 namespace brindle {
