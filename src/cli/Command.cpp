@@ -2,7 +2,7 @@
 
 #include "assembly/DemoMachine.h"
 #include "base/Error.h"
-#include "cli/Interruption.h"
+#include "assembly/Interruption.h"
 #include "cli/PasswordInput.h"
 #include "cli/TerminalDialogs.h"
 #include "platform/NoNotifications.h"

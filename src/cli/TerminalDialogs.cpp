@@ -1,6 +1,6 @@
 #include "cli/TerminalDialogs.h"
 
-#include "cli/Interruption.h"
+#include "assembly/Interruption.h"
 
 #include "base/VisibleText.h"
 

@@ -7,7 +7,7 @@
 #include "base/Log.h"
 #include "cli/Acting.h"
 #include "cli/DiskTable.h"
-#include "cli/Interruption.h"
+#include "assembly/Interruption.h"
 #include "cli/Terminal.h"
 #include "cli/TerminalDialogs.h"
 

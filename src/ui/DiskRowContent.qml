@@ -20,6 +20,7 @@ Item {
     }
 
     Column {
+        objectName: "rowTexts"
         anchors.left: icon.right
         anchors.leftMargin: 10
         anchors.right: efi.left

@@ -22,6 +22,7 @@ Rectangle {
 
         DiskListHeaderView {
             id: header
+            objectName: "header"
             width: parent.width
             isLoading: root.presenter.isLoading
             onRefreshTapped: root.presenter.refresh()
@@ -35,9 +36,22 @@ Rectangle {
         }
         DiskListFooterView {
             id: footer
+            objectName: "footer"
             anchors.bottom: parent.bottom
             width: parent.width
             presenter: root.presenter
+        }
+    }
+    FlowLoader {
+        active: root.presenter.copy.dialog !== null
+        sourceComponent: EFIDestinationSelectionView {
+            dialog: root.presenter.copy.dialog
+        }
+    }
+    FlowLoader {
+        active: root.presenter.content === "erase"
+        sourceComponent: EraseProgressView {
+            erase: root.presenter.erase
         }
     }
 }

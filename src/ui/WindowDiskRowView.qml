@@ -5,7 +5,7 @@ import Brindle
 Column {
     id: root
     required property DiskRowPresenter row
-    required property DiskListContentView list
+    required property ListFocus list
 
     // Gives the keyboard to the row, or to the row of one of its partitions.
     function focusRow(identifier: string): void {
@@ -17,7 +17,7 @@ Column {
             const partition = partitions.itemAt(i) as WindowEFIPartitionRowView;
             if (partition && partition.presenter.identifier === identifier) {
                 partition.forceActiveFocus(Qt.TabFocusReason);
-                list.reveal(partition);
+                list.revealRequested(partition);
             }
         }
     }
@@ -66,8 +66,8 @@ Column {
         id: partitions
         model: root.row.partitions
         WindowEFIPartitionRowView {
-            required property var modelData
-            presenter: modelData as EFIPartitionRowPresenter
+            required property EFIPartitionRowPresenter modelData
+            partition: modelData
             list: root.list
             width: root.width
         }

@@ -1,0 +1,108 @@
+// Pictures of every state of the window, in both schemes, for people to look at: ./dev screenshots.
+
+#include "ui/QmlWindow.h"
+#include "views/WindowContentFixture.h"
+
+#include "ui/WindowBridge.h"
+
+#include <QDir>
+#include <QImage>
+
+namespace brindle {
+namespace {
+
+class Screenshots : public WindowContentFixture, public testing::WithParamInterface<ColorScheme> {
+protected:
+    Screenshots()
+    {
+        defaults.set(DefaultsKeys::kShowDiskSpaceIndicator, true);
+        defaults.set(DefaultsKeys::kShowSMARTStatus, true);
+        content().setColorScheme(GetParam());
+    }
+
+    /// As high as the window makes itself.
+    QmlWindow &window()
+    {
+        if (!m_window) {
+            const std::vector<PhysicalDisk> &disks = manager().disks();
+            const double height =
+                ViewHeightCalculator(defaults).contentHeight(disks.size(), manager().expandedDisks(), disks);
+            m_window.emplace(QStringLiteral("WindowContentView { width: 500; height: %1 }").arg(height).toUtf8(),
+                             qRound(height),
+                             QVariantMap{{QStringLiteral("presenter"), QVariant::fromValue(&content())}});
+            m_window->window().setColor(Qt::transparent);
+            auto *bridge =
+                m_window->engine().singletonInstance<WindowBridge *>(qmlTypeId("Brindle", 1, 0, "WindowBridge"));
+            bridge->setIsComposited(true);
+            setColorScheme(m_window->engine(), GetParam());
+            content().setColorScheme(GetParam());
+        }
+        return *m_window;
+    }
+
+    void save(const char *name)
+    {
+        const QDir folder(qEnvironmentVariable("BRINDLE_SCREENSHOTS", QStringLiteral(".")));
+        const char *scheme = GetParam() == ColorScheme::dark ? "dark" : "light";
+        window().settle();
+        const QString path =
+            folder.filePath(QStringLiteral("%1-%2.png").arg(QLatin1String(name), QLatin1String(scheme)));
+        EXPECT_TRUE(window().picture().save(path)) << path.toStdString();
+    }
+
+    static PhysicalDisk disk(std::string identifier, std::string name, std::string size, PhysicalDisk::DiskType type)
+    {
+        return {.identifier = identifier,
+                .mediaUUID = "UUID-" + identifier,
+                .name = std::move(name),
+                .size = std::move(size),
+                .diskType = type};
+    }
+
+    /// A machine as people have it.
+    static std::vector<PhysicalDisk> machine()
+    {
+        using Type = PhysicalDisk::DiskType;
+        PhysicalDisk boot = disk("disk0", "Samsung SSD 980 PRO (nvme0n1)", "1.0 TB", Type::physicalInternal);
+        boot.volumeName = "System";
+        boot.isBootDisk = boot.hasOpenCore = boot.hasMacOS = true;
+        boot.efiPartitions = {
+            {.identifier = "disk0s1", .isMounted = true, .mountPoint = "/Volumes/EFI", .volumeName = "EFI"}};
+        boot.totalSpaceBytes = 1'000'204'886'016;
+        boot.usedSpaceBytes = 412'000'000'000;
+        boot.smartStatus = SMARTStatus::verified;
+        PhysicalDisk windows = disk("disk1", "Crucial MX500 (sda)", "500.1 GB", Type::physicalInternal);
+        windows.volumeName = "Windows • Work";
+        windows.hasWindows = windows.hasLinux = true;
+        windows.efiPartitions = {{.identifier = "disk1s1", .volumeName = "SYSTEM"}, {.identifier = "disk1s5"}};
+        windows.totalSpaceBytes = 500'107'862'016;
+        windows.usedSpaceBytes = 401'000'000'000;
+        windows.smartStatus = SMARTStatus::failing;
+        PhysicalDisk stick = disk("disk2", "SanDisk Ultra (sdb)", "32.0 GB", Type::removable);
+        stick.volumeName = "INSTALL";
+        stick.hasOpenCore = true;
+        stick.efiPartitions = {{.identifier = "disk2s1"}};
+        stick.smartStatus = SMARTStatus::notSupported;
+        PhysicalDisk backup = disk("disk3", "WD Elements (sdc)", "4.0 TB", Type::physicalExternal);
+        backup.hasExFAT = true;
+        backup.totalSpaceBytes = 4'000'000'000'000;
+        backup.usedSpaceBytes = 3'810'000'000'000;
+        backup.volumeName = "Backup";
+        backup.smartStatus = SMARTStatus::notSupported;
+        PhysicalDisk image = disk("disk4", "Disk Image (loop0)", "2.1 GB", Type::diskImage);
+        return {boot, windows, stick, backup, image};
+    }
+
+private:
+    std::optional<QmlWindow> m_window;
+};
+
+INSTANTIATE_TEST_SUITE_P(Schemes, Screenshots, testing::Values(ColorScheme::light, ColorScheme::dark));
+
+TEST_P(Screenshots, List)
+{
+    save("list");
+}
+
+} // namespace
+} // namespace brindle
