@@ -13,8 +13,8 @@
 #include <filesystem>
 #include <memory>
 #include <string>
-#include <vector>
 #include <utility>
+#include <vector>
 
 namespace brindle {
 namespace {
