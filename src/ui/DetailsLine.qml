@@ -14,7 +14,7 @@ Row {
         hidden = presenter.hiddenDetails(widths, bullet.implicitWidth + 2 * spacing, more.implicitWidth, width);
     }
 
-    spacing: 4
+    spacing: 3
     onWidthChanged: fit()
     Component.onCompleted: fit()
     Connections {

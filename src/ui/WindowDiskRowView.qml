@@ -37,7 +37,7 @@ Column {
             presenter: root.row.content
             anchors.left: parent.left
             anchors.right: buttons.left
-            anchors.rightMargin: 6
+            anchors.rightMargin: 2
             height: parent.height
         }
         RowButtons {
