@@ -6,6 +6,14 @@ Rectangle {
     id: root
     required property WindowContentPresenter presenter
 
+    readonly property var menuColors: [Theme.row, Theme.primary, Theme.secondary, Theme.accent, Theme.onFilled]
+
+    function paintMenus(): void {
+        WindowBridge.paintMenus(menuColors[0], menuColors[1], menuColors[2], menuColors[3], menuColors[4]);
+    }
+    onMenuColorsChanged: paintMenus()
+    Component.onCompleted: paintMenus()
+
     color: Theme.window
     radius: WindowBridge.isComposited ? Theme.windowRadius : 0
     border.width: WindowBridge.isComposited ? 0 : 1

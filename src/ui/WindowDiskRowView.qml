@@ -37,7 +37,7 @@ Column {
             presenter: root.row.content
             anchors.left: parent.left
             anchors.right: buttons.left
-            anchors.rightMargin: 6
+            anchors.rightMargin: 2
             height: parent.height
         }
         RowButtons {
@@ -47,12 +47,11 @@ Column {
             anchors.right: chevron.left
             anchors.verticalCenter: parent.verticalCenter
         }
-        IconButton {
+        IconButton { // its place stays free in other rows, so that their buttons stand beneath one another
             id: chevron
             objectName: "chevron"
             anchors.right: parent.right
             anchors.verticalCenter: parent.verticalCenter
-            width: visible ? 20 : 0
             visible: root.row.hasChevron
             frame: 20
             size: 10

@@ -5,8 +5,12 @@
 
 #include "ui/WindowBridge.h"
 
+#include "shell/ViewHeightCalculator.h"
+
+#include <QApplication>
 #include <QDir>
 #include <QImage>
+#include <QMenu>
 
 namespace brindle {
 namespace {
@@ -17,7 +21,6 @@ protected:
     {
         defaults.set(DefaultsKeys::kShowDiskSpaceIndicator, true);
         defaults.set(DefaultsKeys::kShowSMARTStatus, true);
-        content().setColorScheme(GetParam());
     }
 
     /// As high as the window makes itself.
@@ -101,7 +104,64 @@ INSTANTIATE_TEST_SUITE_P(Schemes, Screenshots, testing::Values(ColorScheme::ligh
 
 TEST_P(Screenshots, List)
 {
+    hold(machine());
+    manager().toggleExpanded("disk1");
     save("list");
+}
+
+TEST_P(Screenshots, ListWithTheKeyboardInIt)
+{
+    hold(machine());
+    window().press(Qt::Key_Tab);
+    window().press(Qt::Key_Tab);
+    window().press(Qt::Key_Down);
+    window().hover(QStringLiteral("disk2/mountButton"));
+    save("keyboard");
+}
+
+TEST_P(Screenshots, FullRows)
+{
+    PhysicalDisk full = disk("disk2", "A Manufacturer's Portable Solid State Drive With a Very Long Name", "1000.2 GB",
+                             PhysicalDisk::DiskType::removable);
+    full.volumeName = "First Volume • Second Volume • Third Volume";
+    full.efiPartitions = {{.identifier = "disk2s1", .isMounted = true}, {.identifier = "disk2s3"}};
+    full.hasOpenCore = full.hasClover = full.hasMacOS = full.hasWindows = full.hasExFAT = true;
+    full.smartStatus = SMARTStatus::failing;
+    full.totalSpaceBytes = full.usedSpaceBytes = 1'000'200'000'000;
+    PhysicalDisk one = full;
+    one.identifier = "disk3";
+    one.efiPartitions.resize(1);
+    one.isBootDisk = true;
+    one.smartStatus = SMARTStatus::verified;
+    hold({one, full});
+    save("full-rows");
+}
+
+TEST_P(Screenshots, FirstScan)
+{
+    defaults.set(DefaultsKeys::kIsModeSwitchRelaunch, false);
+    save("first-scan");
+}
+
+TEST_P(Screenshots, NoDisks)
+{
+    defaults.set(DefaultsKeys::kIsModeSwitchRelaunch, false);
+    paths = ToolPaths::system();
+    plugIn({});
+    scan();
+    save("no-disks");
+}
+
+TEST_P(Screenshots, Menu)
+{
+    hold(machine());
+    window().click(QStringLiteral("disk2"), Qt::RightButton);
+    auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+    ASSERT_TRUE(menu);
+    const QDir folder(qEnvironmentVariable("BRINDLE_SCREENSHOTS", QStringLiteral(".")));
+    EXPECT_TRUE(menu->grab().save(folder.filePath(GetParam() == ColorScheme::dark ? QStringLiteral("menu-dark.png")
+                                                                                  : QStringLiteral("menu-light.png"))));
+    menu->close();
 }
 
 } // namespace

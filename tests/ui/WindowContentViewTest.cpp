@@ -453,7 +453,7 @@ TEST_F(FullRowTest, LeavesIndicatorsOutFromTheRightAndNothingElse)
     EXPECT_EQ(shown.back(), "SMART Failing");
     EXPECT_EQ(shown[shown.size() - 2].front(), '+');
     QQuickItem &line = window().item(QStringLiteral("details"));
-    EXPECT_LE(line.childrenRect().width(), line.width());
+    EXPECT_LE(line.implicitWidth(), line.width());
     EXPECT_THAT(descriptionReadAloud(window().item(QStringLiteral("disk2"))),
                 HasSubstr("OC, Clover, macOS, Windows ExFAT"));
 }
