@@ -240,7 +240,7 @@ TEST_F(EraseDialogTest, CannotBeLeftWhileItErases)
     for (const char16_t *button : {u"cancelButton", u"eraseButton", u"doneButton"})
         EXPECT_FALSE(window().shows(QString::fromUtf16(button)));
 
-    for (const int key : {Qt::Key_Escape, Qt::Key_Return, Qt::Key_Space})
+    for (const Qt::Key key : {Qt::Key_Escape, Qt::Key_Return, Qt::Key_Space})
         window().press(key);
 
     EXPECT_TRUE(manager.isActive());

@@ -57,6 +57,7 @@ public:
         ASSERT_TRUE(chosen) << text.toStdString();
         chosen->trigger();
         menu->close();
+        window().window().requestActivate(); // what a window manager does
         QmlWindow::settle();
     }
 
