@@ -18,6 +18,16 @@ std::string dissent(const Dissenter &dissenter)
                        printable(dissenter.program), dissenter.parentPid, printable(dissenter.parent));
 }
 
+/// Of a disk that is given a table: the EFI partition, and the megabyte before and behind the partitions.
+constexpr std::uint64_t kBytesBesideVolume = 202 * 1024 * 1024;
+
+void requireRoomFor(const Format &format, const Target &target, std::uint64_t sizeBytes)
+{
+    if (sizeBytes < format.smallestBytes)
+        throw ActionError(fmt::format("{} is too small for {}, which needs {}", target.argument, format.title,
+                                      sizeText(format.smallestBytes)));
+}
+
 } // namespace
 
 Dissenter systemDissenter()
@@ -88,15 +98,18 @@ void requireVolumeFor(const Format &format, const Target &target)
         throw ActionError(fmt::format("{} is not a volume: use eraseDisk for a whole disk", target.argument));
     if (isEfi(device) && format.fileSystem == "apfs")
         throw ActionError(fmt::format("{} is an EFI partition, which can't be erased to APFS", target.argument));
+    if (!device.container)
+        requireRoomFor(format, target, device.partition ? device.partition->sizeBytes : device.disk->sizeBytes);
 }
 
-void requireDiskForTable(const Target &target)
+void requireDiskForTable(const Format &format, const Target &target)
 {
     const Device &device = target.device;
     if (device.partition || device.container)
         throw ActionError(fmt::format("{} is not a whole disk: use eraseVolume", target.argument));
     if (device.disk->sizeBytes < kSmallestDiskBytes)
         throw ActionError(fmt::format("{} is too small for an EFI partition and a volume", target.argument));
+    requireRoomFor(format, target, device.disk->sizeBytes - kBytesBesideVolume);
 }
 
 } // namespace brindle::tools

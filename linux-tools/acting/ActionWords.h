@@ -52,13 +52,13 @@ struct Dissenter {
 void requireWritable(const Device &device);
 
 /// A whole disk with a table has no file system of its own; an EFI partition keeps its type, and an APFS container
-/// needs its own.
+/// needs its own. What a volume gets must hold the format.
 void requireVolumeFor(const Format &format, const Target &target);
 
 /// What a whole disk needs at least, in bytes, to be given an EFI partition and a volume.
 inline constexpr std::uint64_t kSmallestDiskBytes = 256 * 1024 * 1024;
 
-/// A whole disk that has kSmallestDiskBytes.
-void requireDiskForTable(const Target &target);
+/// A whole disk that has kSmallestDiskBytes, and room for the format beside the EFI partition.
+void requireDiskForTable(const Format &format, const Target &target);
 
 } // namespace brindle::tools

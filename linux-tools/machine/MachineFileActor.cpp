@@ -218,7 +218,7 @@ Erased MachineFileActor::eraseDisk(const Target &target, const Format &format, s
     m_file.change([&](Json &json, const Machine &machine) {
         const Target now = locate(machine, target);
         const Device &device = now.device;
-        requireDiskForTable(now);
+        requireDiskForTable(format, now);
         requireErasable(device);
         const std::vector<Mount> ended = unmountToErase(json, machine, device);
         erased.label = fittedLabel(name, format.fileSystem);

@@ -1,8 +1,8 @@
 #include "cli/Command.h"
 
 #include "assembly/DemoMachine.h"
+#include "assembly/Interruption.h"
 #include "base/Error.h"
-#include "cli/Interruption.h"
 #include "cli/PasswordInput.h"
 #include "cli/TerminalDialogs.h"
 #include "platform/NoNotifications.h"

@@ -1,6 +1,6 @@
 #include "cli/TerminalDialogs.h"
 
-#include "cli/Interruption.h"
+#include "assembly/Interruption.h"
 
 #include "base/VisibleText.h"
 
@@ -200,10 +200,13 @@ QCoro::Task<std::optional<Secret>> TerminalDialogs::line(std::string question, E
 {
     // Signals are caught before the terminal is changed and until it is as before.
     std::optional<LineSettings> settings;
-    const Interruption interruption([&settings] { settings->restore(); });
+    const Completion<bool> typed;
+    const Interruption interruption([&settings, typed] {
+        settings->restore();
+        typed.complete(false); // nothing is read any more where the program goes on: it would be seen
+    });
     settings.emplace(m_terminal, echo == Echo::on);
     say(question);
-    const Completion<bool> typed;
     m_line = typed;
     QSocketNotifier notifier(m_terminal, QSocketNotifier::Read);
     QObject::connect(&notifier, &QSocketNotifier::activated, &notifier, [&notifier, typed] {

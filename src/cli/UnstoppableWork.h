@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/Interruption.h"
+#include "assembly/Interruption.h"
 
 #include <QObject>
 

@@ -1,13 +1,13 @@
 #include "cli/WatchCommand.h"
 
 #include "assembly/Assembly.h"
+#include "assembly/Interruption.h"
 #include "base/BlockOn.h"
 #include "base/Completion.h"
 #include "base/Error.h"
 #include "base/Log.h"
 #include "cli/Acting.h"
 #include "cli/DiskTable.h"
-#include "cli/Interruption.h"
 #include "cli/Terminal.h"
 #include "cli/TerminalDialogs.h"
 

@@ -1,24 +1,20 @@
 import QtQuick
 import Brindle
 
-// The details of a disk with bullets between them. Where they are too long, "+n" stands for the last indicators.
+// The details of a disk with bullets between them. Where they are too long, "+n" stands for those that give way.
 Row {
     id: root
     required property DiskRowContentPresenter presenter
-    readonly property int hidden: presenter.indicatorCount - shownIndicators
-    property int shownIndicators: 0
-    readonly property int firstHidden: 2 + shownIndicators
-    readonly property int firstAfter: 2 + presenter.indicatorCount
+    property var hidden: [] // indices of details
 
     function fit(): void {
         const widths = [];
         for (let i = 0; i < items.count; ++i)
-            widths.push((items.itemAt(i) as RowText)?.implicitWidth ?? 0);
-        shownIndicators = presenter.fittingIndicators(widths, bullet.implicitWidth + 2 * spacing, more.implicitWidth,
-                                                      width);
+            widths.push(items.itemAt(i)?.textWidth ?? 0);
+        hidden = presenter.hiddenDetails(widths, bullet.implicitWidth + 2 * spacing, more.implicitWidth, width);
     }
 
-    spacing: 4
+    spacing: 3
     onWidthChanged: fit()
     Component.onCompleted: fit()
     Connections {
@@ -29,7 +25,7 @@ Row {
     RowText { id: bullet; value: root.presenter.bullet; visible: false }
     RowText {
         id: more
-        value: ({ text: "+" + Math.max(1, root.hidden), size: 11, weight: "regular", color: "secondary" })
+        value: ({ text: "+" + Math.max(1, root.hidden.length), size: 11, weight: "regular", color: "secondary" })
         visible: false
     }
 
@@ -41,14 +37,14 @@ Row {
             id: item
             required property int index
             required property var modelData
-            readonly property bool isMore: root.hidden > 0 && index === root.firstHidden
-            readonly property real implicitWidth: text.implicitWidth
+            readonly property bool isMore: root.hidden.length > 0 && index === root.hidden[0]
+            readonly property real textWidth: whole.implicitWidth
 
             spacing: root.spacing
-            visible: index <= root.firstHidden || index >= root.firstAfter || root.hidden === 0
+            visible: isMore || !root.hidden.includes(index)
             RowText { value: root.presenter.bullet; visible: item.index > 0 }
+            RowText { id: whole; value: item.modelData; visible: false }
             RowText {
-                id: text
                 objectName: "detail"
                 value: item.isMore ? more.value : item.modelData
             }

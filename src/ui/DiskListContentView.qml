@@ -8,10 +8,6 @@ Item {
     required property string listState
     required property DiskRowsModel rows
 
-    property string currentIdentifier: "" // the row that has the keyboard, or gets it with Tab
-    property bool isByKeyboard: false     // it was brought there by keys: the focus shows
-    property string typed: ""
-
     function reveal(item: Item): void {
         const top = item.mapToItem(list.contentItem, 0, 0).y;
         list.contentY = Math.max(top + item.height - list.height, Math.min(list.contentY, top));
@@ -23,47 +19,18 @@ Item {
         list.positionViewAtIndex(index, ListView.Contain);
         (list.itemAtIndex(index) as WindowDiskRowView)?.focusRow(identifier);
     }
-    function handleKey(event: KeyEvent): bool {
-        const pageRows = Math.max(1, Math.floor(height / 72));
-        const steps = { [Qt.Key_Up]: -1, [Qt.Key_Down]: 1, [Qt.Key_PageUp]: -pageRows, [Qt.Key_PageDown]: pageRows,
-                        [Qt.Key_Home]: -100000, [Qt.Key_End]: 100000 }[event.key];
-        if (steps !== undefined && event.modifiers === Qt.NoModifier) {
-            focusRow(rows.neighbour(currentIdentifier, steps));
-            return true;
-        }
-        return typeAhead(event);
-    }
-    function typeAhead(event: KeyEvent): bool {
-        if (event.text.trim() === "" || event.modifiers & (Qt.ControlModifier | Qt.AltModifier | Qt.MetaModifier))
-            return false;
-        const isNext = typed === "" || typed === event.text; // the same letter again goes on to the next row
-        typed = isNext ? event.text : typed + event.text;
-        forget.restart();
-        focusRow(rows.find(currentIdentifier, typed, isNext));
-        return true;
-    }
 
-    // The current row is the first one until a key or a click has chosen another, and again when that has gone.
-    function chooseCurrent(): void {
-        if (rows.indexOf(currentIdentifier) < 0)
-            currentIdentifier = rows.neighbour("", 0);
+    ListFocus {
+        id: keyboard
+        rows: root.rows
+        pageRows: Math.max(1, Math.floor(root.height / 72))
+        onFocusRequested: identifier => root.focusRow(identifier)
+        onRevealRequested: item => root.reveal(item)
     }
-
-    Timer {
-        id: forget
-        interval: 1000
-        onTriggered: root.typed = ""
-    }
-    Connections {
-        target: root.rows
-        function onRowsInserted(): void { root.chooseCurrent(); }
-        function onRowsRemoved(): void { root.chooseCurrent(); }
-    }
-    Component.onCompleted: chooseCurrent()
-
-    DragHandler {
-        target: null
-        onActiveChanged: if (active) root.Window.window.startSystemMove()
+    MoveArea {
+        y: list.visible ? list.contentHeight : 0
+        width: parent.width
+        height: Math.max(0, parent.height - y)
     }
 
     ListView {
@@ -84,7 +51,7 @@ Item {
         Accessible.role: Accessible.List
         Accessible.name: "Disks"
         delegate: WindowDiskRowView {
-            list: root
+            list: keyboard
             width: ListView.view.width
         }
         T.ScrollBar.vertical: ScrollBar {

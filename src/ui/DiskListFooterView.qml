@@ -9,10 +9,7 @@ Item {
     height: 34
 
     Divider { width: parent.width }
-    DragHandler {
-        target: null
-        onActiveChanged: if (active) root.Window.window.startSystemMove()
-    }
+    MoveArea { anchors.fill: parent }
     Row {
         id: status
         anchors.left: parent.left

@@ -9,10 +9,7 @@ Item {
 
     height: 44
 
-    DragHandler {
-        target: null
-        onActiveChanged: if (active) root.Window.window.startSystemMove()
-    }
+    MoveArea { anchors.fill: parent }
     Row {
         anchors.left: parent.left
         anchors.leftMargin: Theme.margin

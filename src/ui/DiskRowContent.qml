@@ -20,10 +20,11 @@ Item {
     }
 
     Column {
+        objectName: "rowTexts"
         anchors.left: icon.right
         anchors.leftMargin: 10
         anchors.right: efi.left
-        anchors.rightMargin: efi.width > 0 ? 10 : 0
+        anchors.rightMargin: efi.width > 0 ? 6 : 0
         anchors.verticalCenter: parent.verticalCenter
         spacing: 4
 
@@ -69,7 +70,7 @@ Item {
         objectName: "efiIndicator"
         anchors.right: parent.right
         anchors.verticalCenter: parent.verticalCenter
-        width: visible ? 26 : 0
+        width: visible ? 24 : 0
         spacing: 2
         visible: root.presenter.hasEFIIndicator
 

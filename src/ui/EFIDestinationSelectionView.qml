@@ -19,6 +19,7 @@ FocusScope {
             Layout.fillWidth: true
             Layout.preferredHeight: 12 + 24 + 8
             color: Theme.row
+            MoveArea { anchors.fill: parent }
             RowLayout {
                 anchors.fill: parent
                 anchors.leftMargin: 16
@@ -99,6 +100,13 @@ FocusScope {
             Layout.leftMargin: 16
             Layout.rightMargin: 16
             spacing: 12
+            MoveArea {
+                parent: root
+                anchors.bottom: parent.bottom
+                width: parent.width
+                height: 52
+                z: -1
+            }
             SignView {
                 objectName: "indicator"
                 visible: root.dialog.hasIndicator

@@ -9,6 +9,7 @@ FocusScope {
 
     Keys.onEscapePressed: erase.escape()
 
+    MoveArea { anchors.fill: parent }
     Item {
         anchors.fill: parent
         anchors.margins: 32

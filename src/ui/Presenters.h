@@ -5,6 +5,7 @@
 #include "views/EraseProgressPresenter.h"
 #include "views/WindowContentPresenter.h"
 
+#include <QtQml/qqml.h>
 #include <QtQml/qqmlregistration.h>
 
 // The presenters by their names in QML, which makes none of them.

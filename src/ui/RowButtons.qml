@@ -16,6 +16,7 @@ Row {
             required property var modelData
 
             objectName: modelData.name
+            frame: 22
             symbol: modelData.symbol
             tip: modelData.tip
             focusPolicy: root.isCurrent ? Qt.TabFocus : Qt.NoFocus

@@ -5,7 +5,7 @@ import Brindle
 Item {
     id: root
     required property RowPresenter presenter
-    required property DiskListContentView list
+    required property ListFocus list
     property bool isOverButton: false // which has a tip of its own
     default property alias content: holder.data
     readonly property bool isCurrent: list.currentIdentifier === presenter.identifier

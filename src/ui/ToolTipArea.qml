@@ -9,7 +9,7 @@ HoverHandler {
     property Timer delay: Timer {
         interval: 600
         running: root.hovered && root.tip !== ""
-        onTriggered: ToolTips.show(root.parent as Item, root.tip)
+        onTriggered: ToolTips.show(root.tip)
     }
 
     onHoveredChanged: if (!hovered) ToolTips.hide()

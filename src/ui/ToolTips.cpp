@@ -1,15 +1,22 @@
 #include "ui/ToolTips.h"
 
 #include <QCursor>
+#include <QTextDocument>
 #include <QToolTip>
 
 namespace brindle {
 
-void ToolTips::show(QQuickItem *item, const QString &text) const
+namespace {
+
+constexpr qsizetype kLongestLine = 80;
+
+} // namespace
+
+void ToolTips::show(const QString &text) const
 {
-    Q_UNUSED(item)
-    // A tag in front keeps Qt from guessing: what follows is escaped.
-    QToolTip::showText(QCursor::pos(), QStringLiteral("<span>%1</span>").arg(text.toHtmlEscaped()));
+    // Markup, which Qt would obey and which wraps its lines, is what a long text is made into, and no other.
+    const bool wraps = text.size() > kLongestLine || Qt::mightBeRichText(text);
+    QToolTip::showText(QCursor::pos(), wraps ? QStringLiteral("<p>%1</p>").arg(text.toHtmlEscaped()) : text);
 }
 
 void ToolTips::hide() const

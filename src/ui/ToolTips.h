@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QObject>
-#include <QQuickItem>
 #include <QtQml/qqmlregistration.h>
 
 namespace brindle {
@@ -13,8 +12,7 @@ class ToolTips : public QObject {
     QML_SINGLETON
 
 public:
-    Q_INVOKABLE void show(QQuickItem *item,
-                          const QString &text) const; ///< Beneath the pointer, while it is on \a item.
+    Q_INVOKABLE void show(const QString &text) const; ///< Beneath the pointer.
     Q_INVOKABLE void hide() const;
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColor>
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
 
@@ -16,6 +17,10 @@ class WindowBridge : public QObject {
 public:
     [[nodiscard]] bool isComposited() const { return m_isComposited; }
     void setIsComposited(bool isComposited);
+
+    /// Menus and tool tips, which the desktop's widgets draw, get the colours of the theme.
+    Q_INVOKABLE void paintMenus(const QColor &background, const QColor &text, const QColor &dimmed,
+                                const QColor &highlight, const QColor &highlightedText) const;
 
     Q_INVOKABLE void copyToClipboard(const QString &text) const;
 

@@ -6,6 +6,14 @@ Rectangle {
     id: root
     required property WindowContentPresenter presenter
 
+    readonly property var menuColors: [Theme.row, Theme.primary, Theme.secondary, Theme.accent, Theme.onFilled]
+
+    function paintMenus(): void {
+        WindowBridge.paintMenus(menuColors[0], menuColors[1], menuColors[2], menuColors[3], menuColors[4]);
+    }
+    onMenuColorsChanged: paintMenus()
+    Component.onCompleted: paintMenus()
+
     color: Theme.window
     radius: WindowBridge.isComposited ? Theme.windowRadius : 0
     border.width: WindowBridge.isComposited ? 0 : 1
@@ -22,6 +30,7 @@ Rectangle {
 
         DiskListHeaderView {
             id: header
+            objectName: "header"
             width: parent.width
             isLoading: root.presenter.isLoading
             onRefreshTapped: root.presenter.refresh()
@@ -35,9 +44,22 @@ Rectangle {
         }
         DiskListFooterView {
             id: footer
+            objectName: "footer"
             anchors.bottom: parent.bottom
             width: parent.width
             presenter: root.presenter
+        }
+    }
+    FlowLoader {
+        active: root.presenter.copy.dialog !== null
+        sourceComponent: EFIDestinationSelectionView {
+            dialog: root.presenter.copy.dialog
+        }
+    }
+    FlowLoader {
+        active: root.presenter.content === "erase"
+        sourceComponent: EraseProgressView {
+            erase: root.presenter.erase
         }
     }
 }

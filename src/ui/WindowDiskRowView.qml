@@ -5,7 +5,7 @@ import Brindle
 Column {
     id: root
     required property DiskRowPresenter row
-    required property DiskListContentView list
+    required property ListFocus list
 
     // Gives the keyboard to the row, or to the row of one of its partitions.
     function focusRow(identifier: string): void {
@@ -17,7 +17,7 @@ Column {
             const partition = partitions.itemAt(i) as WindowEFIPartitionRowView;
             if (partition && partition.presenter.identifier === identifier) {
                 partition.forceActiveFocus(Qt.TabFocusReason);
-                list.reveal(partition);
+                list.revealRequested(partition);
             }
         }
     }
@@ -37,7 +37,7 @@ Column {
             presenter: root.row.content
             anchors.left: parent.left
             anchors.right: buttons.left
-            anchors.rightMargin: 6
+            anchors.rightMargin: 2
             height: parent.height
         }
         RowButtons {
@@ -47,12 +47,11 @@ Column {
             anchors.right: chevron.left
             anchors.verticalCenter: parent.verticalCenter
         }
-        IconButton {
+        IconButton { // its place stays free in other rows, so that their buttons stand beneath one another
             id: chevron
             objectName: "chevron"
             anchors.right: parent.right
             anchors.verticalCenter: parent.verticalCenter
-            width: visible ? 20 : 0
             visible: root.row.hasChevron
             frame: 20
             size: 10
@@ -66,8 +65,8 @@ Column {
         id: partitions
         model: root.row.partitions
         WindowEFIPartitionRowView {
-            required property var modelData
-            presenter: modelData as EFIPartitionRowPresenter
+            required property EFIPartitionRowPresenter modelData
+            partition: modelData
             list: root.list
             width: root.width
         }

@@ -4,8 +4,9 @@ import Brindle
 // The row of one EFI partition of a disk that has several.
 RowFrame {
     id: root
-    readonly property EFIPartitionRowPresenter partition: presenter as EFIPartitionRowPresenter
+    required property EFIPartitionRowPresenter partition
 
+    presenter: partition
     height: partition.height
     isOverButton: buttons.isHovered
 

@@ -153,6 +153,15 @@ std::vector<RowText> DiskRowContent::details() const
     return items;
 }
 
+bool DiskRowContent::isEssentialDetail(std::size_t index) const
+{
+    constexpr std::size_t kSizeAndType = 2;
+    if (index < kSizeAndType || (disk.isBootDisk && index == kSizeAndType))
+        return true;
+    const bool isBadge = smartBadge() && index + 1 == details().size();
+    return isBadge && disk.smartStatus == SMARTStatus::failing;
+}
+
 RowText DiskRowContent::bullet()
 {
     return detail("•");

@@ -6,6 +6,7 @@
 #include "shell/Color.h"
 
 #include <chrono>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -99,6 +100,8 @@ struct DiskRowContent {
 
     /// The line of details, item by item: size, type, what is on the disk, health.
     [[nodiscard]] std::vector<RowText> details() const;
+    /// Of the item at \a index of details(): size, type, "Boot Disk" and a failing health.
+    [[nodiscard]] bool isEssentialDetail(std::size_t index) const;
     [[nodiscard]] static RowText bullet(); ///< Stands between two details.
     [[nodiscard]] RowText typeLabel() const;
 

@@ -100,23 +100,20 @@ QVariantList DiskRowContentPresenter::details() const
     return list;
 }
 
-int DiskRowContentPresenter::indicatorCount() const
+QList<int> DiskRowContentPresenter::hiddenDetails(const QList<double> &widths, double bulletWidth, double moreWidth,
+                                                  double availableWidth) const
 {
-    return static_cast<int>(m_content.indicators().size());
-}
-
-int DiskRowContentPresenter::fittingIndicators(const QList<double> &widths, double bulletWidth, double moreWidth,
-                                               double availableWidth) const
-{
+    QList<int> hidden;
     double width = std::accumulate(widths.begin(), widths.end(), bulletWidth * static_cast<double>(widths.size() - 1));
-    int shown = indicatorCount();
-    double more = 0;
-    while (shown > 0 && width + more > availableWidth) {
-        --shown;
-        width -= widths.at(kFirstIndicator + shown) + bulletWidth;
-        more = bulletWidth + moreWidth;
+    for (qsizetype i = widths.size() - 1; i >= 0 && width > availableWidth; --i) {
+        if (m_content.isEssentialDetail(static_cast<std::size_t>(i)))
+            continue;
+        width -= widths.at(i) + bulletWidth;
+        if (hidden.isEmpty())
+            width += moreWidth + bulletWidth;
+        hidden.prepend(static_cast<int>(i));
     }
-    return shown;
+    return hidden;
 }
 
 RowTextValue DiskRowContentPresenter::bullet() const

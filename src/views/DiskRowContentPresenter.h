@@ -47,8 +47,7 @@ class DiskRowContentPresenter : public QObject {
     Q_PROPERTY(brindle::RowSymbolValue icon READ icon NOTIFY changed)
     Q_PROPERTY(brindle::RowTextValue name READ name NOTIFY changed)
     Q_PROPERTY(brindle::RowTextValue volumeLabel READ volumeLabel NOTIFY changed)
-    Q_PROPERTY(QVariantList details READ details NOTIFY changed) // of RowTextValue
-    Q_PROPERTY(int indicatorCount READ indicatorCount NOTIFY changed)
+    Q_PROPERTY(QVariantList details READ details NOTIFY changed)  // of RowTextValue
     Q_PROPERTY(brindle::RowTextValue bullet READ bullet CONSTANT) // between two details
     Q_PROPERTY(bool hasSpaceBar READ hasSpaceBar NOTIFY changed)
     Q_PROPERTY(double usedRatio READ usedRatio NOTIFY changed) // 0 to 1
@@ -64,9 +63,6 @@ public:
     /// The settings of \a content are read from \a defaults, which outlives the presenter.
     DiskRowContentPresenter(DiskRowContent content, const UserDefaults &defaults, QObject *parent = nullptr);
 
-    /// Where the indicators of what is on the disk begin in details().
-    static constexpr int kFirstIndicator = 2;
-
     /// A newer record of the disk, told as a change where anything shown differs: records that are equal may look
     /// different.
     void setDisk(PhysicalDisk disk, bool efiMounted);
@@ -76,11 +72,11 @@ public:
     [[nodiscard]] RowTextValue name() const;
     [[nodiscard]] RowTextValue volumeLabel() const;
     [[nodiscard]] QVariantList details() const;
-    [[nodiscard]] int indicatorCount() const;
-    /// How many indicators, from the left, can be shown in a line of \a availableWidth; "+n" stands for the others,
-    /// and nothing else is ever left out. \a widths are those of details(), \a bulletWidth counts the gaps round it.
-    Q_INVOKABLE [[nodiscard]] int fittingIndicators(const QList<double> &widths, double bulletWidth, double moreWidth,
-                                                    double availableWidth) const;
+    /// Which details, by their index, give way in a line of \a availableWidth: from the right, and what must be read at
+    /// once never. "+n" of \a moreWidth stands in place of the first of them. \a widths are those of details(),
+    /// \a bulletWidth counts the gaps round it.
+    Q_INVOKABLE [[nodiscard]] QList<int> hiddenDetails(const QList<double> &widths, double bulletWidth,
+                                                       double moreWidth, double availableWidth) const;
     [[nodiscard]] RowTextValue bullet() const;
 
     // Nothing to show, 0 or empty, without a space bar.

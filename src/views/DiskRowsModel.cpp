@@ -54,16 +54,18 @@ void DiskRowsModel::setDisks(const std::vector<PhysicalDisk> &disks, const std::
         m_rows[place]->setDisk(disk);
         m_rows[place]->setIsExpanded(expandedDisks.contains(disk.identifier));
     }
-    if (m_rows.size() > disks.size()) {
-        beginRemoveRows({}, static_cast<int>(disks.size()), static_cast<int>(m_rows.size()) - 1);
-        std::vector<std::unique_ptr<DiskRowPresenter>> gone(
-            std::make_move_iterator(m_rows.begin() + static_cast<std::ptrdiff_t>(disks.size())),
-            std::make_move_iterator(m_rows.end()));
-        m_rows.resize(disks.size());
-        endRemoveRows();
-        for (auto &row : gone)
-            row.release()->deleteLater(); // a view may still be showing it on its way out
-    }
+    removeRowsFrom(disks.size());
+}
+
+void DiskRowsModel::removeRowsFrom(std::size_t first)
+{
+    if (first == m_rows.size())
+        return;
+    beginRemoveRows({}, static_cast<int>(first), static_cast<int>(m_rows.size()) - 1);
+    const auto begin = m_rows.begin() + static_cast<std::ptrdiff_t>(first);
+    m_goneRows.assign(std::make_move_iterator(begin), std::make_move_iterator(m_rows.end()));
+    m_rows.erase(begin, m_rows.end());
+    endRemoveRows();
 }
 
 void DiskRowsModel::setColorScheme(ColorScheme colorScheme)

@@ -44,11 +44,14 @@ public:
     Q_INVOKABLE [[nodiscard]] QString find(const QString &identifier, const QString &typed, bool isNext) const;
 
 private:
+    void removeRowsFrom(std::size_t first);
     [[nodiscard]] std::vector<RowPresenter *> allRows() const;
 
     RowSurroundings &m_surroundings;
     ColorScheme m_colorScheme = ColorScheme::light;
     std::vector<std::unique_ptr<DiskRowPresenter>> m_rows;
+    /// Those that went last: a view shows them until it is drawn the next time.
+    std::vector<std::unique_ptr<DiskRowPresenter>> m_goneRows;
 };
 
 } // namespace brindle

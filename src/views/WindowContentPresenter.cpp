@@ -2,8 +2,13 @@
 
 #include "base/DefaultsKeys.h"
 #include "base/Spawn.h"
+#include "shell/EFICopyState.h"
+#include "shell/ViewHeightCalculator.h"
+#include "shell/WindowHeight.h"
 #include "views/Shown.h"
 
+#include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace brindle {
@@ -15,6 +20,7 @@ WindowContentPresenter::WindowContentPresenter(const Surroundings &surroundings,
       m_eraseManager(surroundings.eraseManager),
       m_userDefaults(surroundings.userDefaults),
       m_scheduler(surroundings.scheduler),
+      m_windowHost(surroundings.windowHost),
       m_copyFlow(
           m_efiCopyManager, [this]() -> const std::vector<PhysicalDisk> & { return m_diskManager.disks(); },
           m_scheduler),
@@ -98,20 +104,6 @@ QString WindowContentPresenter::statusText() const
     return shown(footer().text);
 }
 
-std::optional<EFICopyState> WindowContentPresenter::copyState() const
-{
-    return efiCopyState(m_eraseManager, m_efiCopyManager, m_copyFlow.showingDestinationSelection(),
-                        m_copyFlow.availableDestinations().size());
-}
-
-double WindowContentPresenter::contentHeight() const
-{
-    if (const std::optional<EFICopyState> state = copyState())
-        return state->contentHeight();
-    const std::vector<PhysicalDisk> &disks = m_diskManager.disks();
-    return ViewHeightCalculator(m_userDefaults).contentHeight(disks.size(), m_diskManager.expandedDisks(), disks);
-}
-
 void WindowContentPresenter::refresh()
 {
     if (!isLoading())
@@ -137,9 +129,62 @@ void WindowContentPresenter::updateRows()
     requestHeight();
 }
 
+void WindowContentPresenter::appear()
+{
+    if (m_hasAppeared || !window())
+        return;
+    m_hasAppeared = true;
+    connect(&m_windowHost, &WindowHost::screenParametersChanged, this, &WindowContentPresenter::requestHeight);
+    m_currentHeight = cutToScreen(listHeight());
+    requestHeightAfter({});
+}
+
 void WindowContentPresenter::requestHeight()
 {
-    m_heightUpdate = m_scheduler.after(kHeightDelay, [this] { Q_EMIT contentHeightChanged(); });
+    if (m_hasAppeared)
+        requestHeightAfter(kHeightDelay);
+}
+
+void WindowContentPresenter::requestHeightAfter(Scheduler::Duration delay)
+{
+    m_heightUpdate = m_scheduler.after(delay, [this] { updateHeight(); });
+}
+
+void WindowContentPresenter::updateHeight()
+{
+    const std::optional<WindowHost::WindowID> id = window();
+    const double height = cutToScreen(rawHeight());
+    if (!id || std::abs(height - m_currentHeight) <= kHeightTolerance)
+        return;
+    m_currentHeight = height;
+    m_windowHost.setHeight(*id, height, false);
+}
+
+std::optional<WindowHost::WindowID> WindowContentPresenter::window() const
+{
+    const std::vector<WindowHost::Window> windows = m_windowHost.windows();
+    const auto found = std::ranges::find_if(
+        windows, [](const WindowHost::Window &window) { return window.isVisible && window.title.empty(); });
+    return found == windows.end() ? std::nullopt : std::optional(found->id);
+}
+
+double WindowContentPresenter::rawHeight() const
+{
+    const std::optional<EFICopyState> state =
+        efiCopyState(m_eraseManager, m_efiCopyManager, m_copyFlow.showingDestinationSelection(),
+                     m_copyFlow.availableDestinations().size());
+    return state ? state->contentHeight() : listHeight();
+}
+
+double WindowContentPresenter::listHeight() const
+{
+    const std::vector<PhysicalDisk> &disks = m_diskManager.disks();
+    return ViewHeightCalculator(m_userDefaults).contentHeight(disks.size(), m_diskManager.expandedDisks(), disks);
+}
+
+double WindowContentPresenter::cutToScreen(double height) const
+{
+    return windowHeight(height, m_windowHost.visibleScreenHeight());
 }
 
 } // namespace brindle

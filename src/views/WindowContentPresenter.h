@@ -2,11 +2,11 @@
 
 #include "efi/EFICopyManager.h"
 #include "efi/EraseOperationManager.h"
-#include "platform/DelayedCalls.h"
-#include "shell/EFICopyState.h"
-#include "shell/ViewHeightCalculator.h"
+#include "platform/WindowHost.h"
 #include "views/DiskRowsModel.h"
 #include "views/EFICopyFlow.h"
+#include "views/EFICopyFlowPresenter.h"
+#include "views/EraseProgressPresenter.h"
 #include "views/FooterStatus.h"
 
 #include <QObject>
@@ -19,7 +19,7 @@
 namespace brindle {
 
 /// What the window shows: the list of disks with its header and footer, or the copy or erase dialog in its place; and
-/// how high that is. Owns the status line of the rows' operations. Main thread only.
+/// how high the window is for that. Owns the status line of the rows' operations. Main thread only.
 class WindowContentPresenter : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString content READ content NOTIFY contentChanged) // "diskList", "efiCopy" or "erase"
@@ -30,10 +30,15 @@ class WindowContentPresenter : public QObject {
     Q_PROPERTY(QString statusSymbol READ statusSymbol NOTIFY footerChanged)
     Q_PROPERTY(QString statusColor READ statusColor NOTIFY footerChanged)
     Q_PROPERTY(QString statusText READ statusText NOTIFY footerChanged)
+    Q_PROPERTY(brindle::EFICopyFlowPresenter *copy READ copy CONSTANT)
+    Q_PROPERTY(brindle::EraseProgressPresenter *erase READ erase CONSTANT)
 
 public:
     /// Changes that come together lead to one change of the height.
     static constexpr std::chrono::milliseconds kHeightDelay{50};
+
+    /// A change of the height up to this, in points, leaves the window alone.
+    static constexpr double kHeightTolerance = 2;
 
     /// What the window shows and acts on; all of it outlives the window.
     struct Surroundings {
@@ -43,6 +48,7 @@ public:
         EraseFlow &eraseFlow;
         UserDefaults &userDefaults;
         Scheduler &scheduler;
+        WindowHost &windowHost;
     };
 
     explicit WindowContentPresenter(const Surroundings &surroundings, QObject *parent = nullptr);
@@ -57,9 +63,11 @@ public:
     [[nodiscard]] QString statusText() const;
 
     [[nodiscard]] EFICopyFlow &copyFlow() { return m_copyFlow; }
+    [[nodiscard]] EFICopyFlowPresenter *copy() { return &m_copy; }
+    [[nodiscard]] EraseProgressPresenter *erase() { return &m_erase; }
 
-    /// The height in points that the content wants, before it is cut to the screen.
-    [[nodiscard]] double contentHeight() const;
+    /// The window shows its content from now on; its height follows the content and the screen.
+    void appear();
 
     void setColorScheme(ColorScheme colorScheme) { m_rows.setColorScheme(colorScheme); }
 
@@ -71,7 +79,6 @@ Q_SIGNALS:
     void contentChanged();
     void listStateChanged();
     void footerChanged();
-    void contentHeightChanged(); ///< contentHeight() may differ from before.
     void quitRequested();
 
 private:
@@ -79,19 +86,29 @@ private:
     void setStatus(std::string statusMessage, bool isPerformingOperation);
     void updateRows();
     void requestHeight();
+    void requestHeightAfter(Scheduler::Duration delay);
+    void updateHeight();
+    [[nodiscard]] std::optional<WindowHost::WindowID> window() const;
+    [[nodiscard]] double rawHeight() const;
+    [[nodiscard]] double listHeight() const;
+    [[nodiscard]] double cutToScreen(double height) const;
     [[nodiscard]] FooterStatus footer() const;
-    [[nodiscard]] std::optional<EFICopyState> copyState() const;
 
     DiskManager &m_diskManager;
     EFICopyManager &m_efiCopyManager;
     EraseOperationManager &m_eraseManager;
     UserDefaults &m_userDefaults;
     Scheduler &m_scheduler;
+    WindowHost &m_windowHost;
     EFICopyFlow m_copyFlow;
+    EFICopyFlowPresenter m_copy{m_copyFlow, m_efiCopyManager};
+    EraseProgressPresenter m_erase{m_eraseManager};
     RowSurroundings m_rowSurroundings;
     DiskRowsModel m_rows;
     std::string m_statusMessage;
     bool m_isPerformingOperation = false;
+    bool m_hasAppeared = false;
+    double m_currentHeight = 0; ///< The one now applied, in points.
     std::unique_ptr<Scheduler::Timer> m_heightUpdate;
 };
 

@@ -1,24 +1,8 @@
 #include "ui/QmlWindow.h"
-
-#include <QAccessible>
+#include "ui/ReadAloud.h"
 
 namespace brindle {
 namespace {
-
-struct ReadAloud {
-    QAccessible::Role role;
-    std::string name;
-
-    bool operator==(const ReadAloud &) const = default;
-};
-
-ReadAloud readAloud(QmlWindow &window, const QString &objectName)
-{
-    QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(&window.item(objectName));
-    if (!accessible)
-        return {QAccessible::NoRole, ""};
-    return {accessible->role(), accessible->text(QAccessible::Name).toStdString()};
-}
 
 TEST(PushButton, IsPressedByPointerSpaceAndReturn)
 {
@@ -60,9 +44,7 @@ TEST(PushButton, IsPressedOnceByAScreenReader)
     QmlWindow window(R"(PushButton { objectName: "button"; property int presses: 0; text: "Copy EFI"
                                      onClicked: presses += 1 })");
 
-    QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(&window.item(QStringLiteral("button")));
-    ASSERT_TRUE(accessible && accessible->actionInterface());
-    accessible->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    ASSERT_TRUE(pressByReader(window.item(QStringLiteral("button"))));
 
     EXPECT_EQ(window.valueOf<int>(QStringLiteral("button"), "presses"), 1);
 }
@@ -71,7 +53,19 @@ TEST(IconButton, IsReadAloudByItsTip)
 {
     QmlWindow window(R"(IconButton { objectName: "button"; symbol: "eject"; tip: "Eject disk" })");
 
-    EXPECT_EQ(readAloud(window, QStringLiteral("button")), (ReadAloud{QAccessible::Button, "Eject disk"}));
+    EXPECT_EQ(readAloud(window.item(QStringLiteral("button"))), (ReadAloud{QAccessible::Button, "Eject disk"}));
+}
+
+TEST(IconButton, IsPressedByPointerAndKeys)
+{
+    QmlWindow window(R"(IconButton { objectName: "button"; symbol: "eject"; tip: "Eject disk"; property int presses: 0
+                                     onClicked: presses += 1; focus: true })");
+
+    window.click(QStringLiteral("button"));
+    EXPECT_EQ(window.valueOf<int>(QStringLiteral("button"), "presses"), 1);
+    window.press(Qt::Key_Space);
+    window.press(Qt::Key_Return);
+    EXPECT_EQ(window.valueOf<int>(QStringLiteral("button"), "presses"), 3);
 }
 
 TEST(CheckBox, IsCheckedByPointerAndSpaceAndByAScreenReader)
@@ -83,9 +77,7 @@ TEST(CheckBox, IsCheckedByPointerAndSpaceAndByAScreenReader)
     window.press(Qt::Key_Space);
     EXPECT_FALSE(window.valueOf<bool>(QStringLiteral("box"), "checked"));
 
-    QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(&window.item(QStringLiteral("box")));
-    ASSERT_TRUE(accessible && accessible->actionInterface());
-    accessible->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    ASSERT_TRUE(pressByReader(window.item(QStringLiteral("box"))));
     EXPECT_TRUE(window.valueOf<bool>(QStringLiteral("box"), "checked"));
 }
 
@@ -96,14 +88,14 @@ TEST(InputField, TakesWhatIsTypedAndTellsItsPlaceholderAloud)
     window.type(QStringLiteral("work"));
 
     EXPECT_EQ(window.textOf(QStringLiteral("field")), "work");
-    EXPECT_EQ(readAloud(window, QStringLiteral("field")), (ReadAloud{QAccessible::EditableText, "New name"}));
+    EXPECT_EQ(readAloud(window.item(QStringLiteral("field"))), (ReadAloud{QAccessible::EditableText, "New name"}));
 }
 
 TEST(ProgressBar, IsReadAloudInWholePerCent)
 {
     QmlWindow window(R"(ProgressBar { objectName: "bar"; value: 0.429 })");
 
-    EXPECT_EQ(readAloud(window, QStringLiteral("bar")), (ReadAloud{QAccessible::ProgressBar, "42%"}));
+    EXPECT_EQ(readAloud(window.item(QStringLiteral("bar"))), (ReadAloud{QAccessible::ProgressBar, "42%"}));
 }
 
 TEST(ScrollFrame, ScrollsToWhatIsRevealed)

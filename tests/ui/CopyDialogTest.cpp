@@ -1,8 +1,7 @@
 #include "ui/CopyDialogFixture.h"
+#include "ui/ReadAloud.h"
 
 #include "support/LogCapture.h"
-
-#include <QAccessible>
 
 #include <gmock/gmock.h>
 
@@ -15,12 +14,6 @@ using testing::StartsWith;
 
 class CopyDialogTest : public CopyDialogFixture {
 protected:
-    static std::string nameAloud(QQuickItem &item)
-    {
-        QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(&item);
-        return accessible ? accessible->text(QAccessible::Name).toStdString() : "";
-    }
-
     LogCapture log;
 };
 
@@ -50,7 +43,7 @@ TEST_F(CopyDialogTest, CopiesToTheDestinationThatWasPickedAndClosesByItself)
     EXPECT_EQ(window().focused(), "doneButton");
     EXPECT_FALSE(window().shows(QStringLiteral("cancelButton")));
     EXPECT_FALSE(window().shows(QStringLiteral("copyButton")));
-    EXPECT_EQ(nameAloud(window().item(QStringLiteral("indicator"))), "Operation completed successfully");
+    EXPECT_EQ(readAloud(window().item(QStringLiteral("indicator"))).name, "Operation completed successfully");
     clock.advance(EFICopyFlow::kAutoClose);
     QmlWindow::settle();
     EXPECT_FALSE(flow.showingDestinationSelection());
@@ -112,15 +105,15 @@ TEST_F(CopyDialogTest, WarnsOfTheBootDiskInItsRowInTheSelectionAndInTheConfirmat
     writeOldEFI();
     disks[1].isBootDisk = true;
     open(578);
-    EXPECT_EQ(nameAloud(window().item(QStringLiteral("destination0"))), "Target, disk2s1, Boot Disk");
+    EXPECT_EQ(readAloud(window().item(QStringLiteral("destination0"))).name, "Target, disk2s1, Boot Disk");
     EXPECT_FALSE(window().shows(QStringLiteral("warning0")));
 
     window().click(QStringLiteral("destination0"));
     EXPECT_TRUE(window().shows(QStringLiteral("warning0")));
-    EXPECT_EQ(nameAloud(window().item(QStringLiteral("warning0"))), "Boot Disk Warning");
+    EXPECT_EQ(readAloud(window().item(QStringLiteral("warning0"))).name, "Boot Disk Warning");
     copyUntilConfirmation();
 
-    EXPECT_EQ(nameAloud(window().item(QStringLiteral("criticalWarning"))), "Critical Warning");
+    EXPECT_EQ(readAloud(window().item(QStringLiteral("criticalWarning"))).name, "Critical Warning");
 }
 
 TEST_F(CopyDialogTest, KeepsTheChoiceAndTheTickAfterACancellation)
@@ -132,7 +125,7 @@ TEST_F(CopyDialogTest, KeepsTheChoiceAndTheTickAfterACancellation)
     window().click(QStringLiteral("option2"));
     waitForEnd();
 
-    EXPECT_EQ(nameAloud(window().item(QStringLiteral("indicator"))), "Operation cancelled");
+    EXPECT_EQ(readAloud(window().item(QStringLiteral("indicator"))).name, "Operation cancelled");
     EXPECT_TRUE(window().valueOf<bool>(QStringLiteral("copyButton"), "enabled"));
     EXPECT_EQ(window().focused(), "destination0");
     clock.advance(std::chrono::seconds(2));
@@ -150,7 +143,7 @@ TEST_F(CopyDialogTest, ReadsTheWholeReasonOfAFailureAloud)
     window().click(QStringLiteral("option1"));
     waitForEnd();
 
-    EXPECT_THAT(nameAloud(window().item(QStringLiteral("indicator"))),
+    EXPECT_THAT(readAloud(window().item(QStringLiteral("indicator"))).name,
                 StartsWith("Operation failed: Copy operation failed: "));
     EXPECT_TRUE(window().shows(QStringLiteral("copyButton")));
 }

@@ -1,6 +1,5 @@
 #include "ui/EraseDialogFixture.h"
-
-#include <QAccessible>
+#include "ui/ReadAloud.h"
 
 #include <gmock/gmock.h>
 
@@ -11,14 +10,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using Stage = EraseOperationManager::Stage;
 
-class EraseDialogTest : public EraseDialogFixture {
-protected:
-    static std::string nameAloud(QQuickItem &item)
-    {
-        QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(&item);
-        return accessible ? accessible->text(QAccessible::Name).toStdString() : "";
-    }
-};
+using EraseDialogTest = EraseDialogFixture;
 
 TEST_F(EraseDialogTest, AsksForTheNameWithTheKeyboardInItsField)
 {
@@ -31,7 +23,7 @@ TEST_F(EraseDialogTest, AsksForTheNameWithTheKeyboardInItsField)
     EXPECT_EQ(window().textOf(QStringLiteral("warningText")),
               "This will permanently erase data on Stick (16 GB) and cannot be undone. The disk will be reformatted "
               "and relabeled \"WORK\".");
-    EXPECT_EQ(nameAloud(window().item(QStringLiteral("nameField"))), "Type \"WORK\" to confirm");
+    EXPECT_EQ(readAloud(window().item(QStringLiteral("nameField"))).name, "Type \"WORK\" to confirm");
     EXPECT_FALSE(window().shows(QStringLiteral("mismatchText")));
 }
 
@@ -248,7 +240,7 @@ TEST_F(EraseDialogTest, CannotBeLeftWhileItErases)
     for (const char16_t *button : {u"cancelButton", u"eraseButton", u"doneButton"})
         EXPECT_FALSE(window().shows(QString::fromUtf16(button)));
 
-    for (const int key : {Qt::Key_Escape, Qt::Key_Return, Qt::Key_Space})
+    for (const Qt::Key key : {Qt::Key_Escape, Qt::Key_Return, Qt::Key_Space})
         window().press(key);
 
     EXPECT_TRUE(manager.isActive());

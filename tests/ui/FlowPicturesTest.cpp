@@ -211,7 +211,7 @@ TEST_P(ErasePictures, ShowTheResult)
 {
     lengthenNames();
     openForDisk(428);
-    window().type(QString::fromStdString(stick.volumeName.value()));
+    presenter.setConfirmInput(QString::fromStdString(stick.volumeName.value()));
     window().click(QStringLiteral("eraseButton"));
     waitForResult();
 

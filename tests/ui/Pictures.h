@@ -7,10 +7,10 @@
 
 namespace brindle {
 
-/// Keeps \a picture in the folder that BRINDLE_PICTURES names, where it names one.
+/// Keeps \a picture in the folder that BRINDLE_SCREENSHOTS names, where it names one.
 inline void keepPicture(const QImage &picture, const std::string &name)
 {
-    const QString folder = qEnvironmentVariable("BRINDLE_PICTURES");
+    const QString folder = qEnvironmentVariable("BRINDLE_SCREENSHOTS");
     if (!folder.isEmpty())
         picture.save(QDir(folder).filePath(QString::fromStdString(name + ".png")));
 }

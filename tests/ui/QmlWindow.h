@@ -5,13 +5,12 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <QKeyEvent>
-#include <QMouseEvent>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQmlProperty>
 #include <QQuickItem>
 #include <QQuickWindow>
+#include <QTest>
 
 #include <memory>
 
@@ -49,16 +48,16 @@ public:
     [[nodiscard]] QQuickWindow &window() { return m_window; }
     [[nodiscard]] QQuickItem &root() { return *m_root; }
 
-    /// The visible item with the object name, anywhere below \a parent; fails the test and gives the root where none
-    /// is.
-    [[nodiscard]] QQuickItem &item(const QString &objectName)
+    /// The visible item with the object name, anywhere below the item that is named before a "/"; fails the test and
+    /// gives the root where none is.
+    [[nodiscard]] QQuickItem &item(const QString &path)
     {
-        QQuickItem *found = find(*m_window.contentItem(), objectName);
+        QQuickItem *found = find(path);
         if (!found)
-            ADD_FAILURE() << "no visible item " << objectName.toStdString();
+            ADD_FAILURE() << "no visible item " << path.toStdString();
         return found ? *found : *m_root;
     }
-    [[nodiscard]] bool shows(const QString &objectName) { return find(*m_window.contentItem(), objectName) != nullptr; }
+    [[nodiscard]] bool shows(const QString &path) { return find(path) != nullptr; }
 
     template <typename T>
     [[nodiscard]] T valueOf(const QString &objectName, const char *property)
@@ -70,39 +69,31 @@ public:
         return valueOf<QString>(objectName, "text").toStdString();
     }
 
-    void click(const QString &objectName, Qt::MouseButton button = Qt::LeftButton)
+    void click(const QString &path, Qt::MouseButton button = Qt::LeftButton)
     {
-        const QPointF place = middleOf(objectName);
-        send(QEvent::MouseButtonPress, place, button, button);
-        send(QEvent::MouseButtonRelease, place, button, Qt::NoButton);
+        QTest::mouseClick(&m_window, button, Qt::NoModifier, middleOf(path));
         settle();
     }
-    void doubleClick(const QString &objectName)
+    void doubleClick(const QString &path)
     {
-        click(objectName);
-        const QPointF place = middleOf(objectName);
-        send(QEvent::MouseButtonPress, place, Qt::LeftButton, Qt::LeftButton);
-        send(QEvent::MouseButtonDblClick, place, Qt::LeftButton, Qt::LeftButton);
-        send(QEvent::MouseButtonRelease, place, Qt::LeftButton, Qt::NoButton);
+        QTest::mouseDClick(&m_window, Qt::LeftButton, Qt::NoModifier, middleOf(path));
         settle();
     }
-    void hover(const QString &objectName)
+    void hover(const QString &path)
     {
-        send(QEvent::MouseMove, middleOf(objectName), Qt::NoButton, Qt::NoButton);
+        QTest::mouseMove(&m_window, middleOf(path));
         settle();
     }
-    void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier, const QString &text = {})
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
     {
-        for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
-            QKeyEvent event(type, key, modifiers, text);
-            QCoreApplication::sendEvent(&m_window, &event);
-        }
+        QTest::keyClick(&m_window, key, modifiers);
         settle();
     }
     void type(const QString &text)
     {
         for (const QChar character : text)
-            press(character.toUpper().unicode(), Qt::NoModifier, character);
+            QTest::keyClick(&m_window, character.toLatin1());
+        settle();
     }
 
     /// What has the keyboard; empty where nothing with a name has.
@@ -126,8 +117,10 @@ public:
     /// Lets everything that is due happen.
     static void settle()
     {
-        for (int turn = 0; turn < 3; ++turn)
+        for (int turn = 0; turn < 3; ++turn) {
             QCoreApplication::processEvents();
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // as an event loop does by itself
+        }
     }
 
     /// The visible item with the object name at or below \a parent; null where none is.
@@ -145,16 +138,18 @@ public:
     }
 
 private:
-    QPointF middleOf(const QString &objectName)
+    QQuickItem *find(const QString &path)
     {
-        const QQuickItem &target = item(objectName);
-        return target.mapToScene(QPointF(target.width() / 2, target.height() / 2));
+        QQuickItem *found = m_window.contentItem();
+        for (const QString &name : path.split(QLatin1Char('/')))
+            found = found ? find(*found, name) : nullptr;
+        return found;
     }
 
-    void send(QEvent::Type type, QPointF place, Qt::MouseButton button, Qt::MouseButtons buttons)
+    QPoint middleOf(const QString &path)
     {
-        QMouseEvent event(type, place, m_window.mapToGlobal(place), button, buttons, Qt::NoModifier);
-        QCoreApplication::sendEvent(&m_window, &event);
+        const QQuickItem &target = item(path);
+        return target.mapToScene(QPointF(target.width() / 2, target.height() / 2)).toPoint();
     }
 
     QQmlEngine m_engine;

@@ -18,6 +18,7 @@ int main(int argc, char **argv)
     qputenv("QT_QPA_PLATFORM", "offscreen");
     brindle::useSoftwareRenderer();
     QApplication application(argc, argv);
-    QApplication::setFont(QFont(QStringLiteral("DejaVu Sans")));
+    // Pinned, so that widths are the same everywhere.
+    QApplication::setFont(QFont(qEnvironmentVariable("BRINDLE_FONT", QStringLiteral("DejaVu Sans"))));
     return RUN_ALL_TESTS();
 }

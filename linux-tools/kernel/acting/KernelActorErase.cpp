@@ -87,7 +87,7 @@ Erased KernelActor::eraseVolume(const Target &target, const Format &format, std:
 Erased KernelActor::eraseDisk(const Target &target, const Format &format, std::string_view name,
                               const Announce &announce)
 {
-    requireDiskForTable(target);
+    requireDiskForTable(format, target);
     const Format &efiFormat = *findFormat("FAT32");
     (void)m_roots.programs.require(makerOf(format));
     (void)m_roots.programs.require(makerOf(efiFormat));

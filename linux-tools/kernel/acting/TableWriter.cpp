@@ -18,7 +18,8 @@ namespace brindle::tools {
 namespace {
 
 constexpr std::uint64_t kMiB = 1024 * 1024;
-constexpr std::uint64_t kPage = 4096; // What the kernel takes over of a write at once; a sector at most.
+constexpr std::uint64_t kPage = 4096;      // What the kernel takes over of a write at once; a sector at most.
+constexpr unsigned kPrimaryPartitions = 4; // Of an MBR; what is numbered behind them lies in an extended one.
 constexpr const char *kModule = "brindle-tables.so";
 
 /// A file in memory, which takes up what was written to it alone.
@@ -105,10 +106,16 @@ void TableWriter::makeTable(const std::vector<NewPartition> &partitions)
 
 void TableWriter::setType(unsigned number, const std::string &type)
 {
+    auto *const set = tablesFunction<decltype(brindleSetPartitionType)>("brindleSetPartitionType");
+    if (number > kPrimaryPartitions && type.starts_with("0x")) {
+        // Each logical partition has a table of its own before it: one sector, which the disk writes whole or not.
+        check(set(m_disk, m_sectorBytes, number, type.c_str()));
+        synchronize(m_disk);
+        return;
+    }
     const Picture picture(m_sizeBytes);
     for (const std::uint64_t offset : {std::uint64_t{0}, m_sizeBytes - kMiB})
         writeAt(picture.descriptor(), {offset, readAt(m_disk, offset, kMiB)});
-    auto *const set = tablesFunction<decltype(brindleSetPartitionType)>("brindleSetPartitionType");
     check(set(picture.descriptor(), m_sectorBytes, number, type.c_str()));
     write(picture.descriptor());
 }

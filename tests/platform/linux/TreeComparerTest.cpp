@@ -45,7 +45,7 @@ protected:
     LinuxFileManager files{TREE_COMPARER_MODULE};
 
 private:
-    QTemporaryDir m_folder;
+    QTemporaryDir m_folder{QStringLiteral("/var/tmp/brindle-XXXXXX")}; // on a device, which is read
 };
 
 std::string hexOf(const Sha256::Digest &digest)

@@ -17,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::uint64_t kSectors = 614400;
+constexpr std::uint64_t kSectors = 1048576;
 
 std::string usbPath(const std::string &name)
 {

@@ -28,7 +28,7 @@ class ActingKernel : public KernelCalls {
 public:
     ActingKernel();
 
-    /// A stick "sdb" and the like behind USB, of 300 MiB, that is counted by \a sequence.
+    /// A stick "sdb" and the like behind USB, of 512 MiB, that is counted by \a sequence.
     void plug(const std::string &name, int minor, std::uint64_t sequence);
 
     /// A partition of it: type and file system as udev tells them.

@@ -129,6 +129,62 @@ TEST(KernelErase, NamesThePackageBeforeAnythingIsTouched)
     EXPECT_THAT(kernel.asked, IsEmpty());
 }
 
+struct SmallCase {
+    const char *name;
+    std::vector<std::string_view> words;
+    std::uint64_t sizeBytes; ///< Of what is erased.
+    const char *error;
+};
+
+class RefusesWhatIsTooSmall : public testing::TestWithParam<SmallCase> {};
+
+TEST_P(RefusesWhatIsTooSmall, BeforeAnythingIsTouched)
+{
+    ActingKernel kernel;
+    kernel.plugStick();
+    kernel.addMount("8:18", "/mnt/stick");
+    const std::string path = GetParam().words.back() == "disk7" ? kUsbDisk : std::string(kUsbDisk) + "/sdb2";
+    kernel.files().setAttribute(path, "size", std::to_string(GetParam().sizeBytes / 512));
+
+    const Outcome outcome = kernel.run(GetParam().words);
+
+    EXPECT_EQ(outcome.errors, GetParam().error);
+    EXPECT_THAT(kernel.mountPoints(), ElementsAre("/mnt/stick"));
+    EXPECT_THAT(kernel.called(), IsEmpty());
+    EXPECT_THAT(kernel.asked, IsEmpty());
+}
+
+constexpr std::uint64_t kMiB = 1024 * 1024;
+
+INSTANTIATE_TEST_SUITE_P(KernelErase, RefusesWhatIsTooSmall,
+                         testing::Values(SmallCase{"ApfsVolume",
+                                                   {"eraseVolume", "APFS", "X", "disk7s2"},
+                                                   128 * kMiB - 512,
+                                                   "disk7s2 is too small for APFS, which needs 134.2 MB\n"},
+                                         SmallCase{"ExFatVolume",
+                                                   {"eraseVolume", "ExFAT", "X", "disk7s2"},
+                                                   3 * kMiB - 512,
+                                                   "disk7s2 is too small for ExFAT, which needs 3.1 MB\n"},
+                                         SmallCase{"FatVolume",
+                                                   {"eraseVolume", "FAT32", "X", "disk7s2"},
+                                                   kMiB / 16 - 512,
+                                                   "disk7s2 is too small for MS-DOS (FAT32), which needs 65.5 KB\n"},
+                                         SmallCase{"ApfsDisk",
+                                                   {"eraseDisk", "APFS", "X", "GPT", "disk7"},
+                                                   (128 + 202) * kMiB - 512,
+                                                   "disk7 is too small for APFS, which needs 134.2 MB\n"}),
+                         [](const auto &row) { return std::string(row.param.name); });
+
+TEST(KernelErase, TakesTheSmallestVolumeThatHoldsTheFormat)
+{
+    ActingKernel kernel;
+    kernel.plugStick();
+    kernel.files().setAttribute(std::string(kUsbDisk) + "/sdb2", "size", std::to_string(3 * kMiB / 512));
+
+    EXPECT_EQ(kernel.run({"eraseVolume", "ExFAT", "X", "disk7s2"}).status, 0);
+    EXPECT_THAT(kernel.called(), ElementsAre("mkfs.exfat -L X sdb2"));
+}
+
 TEST(KernelErase, UnmountsWipesMakesAndMountsAVolume)
 {
     ActingKernel kernel;

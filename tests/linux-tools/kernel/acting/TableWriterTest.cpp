@@ -160,5 +160,22 @@ TEST_F(TableWriterOnADisk, ChangesTheTypeInAnMbr)
     EXPECT_EQ(contents.entries[1].type, "0xaf");
 }
 
+TEST_F(TableWriterOnADisk, ChangesTheTypeOfALogicalPartitionInItsOwnSectorAlone)
+{
+    // An extended partition at 8192 with two logical ones: each has a sector of its own, which names the next.
+    const Descriptor disk = blank("disk");
+    write(disk.get(), {0, mbrWith({{0x0C, 2048, 4096}, {0x05, 8192, 20480}})});
+    write(disk.get(), {8192 * kSector, mbrWith({{0x83, 2048, 4096}, {0x05, 8192, 8192}})});
+    const std::uint64_t second = (8192 + 8192) * kSector;
+    write(disk.get(), {second, mbrWith({{0x83, 2048, 4096}})});
+    const std::string before = read(disk.get(), 0, second) + read(disk.get(), second + kSector, kMiB);
+
+    TableWriter(disk.get(), kSize, kSector).setType(6, "0xaf");
+
+    EXPECT_EQ(tableOf(disk.get()),
+              "dos 1:1048576+2097152=0xc 2:4194304+10485760=0x5 5:5242880+2097152=0x83 6:9437184+2097152=0xaf");
+    EXPECT_EQ(read(disk.get(), 0, second) + read(disk.get(), second + kSector, kMiB), before);
+}
+
 } // namespace
 } // namespace brindle::tools

@@ -1,4 +1,4 @@
-#include "cli/Interruption.h"
+#include "assembly/Interruption.h"
 
 #include "base/Error.h"
 

@@ -1,0 +1,118 @@
+#include "app/Arguments.h"
+
+#include "assembly/DemoMachine.h"
+#include "assembly/Interruption.h"
+#include "assembly/ProcessStart.h"
+#include "assembly/ShellAssembly.h"
+#include "base/Error.h"
+#include "platform/NoStatusItemHost.h"
+#include "ui/PaletteAppearance.h"
+#include "ui/QtApplicationHost.h"
+#include "ui/QtDialogs.h"
+#include "ui/QtWindowHost.h"
+#include "ui/UserInterface.h"
+#include "views/WindowContentPresenter.h"
+
+#include <QApplication>
+#include <QQmlEngine>
+
+#include <fmt/format.h>
+
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using namespace brindle;
+
+constexpr int kFailed = 1;
+constexpr int kWrongUsage = 2;
+
+constexpr const char *kHelp = R"(Usage: brindle [--demo[=ask]]
+
+Lists the disks of this machine with their EFI system partitions in a window.
+
+  --demo      works on a simulated machine, which is gone afterwards; its
+              password is stored, with --demo=ask it has to be typed
+  --help      prints this
+  --version   prints the version
+)";
+
+std::unique_ptr<WindowContentPresenter> makeContent(Assembly &assembly, WindowHost &windows)
+{
+    return std::make_unique<WindowContentPresenter>(
+        WindowContentPresenter::Surroundings{.model = {.diskManager = assembly.diskManager(),
+                                                       .efiOperations = assembly.efiOperations(),
+                                                       .dialogs = assembly.dialogs(),
+                                                       .workspace = assembly.workspace(),
+                                                       .userDefaults = assembly.userDefaults()},
+                                             .efiCopyManager = assembly.efiCopyManager(),
+                                             .eraseManager = assembly.eraseOperationManager(),
+                                             .eraseFlow = assembly.eraseFlow(),
+                                             .userDefaults = assembly.userDefaults(),
+                                             .scheduler = assembly.scheduler(),
+                                             .windowHost = windows});
+}
+
+int run(const Arguments &options, const std::vector<std::string> &arguments)
+{
+    std::optional<DemoMachine> demo;
+    if (options.demo)
+        demo.emplace(options.demoAsksForPassword ? DemoMachine::Password::missing : DemoMachine::Password::stored);
+
+    QQmlEngine engine;
+    setUpEngine(engine);
+    QtApplicationHost application;
+    QtWindowHost windows(engine);
+    const NoStatusItemHost statusItem;
+    PaletteAppearance appearance;
+    windows.setColorScheme(appearance.colorScheme());
+    QObject::connect(&appearance, &Appearance::colorSchemeChanged, &windows,
+                     [&] { windows.setColorScheme(appearance.colorScheme()); });
+    QObject::connect(&windows, &QtWindowHost::quitRequested, [&] { application.terminate(); });
+    QObject::connect(&windows, &QtWindowHost::lastWindowClosed, [&] { application.lastWindowClosed(); });
+
+    Platform platform = makePlatform(demo ? demo->platformChanges() : changesOfEnvironment());
+    platform.dialogs = std::make_unique<QtDialogs>(engine);
+    ShellAssembly shell(
+        std::move(platform),
+        {.application = application, .windows = windows, .statusItem = statusItem, .appearance = appearance},
+        arguments);
+    windows.setMakeContent([&] { return makeContent(shell.assembly(), windows); });
+    // The event loop ends in order, so that nothing of a demo machine stays.
+    const Interruption interruption([&] { application.terminate(); }, Interruption::Then::goOn);
+    application.finishLaunching();
+    return QApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    prepareProcess();
+    const std::vector<std::string> arguments(argv, argv + argc);
+    const Arguments options = readArguments(arguments);
+    if (!options.unknown.empty()) {
+        fmt::print(stderr, "brindle: {} can't be understood; brindle --help tells what can\n", options.unknown);
+        return kWrongUsage;
+    }
+    if (options.help || options.version) {
+        fmt::print("{}", options.help ? kHelp : "brindle " BRINDLE_VERSION "\n");
+        return 0;
+    }
+    useSoftwareRenderer();
+    QApplication application(argc, argv);
+    QApplication::setApplicationDisplayName(QStringLiteral("Brindle"));
+    QApplication::setDesktopFileName(QStringLiteral("com.orlane.Brindle"));
+    QApplication::setQuitOnLastWindowClosed(false);
+    try {
+        return run(options, arguments);
+    } catch (const Error &error) {
+        fmt::print(stderr, "brindle: {}\n", error.what());
+        return kFailed;
+    }
+}

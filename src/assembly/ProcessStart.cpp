@@ -1,0 +1,30 @@
+#include "assembly/ProcessStart.h"
+
+#include "platform/CoreImages.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace brindle {
+
+namespace {
+
+/// A standard descriptor that was closed at the start would be given to the next file opened, and output would go
+/// there.
+void openStandardDescriptors()
+{
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(descriptor, F_GETFD) < 0)
+            open("/dev/null", O_RDWR);
+    }
+}
+
+} // namespace
+
+void prepareProcess()
+{
+    openStandardDescriptors();
+    forbidCoreImages();
+}
+
+} // namespace brindle

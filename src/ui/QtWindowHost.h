@@ -1,0 +1,54 @@
+#pragma once
+
+#include "platform/WindowHost.h"
+#include "ui/MainWindow.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+
+namespace brindle {
+
+/// The windows of the program on a desktop.
+class QtWindowHost final : public WindowHost {
+    Q_OBJECT
+
+public:
+    using MakeContent = std::function<std::unique_ptr<WindowContentPresenter>()>;
+
+    /// \a engine outlives the host.
+    explicit QtWindowHost(QQmlEngine &engine);
+    ~QtWindowHost() override;
+
+    void setMakeContent(MakeContent makeContent); ///< Before the first window; called for each.
+    void setColorScheme(ColorScheme scheme);      ///< Of all windows, and of those to come.
+
+    /// Null where there is none of that name.
+    [[nodiscard]] MainWindow *find(WindowID window) const;
+
+    [[nodiscard]] std::vector<Window> windows() const override;
+    [[nodiscard]] std::optional<double> visibleScreenHeight() const override;
+    WindowID create(double width, double height) override;
+    void finishStyling(WindowID window, Delegate &delegate) override;
+    void close(WindowID window) override;
+    void center(WindowID window) override;
+    void makeKeyAndOrderFront(WindowID window) override;
+    void redraw(WindowID window) override;
+    void setHeight(WindowID window, double height, bool isAnimated) override;
+
+Q_SIGNALS:
+    void lastWindowClosed(); ///< By the user.
+    void quitRequested();    ///< By the user, in any of the windows.
+
+private:
+    void closedByUser(WindowID window);
+    void observeScreen(QScreen *screen);
+
+    QQmlEngine &m_engine;
+    MakeContent m_makeContent;
+    ColorScheme m_colorScheme = ColorScheme::light;
+    std::map<WindowID, std::unique_ptr<MainWindow>> m_windows; ///< The oldest first.
+    unsigned m_lastID = 0;
+};
+
+} // namespace brindle

@@ -1,0 +1,292 @@
+#include "views/WindowContentPresenter.h"
+
+#include "views/WindowContentFixture.h"
+
+#include <fmt/format.h>
+
+namespace brindle {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+class WindowContentPresenterTest : public WindowContentFixture {
+protected:
+    /// The heights that the window was given.
+    [[nodiscard]] std::vector<std::string> heights() const
+    {
+        std::vector<std::string> result;
+        for (const std::string &line : windowJournal) {
+            if (line.starts_with("height "))
+                result.push_back(line);
+        }
+        return result;
+    }
+
+    void appear()
+    {
+        content();
+        openWindow();
+        content().appear();
+        clock.advance(0ms);
+    }
+};
+
+// --- the list
+
+TEST_F(WindowContentPresenterTest, StaysOnTheFirstScanUntilThatIsOver)
+{
+    defaults.set(DefaultsKeys::kIsModeSwitchRelaunch, false);
+    paths = ToolPaths::system();
+    plugIn({"disk2"});
+
+    EXPECT_EQ(content().listState(), QStringLiteral("firstScan"));
+    scan();
+    EXPECT_EQ(content().listState(), QStringLiteral("rows"));
+}
+
+TEST_F(WindowContentPresenterTest, ShowsTheRowsOfTheDisksInTheirOrder)
+{
+    EXPECT_EQ(content().listState(), QStringLiteral("rows"));
+    EXPECT_EQ(row(0).identifier(), QStringLiteral("disk2"));
+    EXPECT_EQ(row(1).identifier(), QStringLiteral("disk5"));
+}
+
+TEST_F(WindowContentPresenterTest, SaysThatThereAreNoDisks)
+{
+    defaults.set(DefaultsKeys::kIsModeSwitchRelaunch, false);
+    paths = ToolPaths::system();
+    plugIn({});
+    scan();
+
+    EXPECT_EQ(content().listState(), QStringLiteral("empty"));
+}
+
+TEST_F(WindowContentPresenterTest, SaysThatItIsReadyWhereNothingGoesOn)
+{
+    EXPECT_EQ(content().statusText(), QStringLiteral("Ready"));
+    EXPECT_EQ(content().spinnerScale(), 0);
+    EXPECT_EQ(content().content(), QStringLiteral("diskList"));
+}
+
+// --- actions of rows
+
+TEST_F(WindowContentPresenterTest, TellsOfAnActionWhileItRuns)
+{
+    hold({externalDisk("disk2", {{.identifier = "disk2s1"}})});
+    answerInfo("disk2s1", false);
+    answerSudo("mount disk2s1");
+    launcher.hold(sudo("mount disk2s1"));
+
+    row().perform(RowAction::toggleMount);
+    clock.advance(0ms);
+
+    EXPECT_EQ(content().statusText(), QStringLiteral("Mounting EFI partition of Disk disk2"));
+    EXPECT_TRUE(row().isLoading());
+    launcher.release(sudo("mount disk2s1"));
+    settle();
+    EXPECT_EQ(content().statusText(), QStringLiteral("Ready"));
+    EXPECT_FALSE(row().isLoading());
+}
+
+TEST_F(WindowContentPresenterTest, ShowsTheMountedPartitionInItsRow)
+{
+    hold({externalDisk("disk2", {{.identifier = "disk2s1"}})});
+    answerInfo("disk2s1", true);
+    tools.answer(diskutil("info disk2s1"), fmt::format("   Not applicable\n   Mount Point: {}\n", mountPoint()));
+    answerSudo("mount disk2s1");
+
+    row().doubleClick();
+    settle();
+
+    EXPECT_EQ(row().toolTip(), QStringLiteral("Double click to unmount EFI"));
+    EXPECT_EQ(row().buttons().size(), 5);
+    EXPECT_THAT(journal, Contains("open " + mountPoint()));
+}
+
+TEST_F(WindowContentPresenterTest, DoesNothingOnADoubleClickOnADiskWithTwoPartitions)
+{
+    content();
+    journal.clear();
+
+    row().doubleClick();
+    settle();
+
+    EXPECT_EQ(row().toolTip(), QStringLiteral("Double click to mount EFI"));
+    EXPECT_THAT(journal, IsEmpty());
+}
+
+TEST_F(WindowContentPresenterTest, EndsItsStatusWhenAnActionFails)
+{
+    hold({externalDisk("disk2", {{.identifier = "disk2s1"}})});
+    answerInfo("disk2s1", false);
+    refuseSudo("mount disk2s1", "no medium");
+
+    row().perform(RowAction::toggleMount);
+    settle();
+
+    EXPECT_EQ(content().statusText(), QStringLiteral("Ready"));
+    EXPECT_FALSE(row().isLoading());
+    EXPECT_THAT(log.lines(), Not(Contains(StartsWith("❌ A background task failed"))));
+}
+
+TEST_F(WindowContentPresenterTest, MarksADiskForAutoMountAndTakesTheMarkBack)
+{
+    hold({externalDisk("disk2")});
+
+    row().perform(RowAction::toggleAutoMount);
+    EXPECT_EQ(autoMountMarks(defaults), (AutoMountMarks{{"UUID-disk2", "Disk disk2"}}));
+    EXPECT_EQ(row().menu().front().label, "Disable EFI Auto-Mount");
+    row().perform(RowAction::toggleAutoMount);
+    EXPECT_EQ(autoMountMarks(defaults), AutoMountMarks{});
+}
+
+TEST_F(WindowContentPresenterTest, ShowsTheDetailsOfADisk)
+{
+    hold({externalDisk("disk2")});
+
+    row().perform(RowAction::viewDetails);
+    settle();
+
+    ASSERT_EQ(dialogs.alerts.size(), 1U);
+    EXPECT_EQ(dialogs.alerts[0].messageText, "Disk disk2 — Disk Details");
+    EXPECT_THAT(dialogs.alerts[0].informativeText, StartsWith("SMART Status: Unknown\nMedia Type: Rotational (HDD)"));
+    EXPECT_EQ(dialogs.alerts[0].style, AlertStyle::informational);
+    EXPECT_THAT(dialogs.alerts[0].buttons, ElementsAre("OK"));
+}
+
+TEST_F(WindowContentPresenterTest, OpensTheEraseDialogInPlaceOfTheList)
+{
+    row().perform(RowAction::eraseDisk);
+
+    EXPECT_EQ(content().content(), QStringLiteral("erase"));
+    EXPECT_EQ(eraseManager.dialogTitle(), "Erase Disk?");
+    eraseManager.dismiss();
+    EXPECT_EQ(content().content(), QStringLiteral("diskList"));
+}
+
+TEST_F(WindowContentPresenterTest, OpensTheCopyDialogInPlaceOfTheList)
+{
+    const EFIPartition mounted{.identifier = "disk2s1", .isMounted = true, .mountPoint = mountPoint()};
+    EFIPartition destination = mounted;
+    destination.identifier = "disk3s1";
+    hold({externalDisk("disk2", {mounted}), externalDisk("disk3", {destination})});
+
+    row().perform(RowAction::copyEFI);
+
+    EXPECT_EQ(content().content(), QStringLiteral("efiCopy"));
+}
+
+TEST_F(WindowContentPresenterTest, GoesOnWithAnActionWhoseRowHasGone)
+{
+    hold({externalDisk("disk2", {{.identifier = "disk2s1"}})});
+    answerInfo("disk2s1", false);
+    answerSudo("mount disk2s1");
+    launcher.hold(sudo("mount disk2s1"));
+    row().perform(RowAction::toggleMount);
+    clock.advance(0ms);
+
+    content().rows()->setDisks({}, {});
+    launcher.release(sudo("mount disk2s1"));
+    settle();
+
+    EXPECT_EQ(content().statusText(), QStringLiteral("Ready"));
+}
+
+// --- height
+
+TEST_F(WindowContentPresenterTest, GivesTheWindowTheHeightOfTheListAfterRowsHaveOpened)
+{
+    appear();
+    EXPECT_THAT(heights(), IsEmpty());
+
+    manager().toggleExpanded("disk2");
+    clock.advance(49ms);
+    EXPECT_THAT(heights(), IsEmpty());
+    clock.advance(1ms);
+    EXPECT_THAT(heights(), ElementsAre("height 1 314")); // 2 × 68 + 4 + 82 + 4 + 2 × (40 + 4)
+}
+
+TEST_F(WindowContentPresenterTest, ComesToOneHeightAfterRapidChanges)
+{
+    appear();
+
+    for (int i = 0; i < 3; ++i)
+        manager().toggleExpanded("disk2");
+    clock.advance(1s);
+
+    EXPECT_THAT(heights(), ElementsAre("height 1 314"));
+}
+
+TEST_F(WindowContentPresenterTest, IsCutToTheScreenAndFollowsIt)
+{
+    windowHost.screenHeight = 200;
+    appear();
+    EXPECT_THAT(heights(), IsEmpty());
+
+    windowHost.screenHeight = 240;
+    Q_EMIT windowHost.screenParametersChanged();
+    clock.advance(50ms);
+
+    EXPECT_THAT(heights(), ElementsAre("height 1 216"));
+}
+
+TEST_F(WindowContentPresenterTest, LeavesTheWindowAloneForAChangeOfTwoPointsOrLess)
+{
+    windowHost.screenHeight = 200;
+    appear();
+
+    windowHost.screenHeight = 202;
+    Q_EMIT windowHost.screenParametersChanged();
+    clock.advance(50ms);
+    EXPECT_THAT(heights(), IsEmpty());
+    windowHost.screenHeight = 203;
+    Q_EMIT windowHost.screenParametersChanged();
+    clock.advance(50ms);
+    EXPECT_THAT(heights(), ElementsAre("height 1 182.7"));
+}
+
+TEST_F(WindowContentPresenterTest, TakesTheHeightOfTheDialogThatIsShown)
+{
+    appear();
+
+    row().perform(RowAction::eraseDisk);
+    clock.advance(50ms);
+    EXPECT_EQ(heights().back(), "height 1 578");
+    eraseManager.dismiss();
+    clock.advance(50ms);
+    EXPECT_EQ(heights().back(), "height 1 222");
+}
+
+TEST_F(WindowContentPresenterTest, FollowsTheSettingThatMakesRowsHigher)
+{
+    PhysicalDisk disk = externalDisk("disk2");
+    disk.totalSpaceBytes = 100;
+    disk.usedSpaceBytes = 50;
+    hold({disk, externalDisk("disk3")});
+    appear();
+
+    defaults.set(DefaultsKeys::kShowDiskSpaceIndicator, true);
+    clock.advance(50ms);
+
+    EXPECT_THAT(heights(), ElementsAre("height 1 249"));
+    EXPECT_EQ(row(0).height(), 95);
+    EXPECT_EQ(row(1).height(), 68);
+}
+
+TEST_F(WindowContentPresenterTest, DoesNothingWithoutAWindow)
+{
+    content().appear();
+
+    manager().toggleExpanded("disk2");
+    clock.advance(1s);
+
+    EXPECT_THAT(windowJournal, IsEmpty());
+}
+
+} // namespace
+} // namespace brindle
