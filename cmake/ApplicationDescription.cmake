@@ -3,7 +3,7 @@
 set(description ${CMAKE_CURRENT_LIST_DIR}/../packaging/application.json)
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${description})
 file(READ ${description} description)
-foreach(member identifier displayName name executable version build description)
+foreach(member identifier displayName name executable version build date description)
     string(TOUPPER ${member} upper)
     string(JSON BRINDLE_APPLICATION_${upper} GET "${description}" ${member})
 endforeach()

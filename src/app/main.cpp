@@ -8,6 +8,7 @@
 #include "platform/NoStatusItemHost.h"
 #include "ui/PaletteAppearance.h"
 #include "ui/QtApplicationHost.h"
+#include "ui/QtDialogs.h"
 #include "ui/QtWindowHost.h"
 #include "ui/UserInterface.h"
 #include "views/WindowContentPresenter.h"
@@ -21,6 +22,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -74,8 +76,10 @@ int run(const Arguments &options, const std::vector<std::string> &arguments)
     QObject::connect(&windows, &QtWindowHost::quitRequested, [&] { application.terminate(); });
     QObject::connect(&windows, &QtWindowHost::lastWindowClosed, [&] { application.lastWindowClosed(); });
 
+    Platform platform = makePlatform(demo ? demo->platformChanges() : changesOfEnvironment());
+    platform.dialogs = std::make_unique<QtDialogs>(engine);
     ShellAssembly shell(
-        makePlatform(demo ? demo->platformChanges() : changesOfEnvironment()),
+        std::move(platform),
         {.application = application, .windows = windows, .statusItem = statusItem, .appearance = appearance},
         arguments);
     windows.setMakeContent([&] { return makeContent(shell.assembly(), windows); });

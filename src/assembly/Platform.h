@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Secret.h"
+#include "platform/Appearance.h"
 #include "platform/BundleInfo.h"
 #include "platform/ChildProcess.h"
 #include "platform/Dialogs.h"
@@ -58,6 +59,9 @@ struct PlatformChanges {
 
 /// The changes that the environment asks for: BRINDLE_TOOL_ROOT names the tool root.
 [[nodiscard]] PlatformChanges changesOfEnvironment();
+
+/// The colour scheme that the environment asks for: BRINDLE_SCHEME is "light" or "dark"; nullopt for anything else.
+[[nodiscard]] std::optional<ColorScheme> colorSchemeOfEnvironment();
 
 /// The value of an environment variable; nullopt where it is unset or empty.
 [[nodiscard]] std::optional<std::string> environmentValue(const char *name);

@@ -1,7 +1,8 @@
 #include "assembly/ProcessStart.h"
 
+#include "platform/CoreImages.h"
+
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <unistd.h>
 
 namespace brindle {
@@ -16,13 +17,6 @@ void openStandardDescriptors()
         if (fcntl(descriptor, F_GETFD) < 0)
             open("/dev/null", O_RDWR);
     }
-}
-
-/// No image of this process or of what it starts, which may hold the administrator's password, is ever written.
-void forbidCoreImages()
-{
-    constexpr rlimit kNone{.rlim_cur = 0, .rlim_max = 0};
-    setrlimit(RLIMIT_CORE, &kNone);
 }
 
 } // namespace

@@ -57,7 +57,16 @@ void addPasswordOption(CLI::App &subcommand, ActingOptions &acting)
 
 void addNotifyOption(CLI::App &subcommand, ActingOptions &acting)
 {
-    subcommand.add_flag("--notify", acting.notifies, "Tell how it ended by the desktop's notifications too");
+    subcommand.add_flag("--notify", acting.notifies,
+                        "Tell how it ended by the desktop's notifications too, unless ShowNotifications is off");
+}
+
+void addOpenOption(CLI::App &subcommand, ActingOptions &acting)
+{
+    subcommand.add_flag(
+        "--open", acting.opensFolders,
+        "Show the folder of what was mounted, unless AutoOpenFinderOnMount is off, and its config.plist "
+        "if AutoOpenConfigOnMount is on");
 }
 
 void keepSetting(UserDefaults &defaults, const char *key)

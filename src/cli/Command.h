@@ -42,6 +42,9 @@ void addPasswordOption(CLI::App &subcommand, ActingOptions &acting);
 /// Adds `--notify` to a command that mounts or unmounts.
 void addNotifyOption(CLI::App &subcommand, ActingOptions &acting);
 
+/// Adds `--open` to a command that mounts.
+void addOpenOption(CLI::App &subcommand, ActingOptions &acting);
+
 /// Writes out what was set; throws an Error that names the setting \a key where it can't be kept.
 void keepSetting(UserDefaults &defaults, const char *key);
 

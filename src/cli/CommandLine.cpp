@@ -172,7 +172,8 @@ int runCommandLine(int argc, char **argv)
     CLI::App app("Brindle in a terminal: disks, their EFI partitions and boot loaders", "brindlectl");
     app.require_subcommand(1);
     app.fallthrough();
-    app.set_version_flag("--version", fmt::format("brindlectl {}", ApplicationDescription::kVersion), "Print the version and end");
+    app.set_version_flag("--version", fmt::format("brindlectl {}", ApplicationDescription::kVersion),
+                         "Print the version and end");
     app.set_help_flag("-h,--help", "Print this help and end");
     std::string demo;
     app.add_flag("--demo", demo,

@@ -31,7 +31,7 @@ void addMountCommand(CLI::App &app, const GlobalOptions &options, Command &comma
 {
     CLI::App *subcommand = app.add_subcommand("mount", "Mount an EFI partition");
     const auto acting = addEFIPartitionAction(*subcommand, options, command, mount);
-    subcommand->add_flag("--open", acting->opensFolders, "Show the folder, and the config.plist if so set");
+    addOpenOption(*subcommand, *acting);
 }
 
 } // namespace brindle

@@ -21,7 +21,10 @@ namespace {
 /// The file system may have taken another name than the one that was wished: what is read from it is told.
 void tellName(const std::string &identifier, const std::optional<std::string> &name)
 {
-    fmt::print("{} is named {}\n", identifier, visibleText(name.value_or("")));
+    if (name && !name->empty())
+        fmt::print("{} is named {}\n", identifier, visibleText(*name));
+    else
+        fmt::print("{} has no name\n", identifier);
 }
 
 ExitStatus rename(Platform platform, const std::string &identifier, const std::string &name)

@@ -98,8 +98,13 @@ public:
     Turn(const Turn &) = delete;
     Turn &operator=(const Turn &) = delete;
 
-    /// To be awaited: the end of the dialog before.
-    [[nodiscard]] const Completion<bool> &before() const { return m_before; }
+    /// Returns once the dialog before has ended: at once where there is none.
+    [[nodiscard]] QCoro::Task<> hasCome() const
+    {
+        if (m_before.isComplete())
+            co_return;
+        co_await m_before;
+    }
 
 private:
     Completion<bool> m_end;
@@ -128,7 +133,8 @@ void TerminalDialogs::close()
 QCoro::Task<std::size_t> TerminalDialogs::alert(Alert alert)
 {
     const Turn turn(*this);
-    co_await turn.before();
+    auto waiting = turn.hasCome();
+    co_await waiting;
     if (!canAsk())
         co_return alert.buttons.size() - 1;
     sayLines(alert.messageText, alert.informativeText);
@@ -144,7 +150,8 @@ QCoro::Task<std::size_t> TerminalDialogs::alert(Alert alert)
 QCoro::Task<std::optional<Secret>> TerminalDialogs::securePrompt(SecurePrompt prompt)
 {
     const Turn turn(*this);
-    co_await turn.before();
+    auto waiting = turn.hasCome();
+    co_await waiting;
     if (!canAsk())
         co_return std::nullopt;
     sayLines(prompt.alert.messageText, prompt.alert.informativeText);
@@ -155,7 +162,8 @@ QCoro::Task<std::optional<Secret>> TerminalDialogs::securePrompt(SecurePrompt pr
 QCoro::Task<std::optional<std::string>> TerminalDialogs::textPrompt(TextPrompt prompt)
 {
     const Turn turn(*this);
-    co_await turn.before();
+    auto waiting = turn.hasCome();
+    co_await waiting;
     if (!canAsk())
         co_return std::nullopt;
     sayLines(prompt.alert.messageText, prompt.alert.informativeText);
@@ -167,7 +175,8 @@ QCoro::Task<std::optional<std::string>> TerminalDialogs::textPrompt(TextPrompt p
 QCoro::Task<std::optional<std::string>> TerminalDialogs::savePanel(SavePanel panel)
 {
     const Turn turn(*this);
-    co_await turn.before();
+    auto waiting = turn.hasCome();
+    co_await waiting;
     if (!canAsk())
         co_return std::nullopt;
     const std::string proposal = std::filesystem::path(panel.startFolder) / panel.proposedName;
@@ -191,10 +200,13 @@ QCoro::Task<std::optional<Secret>> TerminalDialogs::line(std::string question, E
 {
     // Signals are caught before the terminal is changed and until it is as before.
     std::optional<LineSettings> settings;
-    const Interruption interruption([&settings] { settings->restore(); });
+    const Completion<bool> typed;
+    const Interruption interruption([&settings, typed] {
+        settings->restore();
+        typed.complete(false); // nothing is read any more where the program goes on: it would be seen
+    });
     settings.emplace(m_terminal, echo == Echo::on);
     say(question);
-    const Completion<bool> typed;
     m_line = typed;
     QSocketNotifier notifier(m_terminal, QSocketNotifier::Read);
     QObject::connect(&notifier, &QSocketNotifier::activated, &notifier, [&notifier, typed] {

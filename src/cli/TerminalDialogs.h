@@ -13,8 +13,9 @@ namespace brindle {
 /// in the order in which they were asked for. Ctrl-C and the end of the input cancel a dialog; an alert with one button
 /// doesn't wait for it.
 ///
-/// While a line is typed the event loop goes on, and a signal that ends the program restores the terminal first. What
-/// was typed stays in no memory but the answer. Without a terminal every dialog is cancelled at once.
+/// While a line is typed the event loop goes on. A signal that is to end the program restores the terminal and cancels
+/// the dialog first. What was typed stays in no memory but the answer. Without a terminal every dialog is cancelled at
+/// once.
 class TerminalDialogs final : public Dialogs {
 public:
     TerminalDialogs(); ///< On the controlling terminal, else on that of standard input.

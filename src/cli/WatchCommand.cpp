@@ -152,7 +152,7 @@ void addWatchCommand(CLI::App &app, const GlobalOptions &options, Command &comma
                          "Mount the EFI partition of a disk that `automount` has marked when it is plugged in");
     addPasswordOption(*subcommand, acting);
     addNotifyOption(*subcommand, acting);
-    subcommand->add_flag("--open", acting.opensFolders, "Show the folder of what was mounted");
+    addOpenOption(*subcommand, acting);
     subcommand->callback([&options, &command, watching] {
         command = [&options, watching] {
             const auto run = [&](Platform platform) { return watch(std::move(platform), watching->asJson); };

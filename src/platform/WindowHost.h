@@ -8,8 +8,8 @@
 
 namespace brindle {
 
-/// The program's windows. All lengths are in points, which are logical pixels. What is asked of a window that is gone is
-/// passed over. Main thread only.
+/// The program's windows. All lengths are in points, which are logical pixels. What is asked of a window that is gone
+/// is passed over. Main thread only.
 class WindowHost : public QObject {
     Q_OBJECT
 
@@ -46,7 +46,8 @@ public:
     /// window by its background from now on, and \a delegate is asked when it is to be closed.
     virtual void finishStyling(WindowID window, Delegate &delegate) = 0;
 
-    /// Closes the window and takes it off the screen without asking its delegate; its content is gone when this returns.
+    /// Closes the window and takes it off the screen without asking its delegate; its content is gone when this
+    /// returns.
     virtual void close(WindowID window) = 0;
 
     virtual void center(WindowID window) = 0;

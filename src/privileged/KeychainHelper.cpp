@@ -96,7 +96,7 @@ QCoro::Task<bool> KeychainHelper::promptForPassword()
 
 QCoro::Task<> KeychainHelper::promptForMissingPassword()
 {
-    if (!retrievePassword()) {
+    if (!m_surroundings.isRoot && !retrievePassword()) {
         auto pause = m_surroundings.scheduler.sleep(kPauseBeforeFirstPrompt);
         co_await pause;
         auto prompt = promptForPassword();

@@ -61,8 +61,8 @@ public:
     /// Asks the user for the password, once. True if a proven password is stored now.
     [[nodiscard]] QCoro::Task<bool> promptForPassword();
 
-    /// What the application does at its start where no password is stored: promptForPassword(), and a word on where to
-    /// go after a refusal. Notes in the user defaults that the application has been launched.
+    /// What the application does at its start where no password is stored and one is needed: promptForPassword(), and a
+    /// word on where to go after a refusal. Notes in the user defaults that the application has been launched.
     QCoro::Task<> promptForMissingPassword();
 
     /// Whether sudo takes \a password from this user, by the exit status of `sudo -S -v`. A sudo that doesn't end is

@@ -26,6 +26,11 @@ AppDelegate::AppDelegate(const Surroundings &surroundings, std::vector<std::stri
 {
 }
 
+AppDelegate::~AppDelegate()
+{
+    m_end.cancel();
+}
+
 void AppDelegate::applicationDidFinishLaunching()
 {
     if (std::exchange(m_hasInitialized, true))
@@ -90,7 +95,7 @@ QCoro::Task<> AppDelegate::startComponents(QPointer<AppDelegate> self)
     if (!self)
         co_return;
     self->startMonitoring();
-    auto pause = self->m_surroundings.scheduler.sleep(kPauseBeforePasswordCheck);
+    auto pause = self->m_surroundings.scheduler.sleep(kPauseBeforePasswordCheck, self->m_end);
     co_await pause;
     if (!self)
         co_return;
@@ -98,8 +103,10 @@ QCoro::Task<> AppDelegate::startComponents(QPointer<AppDelegate> self)
     co_await passwordCheck;
     if (!self)
         co_return;
-    auto lastPause = self->m_surroundings.scheduler.sleep(kPauseBeforeUpdates);
+    auto lastPause = self->m_surroundings.scheduler.sleep(kPauseBeforeUpdates, self->m_end);
     co_await lastPause;
+    if (!self)
+        co_return;
     Log::line("✅ All components initialized\n");
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/CancellationToken.h"
 #include "platform/Appearance.h"
 #include "platform/ApplicationHost.h"
 #include "platform/DelayedCalls.h"
@@ -45,6 +46,7 @@ public:
     };
 
     AppDelegate(const Surroundings &surroundings, std::vector<std::string> arguments);
+    ~AppDelegate() override; ///< Components that are not up by then stay down.
 
     /// Nothing the second time. Returns before the components are up.
     void applicationDidFinishLaunching() override;
@@ -76,6 +78,7 @@ private:
     QMetaObject::Connection m_appearanceObserver; ///< Of the screens.
     QMetaObject::Connection m_schemeObserver;
     DelayedCalls m_delayedCalls;
+    CancellationToken m_end = CancellationToken::cancellable(); ///< Of the pauses.
 };
 
 } // namespace brindle

@@ -5,6 +5,7 @@ T.CheckBox {
     id: root
     property string symbol: "" // between box and text
     property color symbolColor: Theme.secondary
+    property color textColor: Theme.primary
 
     implicitWidth: implicitContentWidth + leftPadding
     implicitHeight: Math.max(20, implicitContentHeight)
@@ -52,6 +53,7 @@ T.CheckBox {
         PlainText {
             anchors.verticalCenter: parent.verticalCenter
             text: root.text
+            color: root.textColor
             font: root.font
             Accessible.ignored: true
         }

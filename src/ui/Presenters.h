@@ -1,5 +1,8 @@
 #pragma once
 
+#include "views/AlertPresenter.h"
+#include "views/EFICopyFlowPresenter.h"
+#include "views/EraseProgressPresenter.h"
 #include "views/WindowContentPresenter.h"
 
 #include <QtQml/qqml.h>
@@ -48,6 +51,34 @@ struct WindowContentPresenterInQml {
     QML_FOREIGN(brindle::WindowContentPresenter)
     QML_NAMED_ELEMENT(WindowContentPresenter)
     QML_UNCREATABLE("made by the program")
+};
+
+struct AlertPresenterInQml {
+    Q_GADGET
+    QML_FOREIGN(brindle::AlertPresenter)
+    QML_NAMED_ELEMENT(AlertPresenter)
+    QML_UNCREATABLE("made by the dialogs")
+};
+
+struct EFICopyFlowPresenterInQml {
+    Q_GADGET
+    QML_FOREIGN(brindle::EFICopyFlowPresenter)
+    QML_NAMED_ELEMENT(EFICopyFlowPresenter)
+    QML_UNCREATABLE("made by the window")
+};
+
+struct EFIDestinationSelectionPresenterInQml {
+    Q_GADGET
+    QML_FOREIGN(brindle::EFIDestinationSelectionPresenter)
+    QML_NAMED_ELEMENT(EFIDestinationSelectionPresenter)
+    QML_UNCREATABLE("made by the copy flow")
+};
+
+struct EraseProgressPresenterInQml {
+    Q_GADGET
+    QML_FOREIGN(brindle::EraseProgressPresenter)
+    QML_NAMED_ELEMENT(EraseProgressPresenter)
+    QML_UNCREATABLE("made by the window")
 };
 
 } // namespace brindle

@@ -12,14 +12,25 @@ Flickable {
     boundsBehavior: Flickable.StopAtBounds
     clip: true
 
-    // Brings a child into sight, for one that has got the keyboard.
+    property Item revealed: null
+
+    // Brings a child into sight, for one that has got the keyboard. It stays there while the content is laid out.
     function reveal(item: Item): void {
+        revealed = item;
         const top = item.mapToItem(holder, 0, 0).y;
         if (top < contentY)
             contentY = top;
         else if (top + item.height > contentY + height)
             contentY = top + item.height - height;
     }
+
+    function scrollBy(distance: real): void {
+        contentY = Math.max(0, Math.min(contentY + distance, contentHeight - height));
+    }
+
+    onHeightChanged: if (revealed) reveal(revealed)
+    onContentHeightChanged: if (revealed) reveal(revealed)
+    onMovementStarted: revealed = null
 
     Item {
         id: holder

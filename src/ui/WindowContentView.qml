@@ -50,4 +50,16 @@ Rectangle {
             presenter: root.presenter
         }
     }
+    FlowLoader {
+        active: root.presenter.copy.dialog !== null
+        sourceComponent: EFIDestinationSelectionView {
+            dialog: root.presenter.copy.dialog
+        }
+    }
+    FlowLoader {
+        active: root.presenter.content === "erase"
+        sourceComponent: EraseProgressView {
+            erase: root.presenter.erase
+        }
+    }
 }

@@ -10,6 +10,8 @@ namespace brindle {
 
 namespace {
 
+constexpr std::size_t kCancelOption = 2;
+
 constexpr std::string_view kWarningSymbol = "exclamationmark.triangle.fill";
 
 constexpr WarningBox kNoBackupWarning{kWarningSymbol, Colors::kOrange, "No Backup Warning",
@@ -104,6 +106,31 @@ void EFIDestinationSelection::cancelOperation()
     m_efiCopyManager.cancelOperation();
 }
 
+void EFIDestinationSelection::choose(std::size_t option)
+{
+    const std::vector<OptionButton> options = confirmationOptions();
+    if (option < options.size())
+        options[option].action();
+}
+
+void EFIDestinationSelection::escape()
+{
+    if (m_showingAlert) {
+        closeAlert();
+        return;
+    }
+    switch (content()) {
+    case Content::selection:
+        cancel();
+        break;
+    case Content::confirmation:
+        choose(kCancelOption);
+        break;
+    case Content::progress:
+        break;
+    }
+}
+
 EFIDestinationSelection::Content EFIDestinationSelection::content() const
 {
     if (m_efiCopyManager.showConfirmationDialog() && m_efiCopyManager.confirmationData())
@@ -164,6 +191,12 @@ std::optional<Sign> EFIDestinationSelection::footerIndicator() const
     if (statusContains("cancelled"))
         return Sign{"stop.circle", "Operation cancelled", Colors::kOrange};
     return std::nullopt;
+}
+
+bool EFIDestinationSelection::isFailure() const
+{
+    const std::optional<Sign> indicator = footerIndicator();
+    return indicator && indicator->color == Colors::kRed;
 }
 
 EFIDestinationSelection::Buttons EFIDestinationSelection::footerButtons() const

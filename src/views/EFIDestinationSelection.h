@@ -83,9 +83,13 @@ public:
     void closeAlert();
     void select(std::size_t row); ///< Of rows(). A choice can be changed and not taken back.
     void setOverwriteWithoutBackup(bool overwriteWithoutBackup);
-    void copyEFI();         ///< The button "Copy EFI"; nothing without a choice.
-    void cancel();          ///< "Cancel", "Close", "Refresh" and the cross: the dialog goes.
-    void cancelOperation(); ///< The button "Cancel Operation", there as long as content() is progress.
+    void copyEFI();                  ///< The button "Copy EFI"; nothing without a choice.
+    void cancel();                   ///< "Cancel", "Close", "Refresh" and the cross: the dialog goes.
+    void cancelOperation();          ///< The button "Cancel Operation", there as long as content() is progress.
+    void choose(std::size_t option); ///< Of confirmationOptions(); nothing for one that isn't there.
+
+    /// The Escape key: closes the alert, cancels what waits for a choice, and leaves a copy under way alone.
+    void escape();
 
     [[nodiscard]] Content content() const;
 
@@ -96,6 +100,7 @@ public:
     [[nodiscard]] std::vector<WarningBox> selectionWarnings() const;
 
     [[nodiscard]] std::optional<Sign> footerIndicator() const; ///< Its text is secondary, its symbol of its colour.
+    [[nodiscard]] bool isFailure() const; ///< The indicator tells of one: operationStatus() is its whole reason.
     [[nodiscard]] Buttons footerButtons() const;
     [[nodiscard]] bool canCopy() const { return m_selectedDestination.has_value(); }
 

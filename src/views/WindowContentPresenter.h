@@ -5,6 +5,8 @@
 #include "platform/WindowHost.h"
 #include "views/DiskRowsModel.h"
 #include "views/EFICopyFlow.h"
+#include "views/EFICopyFlowPresenter.h"
+#include "views/EraseProgressPresenter.h"
 #include "views/FooterStatus.h"
 
 #include <QObject>
@@ -28,6 +30,8 @@ class WindowContentPresenter : public QObject {
     Q_PROPERTY(QString statusSymbol READ statusSymbol NOTIFY footerChanged)
     Q_PROPERTY(QString statusColor READ statusColor NOTIFY footerChanged)
     Q_PROPERTY(QString statusText READ statusText NOTIFY footerChanged)
+    Q_PROPERTY(brindle::EFICopyFlowPresenter *copy READ copy CONSTANT)
+    Q_PROPERTY(brindle::EraseProgressPresenter *erase READ erase CONSTANT)
 
 public:
     /// Changes that come together lead to one change of the height.
@@ -59,6 +63,8 @@ public:
     [[nodiscard]] QString statusText() const;
 
     [[nodiscard]] EFICopyFlow &copyFlow() { return m_copyFlow; }
+    [[nodiscard]] EFICopyFlowPresenter *copy() { return &m_copy; }
+    [[nodiscard]] EraseProgressPresenter *erase() { return &m_erase; }
 
     /// The window shows its content from now on; its height follows the content and the screen.
     void appear();
@@ -95,6 +101,8 @@ private:
     Scheduler &m_scheduler;
     WindowHost &m_windowHost;
     EFICopyFlow m_copyFlow;
+    EFICopyFlowPresenter m_copy{m_copyFlow, m_efiCopyManager};
+    EraseProgressPresenter m_erase{m_eraseManager};
     RowSurroundings m_rowSurroundings;
     DiskRowsModel m_rows;
     std::string m_statusMessage;

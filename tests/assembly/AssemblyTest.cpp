@@ -1,14 +1,20 @@
 #include "assembly/Assembly.h"
 
 #include "base/BlockOn.h"
+#include "base/DefaultsKeys.h"
 #include "support/FakeUserNotifications.h"
+#include "support/FakeWorkspace.h"
 #include "support/SimulatedMachine.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <filesystem>
 #include <memory>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace brindle {
 namespace {
@@ -30,6 +36,27 @@ TEST(Assembly, TellsOfAMountByTheDesktopsNotifications)
     ASSERT_EQ(notifications.added.size(), 1U);
     EXPECT_EQ(notifications.added[0].body, "Successfully mounted EFI partition for Stick");
     EXPECT_EQ(notifications.added[0].userInfo.at("efiIdentifier"), PropertyValue("disk2s1"));
+}
+
+TEST(Assembly, MountsAndShowsTheFolderWhereNotificationsAreSwitchedOff)
+{
+    SimulatedMachine machine;
+    const std::string folder = (machine.root() / "Volumes/EFI").string();
+    std::filesystem::create_directories(folder);
+    machine.addDisk("disk2").withEFI("EFI", folder);
+    Platform platform = machine.platform();
+    auto owned = std::make_unique<FakeUserNotifications>();
+    const FakeUserNotifications &notifications = *owned;
+    platform.userNotifications = std::move(owned);
+    std::vector<std::string> journal;
+    platform.workspace = std::make_unique<FakeWorkspace>(journal);
+    Assembly assembly(std::move(platform));
+    assembly.userDefaults().set(DefaultsKeys::kShowNotifications, false);
+
+    blockOn(assembly.diskManager().mountEFI("disk2s1", "Stick"), 10s);
+
+    EXPECT_THAT(notifications.added, testing::IsEmpty());
+    EXPECT_THAT(journal, testing::ElementsAre("open " + folder));
 }
 
 } // namespace

@@ -67,6 +67,22 @@ TEST_F(PlatformTest, KeepsSecretsInTheSystemsStoreOtherwise)
     EXPECT_EQ(platform.toolPaths.sudo(), "/usr/bin/sudo");
 }
 
+TEST_F(PlatformTest, TakesTheColourSchemeThatTheEnvironmentNames)
+{
+    const auto schemeFor = [](const char *value) {
+        qputenv("BRINDLE_SCHEME", value);
+        const auto scheme = colorSchemeOfEnvironment();
+        qunsetenv("BRINDLE_SCHEME");
+        return scheme;
+    };
+
+    EXPECT_EQ(schemeFor("dark"), ColorScheme::dark);
+    EXPECT_EQ(schemeFor("light"), ColorScheme::light);
+    EXPECT_EQ(schemeFor("Dark"), std::nullopt);
+    EXPECT_EQ(schemeFor(""), std::nullopt);
+    EXPECT_EQ(colorSchemeOfEnvironment(), std::nullopt);
+}
+
 TEST_F(PlatformTest, FindsTheModuleOfTheSecretServiceBesideTheProgram)
 {
     if (const std::string obstacle = PrivateSession::obstacle(); !obstacle.empty())

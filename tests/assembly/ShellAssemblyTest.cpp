@@ -32,6 +32,8 @@ class ShellAssemblyTest : public testing::Test {
 protected:
     ShellAssemblyTest() { machine.addDisk("disk2").withEFI("EFI"); }
 
+    ~ShellAssemblyTest() override { end(); }
+
     ShellAssembly &shell()
     {
         if (!m_shell)
@@ -43,7 +45,11 @@ protected:
         return *m_shell;
     }
 
-    void end() { m_shell.reset(); }
+    void end()
+    {
+        m_shell.reset();
+        drainEventLoop();
+    }
 
     LogCapture log;
     SimulatedMachine machine;

@@ -249,6 +249,19 @@ TEST_F(ActingCommands, OpenTheRealSecretStoreOtherwise)
     EXPECT_EQ(process.readAllStandardError().toStdString(), "brindlectl: No administrator password is stored\n");
 }
 
+// --- what the tool's text says
+
+TEST_F(Brindlectl, CallsNoVolumeUnmountedThatIsStillMounted)
+{
+    machine.addDisk("disk2").withEFI("Not applicable", "/Volumes/EFI");
+
+    const Outcome unmount = run({"unmount", "disk2s1"});
+
+    EXPECT_EQ(unmount.status, 1);
+    EXPECT_EQ(unmount.output, "");
+    EXPECT_EQ(unmount.error, "brindlectl: disk2s1 is still mounted at /Volumes/EFI\n");
+}
+
 // --- core images
 
 TEST_F(Brindlectl, LetsNeitherItselfNorItsToolsLeaveACoreImage)

@@ -253,6 +253,32 @@ TEST_F(EraseCommands, GoOnToTheEndWhenTheyAreInterrupted)
     EXPECT_THAT(process.readAllStandardOutput().toStdString(), HasSubstr("has been erased and reformatted as FAT32."));
 }
 
+TEST_F(EraseCommands, EndAtOnceAtTheSecondInterruption)
+{
+    const fs::path sudo = root() + "/usr/bin/sudo";
+    fs::remove(sudo); // a link to the one of all machines
+    writeFile(sudo, "#!/bin/sh\nread password\nsleep 20\n");
+    fs::permissions(sudo, fs::perms::owner_all);
+    QProcess process;
+    start(process, {"erase-efi", "disk3s1", "--confirm", "OPENCORE", "--password-stdin"}, root());
+    process.write("brindle\n");
+    ASSERT_TRUE(process.waitForReadyRead(60'000)); // it has begun
+    const auto program = static_cast<pid_t>(process.processId());
+    ::kill(program, SIGINT);
+    QByteArray complaint;
+    process.setReadChannel(QProcess::StandardError);
+    while (!complaint.contains("Interrupt again")) {
+        ASSERT_TRUE(process.waitForReadyRead(60'000));
+        complaint += process.readAllStandardError();
+    }
+
+    ASSERT_EQ(::kill(program, SIGINT), 0);
+
+    ASSERT_TRUE(process.waitForFinished(60'000));
+    EXPECT_EQ(process.exitStatus(), QProcess::CrashExit);
+    EXPECT_EQ(process.exitCode(), SIGINT);
+}
+
 TEST_F(EraseCommands, TellTheReasonOfAFailure)
 {
     const Outcome erase = runThere({"erase-efi", "disk3s1", "--confirm", "OPENCORE"}, "wrong");

@@ -1,6 +1,7 @@
 #include "cli/TerminalDialogs.h"
 
 #include "base/BlockOn.h"
+#include "cli/Interruption.h"
 #include "support/MaskedPassword.h"
 
 #include <QCoreApplication>
@@ -9,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -47,6 +49,13 @@ protected:
     void type(std::string_view keys) const
     {
         EXPECT_EQ(write(m_keyboard, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
+    }
+
+    bool echoes() const
+    {
+        termios settings{};
+        tcgetattr(m_terminal, &settings);
+        return (settings.c_lflag & ECHO) != 0;
     }
 
     /// Whether the next program at the terminal would read something, also of a line that has not ended.
@@ -172,6 +181,20 @@ TEST_F(TerminalDialogsTest, AreAllCancelledWhenTheyAreClosed)
     EXPECT_EQ(blockOn(dialogs->alert(kQuestion), 30s), 1U);
     EXPECT_EQ(shown(), "Open\r\n\r\nPassword: \r\n");
     EXPECT_FALSE(hasInput()) << "the shell would show what was typed of the password";
+}
+
+TEST_F(TerminalDialogsTest, AreCancelledByASignalThatTheProgramOutlives)
+{
+    bool isInterrupted = false;
+    const Interruption outlives([&] { isInterrupted = true; }, Interruption::Then::goOn);
+    auto prompt = dialogs->securePrompt({.placeholder = "Password"});
+    ASSERT_FALSE(echoes());
+
+    ASSERT_EQ(raise(SIGTERM), 0);
+
+    EXPECT_EQ(blockOn(std::move(prompt), 30s), std::nullopt);
+    EXPECT_TRUE(isInterrupted);
+    EXPECT_TRUE(echoes());
 }
 
 TEST_F(TerminalDialogsTest, AreCancelledAtOnceWithoutATerminal)

@@ -124,7 +124,10 @@ class WatchOfAHangingMount : public WatchAutoMount {
 protected:
     WatchOfAHangingMount()
     {
-        writeFile(root + "/usr/bin/sudo", "#!/bin/sh\necho $$ > '" + number.string() + "'\nexec sleep 600\n");
+        const std::string program = root + "/usr/bin/sudo";
+        std::filesystem::remove(program); // a link to the one of all machines
+        writeFile(program, "#!/bin/sh\necho $$ > '" + number.string() + "'\nexec sleep 600\n");
+        std::filesystem::permissions(program, std::filesystem::perms::owner_all);
     }
     ~WatchOfAHangingMount() override
     {

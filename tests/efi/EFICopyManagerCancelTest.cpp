@@ -9,14 +9,20 @@ using testing::ElementsAreArray;
 
 using Confirmation = EFICopyManager::ConfirmationData;
 
-/// What the destination holds afterwards.
-enum class Folder { old, replaced };
+/// What the destination holds at the begin, and afterwards.
+enum class Folder { none, old, replaced };
+
+/// Who cancels when a status was published: a click, which comes from the event loop, or who is told of the status.
+constexpr Qt::ConnectionType kByAClick = Qt::QueuedConnection;
+constexpr Qt::ConnectionType kAtOnce = Qt::DirectConnection;
 
 struct Stage {
     const char *name;
-    const char *status; ///< The cancellation comes from the event loop after this was published.
+    const char *status; ///< What is published last before the cancellation.
+    Qt::ConnectionType how;
+    Folder before;
     Statuses later;
-    Folder folder;
+    Folder after;
 };
 
 class EFICopyManagerCancelTest : public EFICopyManagerTest {
@@ -27,53 +33,90 @@ protected:
         writeOldEFI();
     }
 
-    void cancelAfter(const std::string &status)
+    void cancelAfter(const std::string &status, Qt::ConnectionType how = kByAClick)
     {
-        QObject::connect(&manager, &EFICopyManager::operationStatusChanged, [this, status] {
+        QObject::connect(&manager, &EFICopyManager::operationStatusChanged, [this, status, how] {
             if (manager.operationStatus() == status && !manager.isCancelled())
                 QMetaObject::invokeMethod(
-                    &manager, [this] { manager.cancelOperation(); }, Qt::QueuedConnection);
+                    &manager, [this] { manager.cancelOperation(); }, how);
         });
     }
 };
 
 class CancelledAtAStage : public EFICopyManagerCancelTest, public testing::WithParamInterface<Stage> {};
 
+/// The statuses of a copy from \a first on.
+Statuses statusesFrom(std::string_view first)
+{
+    const Statuses all{"Copying EFI from disk1s1 (OPENCORE) to disk2s1...",
+                       "Removing existing EFI folder...",
+                       "Copying files...",
+                       "Copy completed, verifying...",
+                       "Verifying copied files...",
+                       "Verification completed successfully",
+                       "EFI copy completed successfully"};
+    Statuses statuses{"Operation cancelled"};
+    statuses.insert(statuses.end(), std::ranges::find(all, first), all.end());
+    return statuses;
+}
+
 INSTANTIATE_TEST_SUITE_P(
     After, CancelledAtAStage,
     testing::Values(
         Stage{"Preparing",
               "Preparing EFI copy operation...",
+              kByAClick,
+              Folder::old,
               {"Operation cancelled", "Checking destination...", "Destination is ready...", "Operation cancelled"},
               Folder::old},
-        Stage{"Removing",
-              "Removing existing EFI folder...",
-              {"Operation cancelled", "Copying files...", "Copy completed, verifying...", "Verifying copied files...",
-               "Verification completed successfully", "EFI copy completed successfully"},
+        Stage{"Checking",
+              "Checking destination...",
+              kAtOnce,
+              Folder::old,
+              {"Operation cancelled", "Destination is ready...", "Operation cancelled"},
+              Folder::old},
+        Stage{"FindingItFree", "Destination is ready...", kAtOnce, Folder::none, {"Operation cancelled"}, Folder::none},
+        Stage{"PreparingToOverwrite",
+              "Preparing to overwrite existing EFI folder...",
+              kAtOnce,
+              Folder::old,
+              {"Operation cancelled"},
+              Folder::old},
+        Stage{"TheLastLook", "Copying EFI from disk1s1 (OPENCORE) to disk2s1...", kAtOnce, Folder::old,
+              statusesFrom("Removing existing EFI folder..."), Folder::replaced},
+        Stage{"Removing", "Removing existing EFI folder...", kByAClick, Folder::old, statusesFrom("Copying files..."),
               Folder::replaced},
-        Stage{"Copying",
-              "Copying files...",
-              {"Operation cancelled", "Copy completed, verifying...", "Verifying copied files...",
-               "Verification completed successfully", "EFI copy completed successfully"},
+        Stage{"Copying", "Copying files...", kByAClick, Folder::old, statusesFrom("Copy completed, verifying..."),
               Folder::replaced},
-        Stage{"Verifying",
-              "Verifying copied files...",
-              {"Operation cancelled", "Verification completed successfully", "EFI copy completed successfully"},
+        Stage{"Copied", "Copy completed, verifying...", kAtOnce, Folder::none,
+              statusesFrom("Verifying copied files..."), Folder::replaced},
+        Stage{"Verifying", "Verifying copied files...", kByAClick, Folder::old,
+              statusesFrom("Verification completed successfully"), Folder::replaced},
+        Stage{"Verified", "Verification completed successfully", kAtOnce, Folder::old,
+              statusesFrom("EFI copy completed successfully"), Folder::replaced},
+        Stage{"Succeeding",
+              "EFI copy completed successfully",
+              kAtOnce,
+              Folder::old,
+              {"Operation cancelled"},
               Folder::replaced}),
     [](const auto &row) { return row.param.name; });
 
 TEST_P(CancelledAtAStage, SeesItOnlyBeforeTheDestinationChanges)
 {
-    const auto old = treeOf(destinationEFI());
-    cancelAfter(GetParam().status);
+    if (GetParam().before == Folder::none)
+        std::filesystem::remove_all(destinationEFI());
+    const auto before = treeOf(destinationEFI());
+    cancelAfter(GetParam().status, GetParam().how);
 
     const auto error = copy(true);
 
     const auto cancelled = std::ranges::find(statuses, "Operation cancelled");
+    ASSERT_NE(cancelled, statuses.end());
     EXPECT_EQ(*(cancelled - 1), GetParam().status);
     EXPECT_THAT(std::vector(cancelled, statuses.end()), ElementsAreArray(GetParam().later));
-    EXPECT_EQ(treeOf(destinationEFI()), GetParam().folder == Folder::old ? old : treeOf(sourceEFI()));
-    EXPECT_EQ(error.has_value(), GetParam().folder == Folder::old);
+    EXPECT_EQ(treeOf(destinationEFI()), GetParam().after == Folder::replaced ? treeOf(sourceEFI()) : before);
+    EXPECT_EQ(error.has_value(), GetParam().after != Folder::replaced);
     EXPECT_FALSE(manager.isOperationInProgress());
     EXPECT_TRUE(manager.isCancelled());
 }

@@ -245,6 +245,16 @@ TEST_F(KeychainHelperAsRoot, RunsTheToolDirectlyAndNeedsNoPassword)
     EXPECT_THAT(dialogs.securePrompts, IsEmpty());
 }
 
+TEST_F(KeychainHelperAsRoot, AsksForNoPasswordAtTheStart)
+{
+    resultOf(helper.promptForMissingPassword());
+
+    EXPECT_THAT(store.calls, IsEmpty());
+    EXPECT_THAT(dialogs.securePrompts, IsEmpty());
+    EXPECT_THAT(dialogs.alerts, IsEmpty());
+    EXPECT_TRUE(defaults.boolForKey(DefaultsKeys::kHasLaunchedBefore));
+}
+
 TEST_F(KeychainHelperAsRoot, KeepsTheErrorsAndTheTimeLimit)
 {
     const Error missing = errorOf(helper.runPrivileged("/nonexistent/diskutil", {}));

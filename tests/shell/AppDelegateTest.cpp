@@ -37,6 +37,13 @@ protected:
         (void)secretStore.add(kPassword, Secret("open sesame"));
     }
 
+    /// Lets all that is still under way come to its end.
+    ~AppDelegateTest() override
+    {
+        endDelegate();
+        clock.advance(10s);
+    }
+
     void store(const char *mode) { defaults.set(DefaultsKeys::kLaunchMode, mode); }
     void forgetPassword() { secretStore.remove(kPassword); }
 
@@ -59,6 +66,8 @@ protected:
         }
         return *m_delegate;
     }
+
+    void endDelegate() { m_delegate.reset(); }
 
     MainWindowOpener &mainWindow()
     {
@@ -403,6 +412,18 @@ TEST_F(AppDelegateTest, DrawsAllWindowsAnewWhenTheAppearanceOrAScreenChanges)
 }
 
 // --- the end
+
+TEST_F(AppDelegateTest, BringsNothingUpAfterItsEnd)
+{
+    forgetPassword();
+    launch(400ms);
+
+    endDelegate();
+    clock.advance(10s);
+
+    EXPECT_THAT(dialogs.securePrompts, IsEmpty());
+    EXPECT_THAT(log.lines(), Not(Contains("✅ All components initialized\n")));
+}
 
 TEST_F(AppDelegateTest, StopsListeningAtTheEnd)
 {

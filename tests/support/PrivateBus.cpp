@@ -55,9 +55,10 @@ void PrivateBus::start()
     EXPECT_TRUE(m_daemon.waitForReadyRead(kPatience)) << m_daemon.readAllStandardError().toStdString();
 }
 
-void PrivateBus::refuse(const char *member)
+void PrivateBus::refuse(const char *interface, const char *member)
 {
-    configure(QStringLiteral("<deny send_member=\"%1\"/>").arg(QLatin1String(member)));
+    configure(QStringLiteral("<deny send_interface=\"%1\" send_member=\"%2\"/>")
+                  .arg(QLatin1String(interface), QLatin1String(member)));
     QProcess reload;
     reload.start(QStringLiteral("dbus-send"),
                  {QStringLiteral("--session"), QStringLiteral("--print-reply"),

@@ -21,8 +21,8 @@ public:
     void end();   ///< Whoever is on the bus loses it.
     void start(); ///< Again, at the same address.
 
-    /// From now on the bus answers calls of the method \a member with an error.
-    void refuse(const char *member);
+    /// From now on the bus answers calls of the method \a member of \a interface with an error.
+    void refuse(const char *interface, const char *member);
 
 private:
     static void configure(const QString &policy);

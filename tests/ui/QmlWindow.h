@@ -96,6 +96,22 @@ public:
         settle();
     }
 
+    /// What has the keyboard; empty where nothing with a name has.
+    [[nodiscard]] std::string focused()
+    {
+        const QQuickItem *item = m_window.activeFocusItem();
+        return item ? item->objectName().toStdString() : std::string();
+    }
+
+    /// Presses Tab until the item has the keyboard; fails the test where it doesn't get it.
+    void tabTo(const std::string &objectName)
+    {
+        constexpr int kMostStops = 30;
+        for (int stop = 0; stop < kMostStops && focused() != objectName; ++stop)
+            press(Qt::Key_Tab);
+        EXPECT_EQ(focused(), objectName);
+    }
+
     [[nodiscard]] QImage picture() { return m_window.grabWindow(); }
 
     /// Lets everything that is due happen.
@@ -107,15 +123,7 @@ public:
         }
     }
 
-private:
-    QQuickItem *find(const QString &path)
-    {
-        QQuickItem *found = m_window.contentItem();
-        for (const QString &name : path.split(QLatin1Char('/')))
-            found = found ? find(*found, name) : nullptr;
-        return found;
-    }
-
+    /// The visible item with the object name at or below \a parent; null where none is.
     static QQuickItem *find(QQuickItem &parent, const QString &objectName)
     {
         if (!parent.isVisible())
@@ -127,6 +135,15 @@ private:
                 return found;
         }
         return nullptr;
+    }
+
+private:
+    QQuickItem *find(const QString &path)
+    {
+        QQuickItem *found = m_window.contentItem();
+        for (const QString &name : path.split(QLatin1Char('/')))
+            found = found ? find(*found, name) : nullptr;
+        return found;
     }
 
     QPoint middleOf(const QString &path)

@@ -1,10 +1,9 @@
 #include "platform/linux/DBusNotificationDaemon.h"
 
-#include "base/OnWorker.h"
+#include "platform/linux/SessionBus.h"
 
 #include <QDBusError>
 #include <QDBusPendingCallWatcher>
-#include <QUuid>
 #include <QVariantMap>
 
 #include <chrono>
@@ -138,12 +137,8 @@ void DBusNotificationDaemon::send(const Call &call)
 
 QCoro::Task<> DBusNotificationDaemon::connectToBus(QPointer<DBusNotificationDaemon> self)
 {
-    const auto connecting = [] {
-        const QString name = QUuid::createUuid().toString();
-        return QDBusConnection::connectToBus(QDBusConnection::SessionBus, name);
-    };
-    auto connection = onWorker(connecting);
-    const QDBusConnection connected = co_await connection;
+    auto connecting = connectToSessionBus();
+    const QDBusConnection connected = co_await connecting;
     if (self)
         self->use(connected);
     else

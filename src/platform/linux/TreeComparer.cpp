@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <deque>
 #include <future>
 #include <memory>
 #include <utility>
@@ -26,6 +27,9 @@ using Kind = TreeDifference::Kind;
 
 // Larger than the kernel reads ahead, so that the next piece comes while this one is digested.
 constexpr std::size_t kBufferSize = 1024 * 1024;
+
+// Of small files a device gives many in the time that it takes to answer for one.
+constexpr std::size_t kFilesAhead = 32;
 
 constexpr std::uint64_t kBlockSize = 512; // the unit of ru_inblock, see getrusage(2)
 
@@ -64,14 +68,21 @@ std::string linkText(const std::string &path)
     return {text.data(), static_cast<std::size_t>(size)};
 }
 
-Sha256::Digest digestOf(const std::string &path, bool fromDevice, Sha256 &sha256, std::vector<char> &buffer)
+/// Opens a file and asks the system for its bytes, without waiting for them.
+FileDescriptor openedAhead(const std::string &path, bool fromDevice)
 {
-    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     if (!file)
         throw Error::fromErrno(errno, path);
     if (fromDevice)
         ::posix_fadvise(file.value(), 0, 0, POSIX_FADV_DONTNEED); // what was written lately lies in memory
     ::posix_fadvise(file.value(), 0, 0, POSIX_FADV_SEQUENTIAL);
+    ::posix_fadvise(file.value(), 0, 0, POSIX_FADV_WILLNEED);
+    return file;
+}
+
+Sha256::Digest digestOf(const FileDescriptor &file, const std::string &path, Sha256 &sha256, std::vector<char> &buffer)
+{
     for (;;) {
         const ssize_t size = ::read(file.value(), buffer.data(), buffer.size());
         if (size < 0 && errno == EINTR)
@@ -107,8 +118,13 @@ Digests digestsOf(const std::string &folder, const std::vector<std::string> &fil
     Digests digests;
     digests.ofFiles.reserve(files.size());
     const std::uint64_t before = bytesReadFromDevices();
-    for (const std::string &file : files)
-        digests.ofFiles.push_back(digestOf(joined(folder, file), fromDevice, sha256, buffer));
+    std::deque<FileDescriptor> ahead;
+    for (std::size_t opened = 0; const std::string &file : files) {
+        for (; opened < files.size() && ahead.size() < kFilesAhead; ++opened)
+            ahead.push_back(openedAhead(joined(folder, files[opened]), fromDevice));
+        digests.ofFiles.push_back(digestOf(ahead.front(), joined(folder, file), sha256, buffer));
+        ahead.pop_front();
+    }
     digests.bytesFromDevice = bytesReadFromDevices() - before;
     return digests;
 }

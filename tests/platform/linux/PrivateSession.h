@@ -25,7 +25,7 @@ public:
     void lockKeyring();
     void endKeyring();
     void endBus();
-    void refuse(const char *member) { m_bus.refuse(member); } ///< See PrivateBus.
+    void refuse(const char *interface, const char *member) { m_bus.refuse(interface, member); } ///< See PrivateBus.
 
     /// Whether the keyring has tried to ask somebody.
     [[nodiscard]] bool hasAsked();

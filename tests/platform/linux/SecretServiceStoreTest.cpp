@@ -105,7 +105,7 @@ TEST_F(SecretServiceStoreTest, SurvivesTheEndOfTheServiceAndOfTheBus)
 TEST_F(SecretServiceStoreTest, TakesASearchThatFailsForNoSignThatNothingIsStored)
 {
     (void)store.add(kKey, Secret("open sesame"));
-    session->refuse("SearchItems");
+    session->refuse("org.freedesktop.Secret.Service", "SearchItems");
 
     EXPECT_FALSE(store.find(kKey));
     EXPECT_EQ(store.remove(kKey), SecretStore::kNotAvailable);

@@ -45,7 +45,7 @@ protected:
     LinuxFileManager files{TREE_COMPARER_MODULE};
 
 private:
-    QTemporaryDir m_folder;
+    QTemporaryDir m_folder{QStringLiteral("/var/tmp/brindle-XXXXXX")}; // on a device, which is read
 };
 
 std::string hexOf(const Sha256::Digest &digest)
@@ -102,6 +102,19 @@ TEST_F(TreeComparerTest, SeesOneBitDeepInsideALargeFile)
     writeFile(second() / "OC/Kexts/large", bytes);
 
     EXPECT_THAT(compare().differences, ElementsAre(TreeDifference{Kind::content, "OC/Kexts/large"}));
+}
+
+TEST_F(TreeComparerTest, SeesTheOneOfManyFilesThatDiffers)
+{
+    for (int file = 0; file < 200; ++file) {
+        writeFile(first() / fmt::format("many/{}", file), fmt::format("file {}", file));
+        writeFile(second() / fmt::format("many/{}", file), file == 123 ? "file 321" : fmt::format("file {}", file));
+    }
+
+    const TreeComparison comparison = compare();
+
+    EXPECT_THAT(comparison.differences, ElementsAre(TreeDifference{Kind::content, "many/123"}));
+    EXPECT_EQ(comparison.fileCount, 206U);
 }
 
 TEST_F(TreeComparerTest, TellsNamesApartByCase)

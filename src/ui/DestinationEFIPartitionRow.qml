@@ -1,0 +1,84 @@
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Templates as T
+
+// One destination to pick.
+T.AbstractButton {
+    id: root
+    required property var destination // a DestinationValue
+
+    implicitHeight: line.implicitHeight + topPadding + bottomPadding
+    padding: 12
+    hoverEnabled: true
+    focusPolicy: Qt.StrongFocus
+    Accessible.role: Accessible.RadioButton
+    Accessible.name: destination.description
+    Accessible.checkable: true
+    Accessible.checked: destination.isSelected
+    Accessible.onPressAction: root.clicked()
+    Keys.onReturnPressed: root.clicked()
+    Keys.onEnterPressed: root.clicked()
+
+    background: Rectangle {
+        radius: 8
+        color: root.destination.isSelected ? Qt.alpha(Theme.blue, 0.1) : root.hovered ? Theme.rowHover : Theme.row
+        border.width: root.destination.isSelected ? 2 : 0
+        border.color: Theme.blue
+        FocusRing {
+            control: root
+            radius: 10
+        }
+    }
+    contentItem: RowLayout {
+        id: line
+        spacing: 12
+        Item {
+            Layout.preferredWidth: 24
+            Layout.preferredHeight: symbol.height
+            Symbol {
+                id: symbol
+                anchors.centerIn: parent
+                name: "externaldrive.fill"
+                color: Theme.blue
+                size: Theme.title3
+            }
+        }
+        ColumnLayout {
+            spacing: 3
+            PlainText {
+                Layout.fillWidth: true
+                text: root.destination.diskName
+                font.pixelSize: Theme.headline
+                font.weight: Font.Medium
+                elide: Text.ElideRight
+                Accessible.ignored: true
+            }
+            RowLayout {
+                spacing: 5
+                Repeater {
+                    model: root.destination.details
+                    SignView {
+                        required property var modelData
+                        sign: modelData
+                        Layout.fillWidth: true
+                        Layout.minimumWidth: modelData.symbol === "" ? Math.min(implicitWidth, 64) : implicitWidth
+                        Layout.maximumWidth: implicitWidth
+                    }
+                }
+                Item {
+                    Layout.fillWidth: true
+                }
+            }
+        }
+        Repeater {
+            model: root.destination.trailingSymbols
+            Symbol {
+                required property var modelData
+                required property int index
+                name: modelData.symbol
+                color: Theme.color(modelData.color)
+                size: index === 0 && root.destination.isSelected ? Theme.title3 : Theme.callout
+            }
+        }
+    }
+}
