@@ -7,6 +7,7 @@
 #include "base/BlockOn.h"
 #include "base/Error.h"
 #include "platform/NoStatusItemHost.h"
+#include "platform/linux/Compositor.h"
 #include "platform/linux/DBusSingleInstance.h"
 #include "platform/linux/PortalAppearance.h"
 #include "ui/PaletteAppearance.h"
@@ -106,6 +107,7 @@ int run(const Arguments &options, const std::vector<std::string> &arguments)
         {.application = application, .windows = windows, .statusItem = statusItem, .appearance = appearance},
         arguments);
     auto *bridge = engine.singletonInstance<WindowBridge *>(qmlTypeId("Brindle", 1, 0, "WindowBridge"));
+    bridge->setIsComposited(isCompositorRunning());
     QObject::connect(bridge, &WindowBridge::applicationMenuRequested,
                      [&](QPoint place) { application.popUpMenu(place); });
     windows.setMakeContent([&] { return makeContent(shell.assembly(), windows); });
