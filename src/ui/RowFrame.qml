@@ -48,12 +48,14 @@ Item {
         border.width: root.activeFocus && root.list.isByKeyboard ? 2 : 0
         border.color: Theme.focus
 
-        TapHandler {
+        TapHandler { // not for what a button above has taken
+            gesturePolicy: TapHandler.ReleaseWithinBounds
             onTapped: root.forceActiveFocus(Qt.MouseFocusReason)
             onDoubleTapped: root.presenter.doubleClick()
         }
         TapHandler {
             acceptedButtons: Qt.RightButton
+            gesturePolicy: TapHandler.ReleaseWithinBounds
             onTapped: point => root.popUpMenu(point.position)
         }
         ToolTipArea {
@@ -65,6 +67,6 @@ Item {
         id: holder
         anchors.fill: parent
         anchors.leftMargin: 10
-        anchors.rightMargin: 8
+        anchors.rightMargin: 6
     }
 }

@@ -258,6 +258,7 @@ TEST_F(WindowContentViewTest, OpensTheListOfPartitionsByTheChevron)
     EXPECT_TRUE(shows("disk2s1"));
     EXPECT_EQ(textOf("disk2s3/partitionIdentifier"), "disk2s3");
     click("disk2/chevron");
+    EXPECT_THAT(manager().expandedDisks(), testing::IsEmpty());
     EXPECT_FALSE(shows("disk2s1"));
 }
 
