@@ -8,6 +8,8 @@ Window {
     id: root
     required property AlertPresenter alert
     readonly property bool hasField: alert.field !== AlertPresenter.None
+    // The height must not wait for the layout: the desktop is told it once.
+    readonly property int textWidth: width - 2 * 20 - symbol.width - 16
     readonly property int fullHeight: Math.ceil(content.implicitHeight + body.implicitHeight + 40)
 
     width: 420
@@ -39,6 +41,7 @@ Window {
             anchors.margins: 20
             spacing: 16
             Symbol {
+                id: symbol
                 Layout.alignment: Qt.AlignTop
                 name: root.alert.symbol
                 color: Theme.color(root.alert.symbolColor)
@@ -50,6 +53,7 @@ Window {
                 PlainText {
                     objectName: "messageText"
                     Layout.fillWidth: true
+                    width: root.textWidth
                     text: root.alert.messageText
                     font.pixelSize: Theme.title3
                     font.weight: Font.DemiBold
@@ -62,7 +66,7 @@ Window {
                     PlainText {
                         id: body
                         objectName: "informativeText"
-                        width: frame.width
+                        width: root.textWidth
                         text: root.alert.informativeText
                         color: Theme.secondary
                         wrapMode: Text.Wrap

@@ -19,6 +19,12 @@ FocusScope {
             Layout.fillWidth: true
             Layout.preferredHeight: 12 + 24 + 8
             color: Theme.row
+            radius: WindowBridge.isComposited ? Theme.windowRadius : 0
+            Rectangle { // the lower corners are square
+                anchors.fill: parent
+                anchors.topMargin: parent.radius
+                color: parent.color
+            }
             MoveArea { anchors.fill: parent }
             RowLayout {
                 anchors.fill: parent

@@ -1,4 +1,5 @@
 import QtQuick
+import Brindle
 
 // A sheet over the copy dialog.
 Rectangle {
@@ -7,6 +8,7 @@ Rectangle {
     signal closed
 
     color: Qt.alpha(Theme.black, 0.35)
+    radius: WindowBridge.isComposited ? Theme.windowRadius : 0
     onVisibleChanged: if (visible) button.forceActiveFocus(Qt.TabFocusReason)
     Component.onCompleted: if (visible) button.forceActiveFocus(Qt.TabFocusReason)
 

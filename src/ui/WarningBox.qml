@@ -6,6 +6,8 @@ Rectangle {
     id: root
     required property var box // a BoxValue
     readonly property color tint: Theme.color(box.color)
+    // Faded, and dark enough to be read all the same.
+    readonly property color messageColor: Qt.alpha(Theme.isDark ? tint : Qt.darker(tint, 1.5), 0.8)
 
     implicitHeight: line.implicitHeight + 24
     radius: 8
@@ -40,7 +42,7 @@ Rectangle {
             PlainText {
                 Layout.fillWidth: true
                 text: root.box.text
-                color: Qt.alpha(root.tint, 0.8)
+                color: root.messageColor
                 font.pixelSize: Theme.caption
                 wrapMode: Text.Wrap
                 Accessible.ignored: true

@@ -71,6 +71,30 @@ TEST_P(ThemeTest, LetsTheBordersOfFieldsAndTheFocusBeSeen)
     }
 }
 
+/// What is seen of \a color over \a background.
+QColor blend(const QColor &color, const QColor &background)
+{
+    const float alpha = color.alphaF();
+    const auto mix = [alpha](float above, float below) { return above * alpha + below * (1 - alpha); };
+    return QColor::fromRgbF(mix(color.redF(), background.redF()), mix(color.greenF(), background.greenF()),
+                            mix(color.blueF(), background.blueF()));
+}
+
+TEST_P(ThemeTest, LetsTheFadedMessageOfAWarningBeRead)
+{
+    for (const char *tint : {"orange", "red"}) {
+        QmlWindow window(
+            QByteArray(R"(WarningBox { objectName: "box"; box: ({ icon: "", title: "Warning", text: "Message",
+                                                                          color: ")") +
+            tint + R"(" }) })");
+        setColorScheme(window.engine(), GetParam());
+        const QColor background = blend(window.valueOf<QColor>(QStringLiteral("box"), "color"), color("window"));
+        const QColor message = blend(window.valueOf<QColor>(QStringLiteral("box"), "messageColor"), background);
+
+        EXPECT_GE(contrast(message, background), kText) << tint;
+    }
+}
+
 TEST(Theme, PaintsAPresentersColourByItsNameOrItsValue)
 {
     QmlWindow window(R"(Item { readonly property color named: Theme.color("red")
