@@ -71,12 +71,6 @@ std::unique_ptr<Appearance> makeAppearance(const PaletteAppearance &palette)
     return std::make_unique<PortalAppearance>(palette);
 }
 
-/// False where another process of the session has come to the front instead.
-bool isOnlyInstance(DBusSingleInstance &instance)
-{
-    return blockOn(instance.claim(), 2 * DBusSingleInstance::kPatience);
-}
-
 int run(const Arguments &options, const std::vector<std::string> &arguments)
 {
     std::optional<DemoMachine> demo;
@@ -99,7 +93,8 @@ int run(const Arguments &options, const std::vector<std::string> &arguments)
 
     Platform platform = makePlatform(demo ? demo->platformChanges() : changesOfEnvironment());
     std::optional<DBusSingleInstance> instance;
-    if (!demo && !isOnlyInstance(instance.emplace(platform.bundle.identifier.value_or("com.orlane.Brindle"))))
+    // A process that another of the session has come to the front for is done.
+    if (!demo && !blockOn(instance.emplace(platform.bundle.identifier.value_or("com.orlane.Brindle")).claim()))
         return 0;
     platform.dialogs = std::make_unique<QtDialogs>(engine);
     ShellAssembly shell(
