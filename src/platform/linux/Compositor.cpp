@@ -22,8 +22,8 @@ bool hasOwner(xcb_connection_t *connection)
     if (!atom || atom->atom == XCB_ATOM_NONE)
         return false;
     const auto ownerCookie = xcb_get_selection_owner(connection, atom->atom);
-    const Reply<xcb_get_selection_owner_reply_t> owner(
-        xcb_get_selection_owner_reply(connection, ownerCookie, nullptr), &std::free);
+    const Reply<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(connection, ownerCookie, nullptr),
+                                                       &std::free);
     return owner && owner->owner != XCB_WINDOW_NONE;
 }
 
