@@ -4,13 +4,18 @@
 #include "assembly/Interruption.h"
 #include "assembly/ProcessStart.h"
 #include "assembly/ShellAssembly.h"
+#include "base/BlockOn.h"
 #include "base/Error.h"
 #include "platform/NoStatusItemHost.h"
+#include "platform/linux/Compositor.h"
+#include "platform/linux/DBusSingleInstance.h"
+#include "platform/linux/PortalAppearance.h"
 #include "ui/PaletteAppearance.h"
 #include "ui/QtApplicationHost.h"
 #include "ui/QtDialogs.h"
 #include "ui/QtWindowHost.h"
 #include "ui/UserInterface.h"
+#include "ui/WindowBridge.h"
 #include "views/WindowContentPresenter.h"
 
 #include <QApplication>
@@ -58,6 +63,20 @@ std::unique_ptr<WindowContentPresenter> makeContent(Assembly &assembly, WindowHo
                                              .windowHost = windows});
 }
 
+/// The scheme of the portal; where the environment names one, that one alone.
+std::unique_ptr<Appearance> makeAppearance(const PaletteAppearance &palette)
+{
+    if (colorSchemeOfEnvironment())
+        return std::make_unique<PaletteAppearance>(colorSchemeOfEnvironment());
+    return std::make_unique<PortalAppearance>(palette);
+}
+
+/// False where another process of the session has come to the front instead.
+bool isOnlyInstance(DBusSingleInstance &instance)
+{
+    return blockOn(instance.claim(), 2 * DBusSingleInstance::kPatience);
+}
+
 int run(const Arguments &options, const std::vector<std::string> &arguments)
 {
     std::optional<DemoMachine> demo;
@@ -69,7 +88,9 @@ int run(const Arguments &options, const std::vector<std::string> &arguments)
     QtApplicationHost application;
     QtWindowHost windows(engine);
     const NoStatusItemHost statusItem;
-    PaletteAppearance appearance;
+    const PaletteAppearance palette(colorSchemeOfEnvironment());
+    const std::unique_ptr<Appearance> own = makeAppearance(palette);
+    Appearance &appearance = *own;
     windows.setColorScheme(appearance.colorScheme());
     QObject::connect(&appearance, &Appearance::colorSchemeChanged, &windows,
                      [&] { windows.setColorScheme(appearance.colorScheme()); });
@@ -77,12 +98,21 @@ int run(const Arguments &options, const std::vector<std::string> &arguments)
     QObject::connect(&windows, &QtWindowHost::lastWindowClosed, [&] { application.lastWindowClosed(); });
 
     Platform platform = makePlatform(demo ? demo->platformChanges() : changesOfEnvironment());
+    std::optional<DBusSingleInstance> instance;
+    if (!demo && !isOnlyInstance(instance.emplace(platform.bundle.identifier.value_or("com.orlane.Brindle"))))
+        return 0;
     platform.dialogs = std::make_unique<QtDialogs>(engine);
     ShellAssembly shell(
         std::move(platform),
         {.application = application, .windows = windows, .statusItem = statusItem, .appearance = appearance},
         arguments);
+    auto *bridge = engine.singletonInstance<WindowBridge *>(qmlTypeId("Brindle", 1, 0, "WindowBridge"));
+    bridge->setIsComposited(isCompositorRunning());
+    QObject::connect(bridge, &WindowBridge::applicationMenuRequested,
+                     [&](QPoint place) { application.popUpMenu(place); });
     windows.setMakeContent([&] { return makeContent(shell.assembly(), windows); });
+    if (instance)
+        QObject::connect(&*instance, &DBusSingleInstance::reopened, [&] { shell.reopen(); });
     // The event loop ends in order, so that nothing of a demo machine stays.
     const Interruption interruption([&] { application.terminate(); }, Interruption::Then::goOn);
     application.finishLaunching();

@@ -6,10 +6,17 @@ Item {
     id: root
     required property bool isLoading
     signal refreshTapped
+    signal menuRequested(place: point)
 
     height: 44
 
-    MoveArea { anchors.fill: parent }
+    MoveArea {
+        anchors.fill: parent
+        TapHandler {
+            acceptedButtons: Qt.RightButton
+            onTapped: point => root.menuRequested(point.position)
+        }
+    }
     Row {
         anchors.left: parent.left
         anchors.leftMargin: Theme.margin

@@ -19,7 +19,9 @@ ColorScheme schemeOfPalette()
 
 } // namespace
 
-PaletteAppearance::PaletteAppearance() : m_scheme(schemeOfPalette())
+PaletteAppearance::PaletteAppearance(std::optional<ColorScheme> given)
+    : m_given(given),
+      m_scheme(given.value_or(schemeOfPalette()))
 {
     qGuiApp->installEventFilter(this);
 }
@@ -28,7 +30,8 @@ PaletteAppearance::~PaletteAppearance() = default;
 
 bool PaletteAppearance::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::ApplicationPaletteChange && std::exchange(m_scheme, schemeOfPalette()) != m_scheme)
+    if (!m_given && event->type() == QEvent::ApplicationPaletteChange &&
+        std::exchange(m_scheme, schemeOfPalette()) != m_scheme)
         Q_EMIT colorSchemeChanged();
     return Appearance::eventFilter(watched, event);
 }

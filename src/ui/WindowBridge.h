@@ -2,6 +2,7 @@
 
 #include <QColor>
 #include <QObject>
+#include <QPointF>
 #include <QtQml/qqmlregistration.h>
 
 namespace brindle {
@@ -22,10 +23,14 @@ public:
     Q_INVOKABLE void paintMenus(const QColor &background, const QColor &text, const QColor &dimmed,
                                 const QColor &highlight, const QColor &highlightedText) const;
 
+    /// Asks for the application's menu at a place of the screen.
+    Q_INVOKABLE void requestApplicationMenu(const QPointF &place) { Q_EMIT applicationMenuRequested(place.toPoint()); }
+
     Q_INVOKABLE void copyToClipboard(const QString &text) const;
 
 Q_SIGNALS:
     void isCompositedChanged();
+    void applicationMenuRequested(QPoint place);
 
 private:
     bool m_isComposited = false;

@@ -19,6 +19,13 @@ Rectangle {
     border.width: WindowBridge.isComposited ? 0 : 1
     border.color: Theme.controlBorder
 
+    function popUpMenu(place: point): void {
+        WindowBridge.requestApplicationMenu(mapToGlobal(place.x, place.y));
+    }
+
+    // A row that has the keyboard takes the Menu key for itself.
+    Keys.onMenuPressed: popUpMenu(Qt.point(Theme.margin, header.height))
+    Shortcut { sequence: "F10"; onActivated: root.popUpMenu(Qt.point(Theme.margin, header.height)) }
     Shortcut { sequences: [StandardKey.Refresh, "Ctrl+R"]; onActivated: root.presenter.refresh() }
     Shortcut { sequences: [StandardKey.Close, "Ctrl+W"]; onActivated: root.Window.window.close() }
     Shortcut { sequences: [StandardKey.Quit, "Ctrl+Q"]; onActivated: root.presenter.quit() }
@@ -33,6 +40,7 @@ Rectangle {
             objectName: "header"
             width: parent.width
             isLoading: root.presenter.isLoading
+            onMenuRequested: place => root.popUpMenu(place)
             onRefreshTapped: root.presenter.refresh()
         }
         DiskListContentView {

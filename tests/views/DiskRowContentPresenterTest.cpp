@@ -141,9 +141,40 @@ TEST_F(DiskRowContentPresenterTest, IsReadByTheNamesOfItsProperties)
     EXPECT_EQ(RowTextValue::staticMetaObject.indexOfProperty("weight"), 2);
 }
 
+// --- narrow lines
+
+// The details of the stick are its size, its type, "OC", "Linux" and its health, each 10 wide; a bullet takes 2.
+TEST_F(DiskRowContentPresenterTest, HidesNothingOfALineThatFits)
+{
+    switchOnAll();
+
+    EXPECT_EQ(presentStick().hiddenDetails(QList<double>(5, 10), 2, 4, 58), QList<int>());
+}
+
+TEST_F(DiskRowContentPresenterTest, HidesIndicatorsFromTheRightOfALineThatIsTooLong)
+{
+    switchOnAll();
+    const DiskRowContentPresenter &row = presentStick();
+
+    EXPECT_EQ(row.hiddenDetails(QList<double>(5, 10), 2, 4, 57), QList<int>{3});
+    EXPECT_EQ(row.hiddenDetails(QList<double>(5, 10), 2, 4, 52), QList<int>{3});
+    EXPECT_EQ(row.hiddenDetails(QList<double>(5, 10), 2, 4, 51), (QList<int>{2, 3}));
+    EXPECT_EQ(row.hiddenDetails(QList<double>(5, 10), 2, 4, 0), (QList<int>{2, 3}));
+}
+
+TEST_F(DiskRowContentPresenterTest, HidesAHealthThatIsNoWarning)
+{
+    switchOnAll();
+    PhysicalDisk boot = stick();
+    boot.isBootDisk = true;
+    boot.smartStatus = SMARTStatus::verified;
+
+    EXPECT_EQ(present({.disk = boot}).hiddenDetails(QList<double>(5, 10), 2, 4, 0), (QList<int>{3, 4}));
+}
+
 // --- changes
 
-TEST_F(DiskRowContentPresenterTest, TellsOfEveryNewRecordAlsoOfAnEqualOne)
+TEST_F(DiskRowContentPresenterTest, TellsOfARecordThatIsEqualAndLooksDifferent)
 {
     DiskRowContentPresenter &row = presentStick();
     PhysicalDisk renamed = stick();

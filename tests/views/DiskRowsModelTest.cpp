@@ -2,7 +2,6 @@
 
 #include "views/WindowContentFixture.h"
 
-
 namespace brindle {
 namespace {
 
