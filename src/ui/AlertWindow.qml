@@ -8,8 +8,6 @@ Window {
     id: root
     required property AlertPresenter alert
     readonly property bool hasField: alert.field !== AlertPresenter.None
-    // The height must not wait for the layout: the desktop is told it once.
-    readonly property int textWidth: width - 2 * 20 - symbol.width - 16
     readonly property int fullHeight: Math.ceil(content.implicitHeight + body.implicitHeight + 40)
 
     width: 420
@@ -41,7 +39,6 @@ Window {
             anchors.margins: 20
             spacing: 16
             Symbol {
-                id: symbol
                 Layout.alignment: Qt.AlignTop
                 name: root.alert.symbol
                 color: Theme.color(root.alert.symbolColor)
@@ -53,7 +50,6 @@ Window {
                 PlainText {
                     objectName: "messageText"
                     Layout.fillWidth: true
-                    width: root.textWidth
                     text: root.alert.messageText
                     font.pixelSize: Theme.title3
                     font.weight: Font.DemiBold
@@ -66,7 +62,7 @@ Window {
                     PlainText {
                         id: body
                         objectName: "informativeText"
-                        width: root.textWidth
+                        width: frame.width
                         text: root.alert.informativeText
                         color: Theme.secondary
                         wrapMode: Text.Wrap

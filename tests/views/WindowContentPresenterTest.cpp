@@ -2,6 +2,8 @@
 
 #include "views/WindowContentFixture.h"
 
+#include "state/AutoMountMarks.h"
+
 #include <fmt/format.h>
 
 namespace brindle {
