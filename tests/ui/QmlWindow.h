@@ -149,6 +149,7 @@ private:
 
     QPoint middleOf(const QString &path)
     {
+        (void)picture(); // lays out what has changed: a new item lies above others until then
         const QQuickItem &target = item(path);
         return target.mapToScene(QPointF(target.width() / 2, target.height() / 2)).toPoint();
     }

@@ -246,10 +246,10 @@ TEST_F(WindowContentPresenterTest, LeavesTheWindowAloneForAChangeOfTwoPointsOrLe
     Q_EMIT windowHost.screenParametersChanged();
     clock.advance(50ms);
     EXPECT_THAT(heights(), IsEmpty());
-    windowHost.screenHeight = 203;
+    windowHost.screenHeight = 205;
     Q_EMIT windowHost.screenParametersChanged();
     clock.advance(50ms);
-    EXPECT_THAT(heights(), ElementsAre("height 1 182.7"));
+    EXPECT_THAT(heights(), ElementsAre("height 1 184.5"));
 }
 
 TEST_F(WindowContentPresenterTest, TakesTheHeightOfTheDialogThatIsShown)
