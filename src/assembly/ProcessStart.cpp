@@ -2,6 +2,8 @@
 
 #include "platform/CoreImages.h"
 
+#include <initializer_list>
+
 #include <fcntl.h>
 #include <unistd.h>
 
