@@ -1,7 +1,7 @@
 #include "cli/TerminalDialogs.h"
 
+#include "assembly/Interruption.h"
 #include "base/BlockOn.h"
-#include "cli/Interruption.h"
 #include "support/MaskedPassword.h"
 
 #include <QCoreApplication>
