@@ -1,5 +1,6 @@
 #include "views/WindowContentPresenter.h"
 
+#include "state/AutoMountMarks.h"
 #include "views/WindowContentFixture.h"
 
 #include "state/AutoMountMarks.h"
