@@ -1,6 +1,5 @@
 #include "views/WindowContentPresenter.h"
 
-#include "state/AutoMountMarks.h"
 #include "views/WindowContentFixture.h"
 
 #include "state/AutoMountMarks.h"
