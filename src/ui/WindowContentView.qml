@@ -26,9 +26,10 @@ Rectangle {
     // A row that has the keyboard takes the Menu key for itself.
     Keys.onMenuPressed: popUpMenu(Qt.point(Theme.margin, header.height))
     Shortcut { sequence: "F10"; onActivated: root.popUpMenu(Qt.point(Theme.margin, header.height)) }
-    Shortcut { sequences: [StandardKey.Refresh, "Ctrl+R"]; onActivated: root.presenter.refresh() }
-    Shortcut { sequences: [StandardKey.Close, "Ctrl+W"]; onActivated: root.Window.window.close() }
-    Shortcut { sequences: [StandardKey.Quit, "Ctrl+Q"]; onActivated: root.presenter.quit() }
+    // By their keys: a standard key that is the same on a desktop would make them ambiguous, and do nothing.
+    Shortcut { sequences: ["Ctrl+R", "F5"]; onActivated: root.presenter.refresh() }
+    Shortcut { sequence: "Ctrl+W"; onActivated: root.Window.window.close() }
+    Shortcut { sequence: "Ctrl+Q"; onActivated: root.presenter.quit() }
 
     Item {
         objectName: "diskListFrame"
