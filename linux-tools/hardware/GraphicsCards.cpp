@@ -100,7 +100,7 @@ GraphicsCard readCard(const fs::path &root, const fs::path &device, std::string_
             .displays = displaysOf(device)};
 }
 
-/// Base class 03h of the PCI Code and ID Assignment Specification.
+/// Base class 03h in the class codes that the PCI-SIG assigns.
 bool isDisplayController(const fs::path &device)
 {
     constexpr std::uint64_t kDisplayController = 0x03;

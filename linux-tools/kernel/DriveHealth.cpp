@@ -94,7 +94,7 @@ Smart ataHealth(int descriptor)
 
 Smart nvmeHealth(int descriptor)
 {
-    // NVMe base specification: Get Log Page (02h), SMART / Health Information (02h), of the whole controller.
+    // NVM Express: Get Log Page (02h), SMART / Health Information (02h), of the whole controller.
     constexpr std::uint8_t kGetLogPage = 0x02;
     constexpr std::uint32_t kHealthLog = 0x02;
     constexpr std::uint32_t kAllNamespaces = 0xFFFFFFFF;

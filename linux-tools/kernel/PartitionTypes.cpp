@@ -17,8 +17,8 @@ struct GuidName {
     std::string_view name;
 };
 
-// The GUIDs are those of the UEFI specification, of its users' own documents, and of the Discoverable Partitions
-// Specification, whose data partitions all hold a Linux file system.
+// The GUIDs are those of UEFI, of its users' own documents, and of the Discoverable Partitions of the UAPI Group,
+// whose data partitions all hold a Linux file system.
 constexpr std::array kGuids{
     GuidName{"C12A7328-F81F-11D2-BA4B-00A0C93EC93B", "EFI"},
     GuidName{"21686148-6449-6E6F-744E-656564454649", "BIOS Boot"},

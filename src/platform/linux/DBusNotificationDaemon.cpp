@@ -22,7 +22,7 @@ constexpr auto kPath = "/org/freedesktop/Notifications"_L1;
 // The bus may have to start the daemon first.
 constexpr std::chrono::milliseconds kPatience = 10s;
 
-// Of the Icon Naming and the Sound Naming Specification.
+// Names of freedesktop.org's icon and sound naming.
 constexpr auto kIcon = "drive-harddisk"_L1;
 constexpr auto kSound = "message-new-instant"_L1;
 

@@ -10,11 +10,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Of the D-Bus specification: RequestName's flag, and its reply where another has the name.
+// Of D-Bus: RequestName's flag, and its reply where another has the name.
 constexpr uint kDoNotQueue = 4;
 constexpr uint kExists = 3;
 
-/// Of the Desktop Entry Specification.
+/// As freedesktop.org's desktop entries tell.
 QString pathOf(QString name)
 {
     return u'/' + name.replace(u'.', u'/').replace(u'-', u'_');

@@ -14,7 +14,7 @@ namespace brindle {
 
 /// Keeps the application to one process in a session: the one that owns the application's name on the session bus.
 ///
-/// It speaks the bus's org.freedesktop.Application, of the Desktop Entry Specification, as far as Activate: any other
+/// It speaks the bus's org.freedesktop.Application, of freedesktop.org's desktop entries, as far as Activate: any other
 /// start of the application calls that, and so may any program.
 class DBusSingleInstance final : public QObject {
     Q_OBJECT

@@ -8,7 +8,7 @@
 
 namespace brindle {
 
-/// The desktop's notification daemon, in the words of the Desktop Notifications Specification 1.2 of freedesktop.org.
+/// The desktop's notification daemon, in the words of freedesktop.org's Desktop Notifications 1.2.
 ///
 /// Nothing waits: each question is answered once, from the event loop, and never after this object's end. A daemon that
 /// is missing, or that doesn't answer in time, makes the question fail; the next one is asked of whichever daemon is
