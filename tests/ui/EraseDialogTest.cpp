@@ -165,6 +165,25 @@ INSTANTIATE_TEST_SUITE_P(
                                   window.press(Qt::Key_Enter);
                               },
                               false},
+                    Dismissal{"ReturnOnErase",
+                              [](QmlWindow &window) {
+                                  window.tabTo("eraseButton");
+                                  window.press(Qt::Key_Return);
+                                  window.press(Qt::Key_Enter);
+                              },
+                              false},
+                    Dismissal{"ReturnOnCancel",
+                              [](QmlWindow &window) {
+                                  window.tabTo("cancelButton");
+                                  window.press(Qt::Key_Return);
+                              },
+                              true},
+                    Dismissal{"SpaceOnCancel",
+                              [](QmlWindow &window) {
+                                  window.tabTo("cancelButton");
+                                  window.press(Qt::Key_Space);
+                              },
+                              true},
                     Dismissal{"FocusLost",
                               [](QmlWindow &window) {
                                   QQuickWindow other;
