@@ -27,6 +27,16 @@ TEST_F(EraseDialogTest, AsksForTheNameWithTheKeyboardInItsField)
     EXPECT_FALSE(window().shows(QStringLiteral("mismatchText")));
 }
 
+TEST_F(EraseDialogTest, IsNotScrolledWhereAllOfItHasRoom)
+{
+    openForDisk();
+    waitForStillness(window());
+
+    const QQuickItem &title = window().item(QStringLiteral("eraseTitle"));
+
+    EXPECT_GT(title.mapToScene({}).y(), 44); // the symbol's height
+}
+
 TEST_F(EraseDialogTest, ErasesTheVolumeOnceItsNameIsTyped)
 {
     openForDisk();
