@@ -292,6 +292,30 @@ TEST_F(WindowContentViewTest, ShowsTheMenuOfARowByTheRightButton)
     EXPECT_THAT(journal, Contains(sudo("mount disk2s1")));
 }
 
+TEST_F(WindowContentViewTest, DrawsTheSymbolsOfAMenuInTheColourOfItsText)
+{
+    holdOneStick();
+    setColorScheme(window().engine(), ColorScheme::dark);
+    const QColor text = QApplication::palette("QMenu").color(QPalette::Text);
+
+    click("disk2", Qt::RightButton);
+
+    const auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+    ASSERT_TRUE(menu);
+    const QImage symbol = menu->actions().constFirst()->icon().pixmap(16).toImage();
+    int drawn = 0;
+    for (int y = 0; y < symbol.height(); ++y) {
+        for (int x = 0; x < symbol.width(); ++x) {
+            if (symbol.pixelColor(x, y).alpha() == 255) {
+                EXPECT_EQ(symbol.pixelColor(x, y).rgb(), text.rgb());
+                ++drawn;
+            }
+        }
+    }
+    EXPECT_GT(drawn, 0);
+    choose({});
+}
+
 TEST_F(WindowContentViewTest, ShowsTheMenuOfAPartition)
 {
     manager().toggleExpanded("disk2");
