@@ -179,6 +179,8 @@ QCoro::Task<> RowActions::renameVolume(PhysicalDisk disk, std::string newName)
         co_return;
     const Operation operation(*this, fmt::format("Renaming {}", givenOr(disk.volumeName, *target)));
     try {
+        auto requiring = m_model.diskManager.requireVolumeOn(disk.identifier, *target);
+        co_await requiring;
         auto renaming = m_model.efiOperations.rename(*target, std::move(newName));
         co_await renaming;
     } catch (const Error &error) {

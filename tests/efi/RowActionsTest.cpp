@@ -288,8 +288,19 @@ TEST_F(RowActionsTest, RenamesTheVolumeOfADiskByItsLabelAndScans)
     EXPECT_EQ(prompt.alert.messageText, "Rename Volume");
     EXPECT_EQ(prompt.alert.informativeText, "Enter a new name for \"Work\".");
     EXPECT_EQ(prompt.text, "Work");
-    EXPECT_THAT(journal, ElementsAre("dialog", "start Renaming Work", sudo("rename Work Play"),
+    EXPECT_THAT(journal, ElementsAre("dialog", "start Renaming Work", diskutil("info Work"), sudo("rename Work Play"),
                                      diskutil("list physical"), "disks changed", "end", "dialog over"));
+}
+
+TEST_F(RowActionsTest, RenamesNoVolumeThatIsAnotherDisksByNow)
+{
+    tools.answer(diskutil("info Work"), "   Part of Whole: disk5\n");
+    RowActions actions = row();
+
+    EXPECT_EQ(failureOf(actions.renameVolume(disk, "Play")), "\"Work\" is on disk5, not on disk2");
+
+    EXPECT_EQ(log.lines().back(), "Rename failed: \"Work\" is on disk5, not on disk2");
+    EXPECT_THAT(journal, ElementsAre("start Renaming Work", diskutil("info Work"), "end"));
 }
 
 TEST_F(RowActionsTest, LogsWhyAVolumeWasNotRenamed)
@@ -302,8 +313,8 @@ TEST_F(RowActionsTest, LogsWhyAVolumeWasNotRenamed)
     finished(actions.askToRenameVolume(disk));
 
     EXPECT_EQ(log.lines().back(), "Rename failed: locked");
-    EXPECT_THAT(journal,
-                ElementsAre("dialog", "start Renaming Work", sudo("rename /Volumes/Work Play"), "end", "dialog over"));
+    EXPECT_THAT(journal, ElementsAre("dialog", "start Renaming Work", diskutil("info /Volumes/Work"),
+                                     sudo("rename /Volumes/Work Play"), "end", "dialog over"));
 }
 
 TEST_F(RowActionsTest, RenamesNoVolumeWhereTheLabelStandsForSeveral)
