@@ -30,14 +30,14 @@ class RowActions::Operation {
 public:
     Operation(RowActions &row, const std::string &status) : m_row(row)
     {
-        m_row.m_isLoading = true;
+        ++m_row.m_operationsUnderWay;
         m_row.m_callbacks.onOperationStart(status);
     }
     Operation(const Operation &) = delete;
     Operation &operator=(const Operation &) = delete;
     ~Operation()
     {
-        m_row.m_isLoading = false;
+        --m_row.m_operationsUnderWay;
         m_row.m_callbacks.onOperationEnd();
     }
 
@@ -85,7 +85,7 @@ QCoro::Task<> RowActions::toggle(PhysicalDisk disk, EFIPartition partition)
 
 QCoro::Task<> RowActions::mount(PhysicalDisk disk, EFIPartition partition)
 {
-    if (m_isLoading)
+    if (isLoading())
         co_return;
     const Operation operation(*this, statusOf("Mounting", disk, partition));
     auto mounting = m_model.diskManager.mountEFI(partition.identifier, disk.name);
@@ -98,7 +98,7 @@ QCoro::Task<> RowActions::mount(PhysicalDisk disk, EFIPartition partition)
 
 QCoro::Task<> RowActions::unmount(PhysicalDisk disk, EFIPartition partition)
 {
-    if (m_isLoading)
+    if (isLoading())
         co_return;
     const Operation operation(*this, statusOf("Unmounting", disk, partition));
     auto unmounting = m_model.efiOperations.unmount(partition.identifier, disk.name);

@@ -1,6 +1,6 @@
 // The commands that erase, as processes on a copy of the demo's machine, with its sudo and its password.
 
-#include "cli/BrindlectlFixture.h"
+#include "cli/ComputerFixture.h"
 #include "support/FileTree.h"
 #include "support/Fixtures.h"
 
@@ -21,38 +21,8 @@ using nlohmann::json;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-using Arguments = std::vector<std::string>;
-
-class EraseCommands : public Brindlectl {
+class EraseCommands : public Computer {
 protected:
-    EraseCommands() { runMachine({"new", root()}); }
-
-    [[nodiscard]] std::string root() const { return machine.root() / "computer"; }
-
-    /// The machine's own program.
-    static void runMachine(const Arguments &arguments)
-    {
-        QStringList list;
-        for (const std::string &argument : arguments)
-            list << QString::fromStdString(argument);
-        EXPECT_EQ(QProcess::execute(QStringLiteral(BRINDLE_MACHINE), list), 0);
-    }
-
-    Outcome runThere(Arguments arguments, const std::string &password = "brindle")
-    {
-        QProcess process;
-        if (!password.empty())
-            arguments.emplace_back("--password-stdin");
-        start(process, arguments, root());
-        process.write(QByteArray::fromStdString(password + '\n'));
-        process.closeWriteChannel();
-        EXPECT_TRUE(process.waitForFinished(60'000));
-        return {process.exitCode(), process.readAllStandardOutput().toStdString(),
-                process.readAllStandardError().toStdString()};
-    }
-
-    [[nodiscard]] json machineFile() const { return json::parse(contentsOf(fs::path(root()) / "machine.json")); }
-
     /// The partitions of a disk as "type name file system".
     [[nodiscard]] std::vector<std::string> partitionsOf(const std::string &identifier) const
     {

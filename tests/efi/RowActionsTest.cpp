@@ -153,6 +153,30 @@ TEST_F(RowActionsTest, DoesNothingOnADoubleClickWhileAnActionOfTheRowIsUnderWay)
     finished(std::move(first));
 }
 
+TEST_F(RowActionsTest, DoesNothingOnADoubleClickUntilTheLastOfTwoActionsOfTheRowHasEnded)
+{
+    answerMount();
+    answerSudo("rename disk2s1 NEW");
+    launcher.hold(sudo("mount disk2s1"));
+    launcher.hold(sudo("rename disk2s1 NEW"));
+    RowActions actions = row();
+    auto mounting = actions.doubleClick(disk);
+    auto renaming = actions.renameEFI(disk, unmounted, "NEW");
+    clock.advance({});
+    launcher.release(sudo("mount disk2s1"));
+    finished(std::move(mounting));
+    const std::vector<std::string> before = journal;
+    ASSERT_EQ(before.back(), "end");
+    EXPECT_TRUE(actions.isLoading());
+
+    finished(actions.doubleClick(disk));
+
+    EXPECT_EQ(journal, before);
+    launcher.release(sudo("rename disk2s1 NEW"));
+    finished(std::move(renaming));
+    EXPECT_FALSE(actions.isLoading());
+}
+
 TEST_F(RowActionsTest, DoesNothingOnADoubleClickOnADiskWithTwoPartitionsOrNone)
 {
     RowActions actions = row();
