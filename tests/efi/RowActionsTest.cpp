@@ -119,6 +119,7 @@ TEST_F(RowActionsTest, EndsAndThrowsWhenAMountFails)
 
     EXPECT_THAT(journal, ElementsAre("start Mounting EFI partition of Stick", diskutil("info disk2s1"),
                                      sudo("mount disk2s1"), "mount of Stick (disk2s1) failed", "end"));
+    EXPECT_THAT(log.lines(), Contains("Mount failed: no medium"));
     EXPECT_FALSE(actions.isLoading());
 }
 
@@ -134,6 +135,7 @@ TEST_F(RowActionsTest, EndsAndThrowsWhenAnUnmountFails)
     EXPECT_THAT(journal,
                 ElementsAre("start Unmounting EFI partition of Stick", diskutil("info disk2s1"),
                             sudo("unmount disk2s1"), sudo("unmount force disk2s1"), "unmount of Stick failed", "end"));
+    EXPECT_THAT(log.lines(), Contains("Unmount failed: still busy"));
 }
 
 TEST_F(RowActionsTest, DoesNothingOnADoubleClickWhileAnActionOfTheRowIsUnderWay)
@@ -364,6 +366,17 @@ TEST_F(RowActionsTest, EjectsWithoutAWordToTheContainer)
     EXPECT_EQ(finished(actions.eject(disk)), "Disk disk2 ejected\n");
 
     EXPECT_THAT(journal, ElementsAre(diskutil("eject disk2"), "disks changed"));
+}
+
+TEST_F(RowActionsTest, LogsWhyADiskWasNotEjectedAndLeavesItInTheList)
+{
+    tools.fail(diskutil("eject disk2"), Error("CommandError", 1, "disk2 is busy"));
+    RowActions actions = row();
+
+    EXPECT_EQ(failureOf(actions.eject(disk)), "disk2 is busy");
+
+    EXPECT_EQ(log.lines().back(), "Eject failed: disk2 is busy");
+    EXPECT_THAT(journal, ElementsAre(diskutil("eject disk2")));
 }
 
 TEST_F(RowActionsTest, OffersNoEjectForABuiltInDiskAndForTheBootDisk)
