@@ -42,14 +42,14 @@ class RowActions::Operation {
 public:
     Operation(RowActions &row, const std::string &status) : m_row(row)
     {
-        m_row.m_isLoading = true;
+        ++m_row.m_operationsUnderWay;
         m_row.m_callbacks.onOperationStart(status);
     }
     Operation(const Operation &) = delete;
     Operation &operator=(const Operation &) = delete;
     ~Operation()
     {
-        m_row.m_isLoading = false;
+        --m_row.m_operationsUnderWay;
         m_row.m_callbacks.onOperationEnd();
     }
 
@@ -97,7 +97,7 @@ QCoro::Task<> RowActions::toggle(PhysicalDisk disk, EFIPartition partition)
 
 QCoro::Task<> RowActions::mount(PhysicalDisk disk, EFIPartition partition)
 {
-    if (m_isLoading)
+    if (isLoading())
         co_return;
     const Operation operation(*this, statusOf("Mounting", disk, partition));
     auto mounting = logged("Mount failed: ", m_model.diskManager.mountEFI(partition.identifier, disk.name));
@@ -110,7 +110,7 @@ QCoro::Task<> RowActions::mount(PhysicalDisk disk, EFIPartition partition)
 
 QCoro::Task<> RowActions::unmount(PhysicalDisk disk, EFIPartition partition)
 {
-    if (m_isLoading)
+    if (isLoading())
         co_return;
     const Operation operation(*this, statusOf("Unmounting", disk, partition));
     auto unmounting = logged("Unmount failed: ", m_model.efiOperations.unmount(partition.identifier, disk.name));
@@ -186,6 +186,8 @@ QCoro::Task<> RowActions::renameVolume(PhysicalDisk disk, std::string newName)
     if (!target)
         co_return;
     const Operation operation(*this, fmt::format("Renaming {}", givenOr(disk.volumeName, *target)));
+    auto requiring = logged("Rename failed: ", m_model.diskManager.requireVolumeOn(disk.identifier, *target));
+    co_await requiring;
     auto renaming = logged("Rename failed: ", m_model.efiOperations.rename(*target, std::move(newName)));
     co_await renaming;
     auto scan = m_model.diskManager.startScan(false);

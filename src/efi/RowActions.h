@@ -46,7 +46,7 @@ public:
     RowActions(Row row, const Model &model, Callbacks callbacks); ///< The row outlives the actions that it has begun.
 
     /// An action of this row is under way.
-    [[nodiscard]] bool isLoading() const { return m_isLoading; }
+    [[nodiscard]] bool isLoading() const { return m_operationsUnderWay > 0; }
 
     /// Whether the disk can be let go: not a built-in one, and not the one that the system runs from.
     [[nodiscard]] static bool canEject(const PhysicalDisk &disk);
@@ -94,7 +94,7 @@ private:
     Row m_row;
     Model m_model;
     Callbacks m_callbacks;
-    bool m_isLoading = false;
+    int m_operationsUnderWay = 0; ///< A rename may begin while another action runs.
 };
 
 } // namespace brindle
