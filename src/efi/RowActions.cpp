@@ -103,7 +103,7 @@ QCoro::Task<> RowActions::unmount(PhysicalDisk disk, EFIPartition partition)
     const Operation operation(*this, statusOf("Unmounting", disk, partition));
     auto unmounting = m_model.efiOperations.unmount(partition.identifier, disk.name);
     co_await unmounting;
-    auto updating = updateState(partition.identifier);
+    auto updating = m_model.diskManager.updateEFIPartitionState(partition.identifier);
     co_await updating;
 }
 
@@ -149,7 +149,7 @@ QCoro::Task<> RowActions::renameEFI(PhysicalDisk disk, EFIPartition partition, s
         Log::line("EFI rename failed: {}", error.what());
         throw;
     }
-    auto updating = updateState(partition.identifier);
+    auto updating = m_model.diskManager.updateEFIPartitionState(partition.identifier);
     co_await updating;
 }
 
@@ -192,13 +192,6 @@ QCoro::Task<> RowActions::renameVolume(PhysicalDisk disk, std::string newName)
 QCoro::Task<std::string> RowActions::eject(PhysicalDisk disk)
 {
     return m_model.diskManager.ejectDisk(disk.identifier);
-}
-
-QCoro::Task<> RowActions::updateState(std::string identifier)
-{
-    auto updating = m_model.diskManager.updateEFIPartitionState(std::move(identifier));
-    co_await updating;
-    m_model.diskManager.persistState();
 }
 
 std::string RowActions::statusOf(std::string_view verb, const PhysicalDisk &disk, const EFIPartition &partition) const

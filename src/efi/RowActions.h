@@ -86,7 +86,6 @@ private:
     class Operation;
     class Dialog;
 
-    QCoro::Task<> updateState(std::string identifier);
     [[nodiscard]] std::string statusOf(std::string_view verb, const PhysicalDisk &disk,
                                        const EFIPartition &partition) const;
     QCoro::Task<std::optional<std::string>> newName(std::string title, std::string text, std::string currentName);

@@ -80,7 +80,7 @@ TEST_F(RowActionsTest, UnmountsAMountedPartitionAndReadsItsState)
     EXPECT_THAT(journal, ElementsAre("start Unmounting EFI partition of Stick", diskutil("info disk2s1"),
                                      sudo("unmount disk2s1"), "unmount of Stick worked", diskutil("info disk2s1"),
                                      "disks changed", "end"));
-    EXPECT_EQ(log.lines().back(), "💾 Persisted disk state");
+    EXPECT_EQ(log.lines().back(), "✅ EFI state updated: disk2s1 mounted=true");
 }
 
 TEST_F(RowActionsTest, NamesThePartitionInTheRowOfOne)
@@ -244,15 +244,19 @@ TEST_F(RowActionsTest, AsksForTheNewNameOfAPartitionAndReadsItsState)
                                      diskutil("info disk2s1"), "disks changed", "end", "dialog over"));
 }
 
-TEST_F(RowActionsTest, KeepsTheNewStateOfAPartitionThatWasRenamed)
+TEST_F(RowActionsTest, KeepsNothingInTheSettingsAfterAnUnmountOrARename)
 {
-    mountedPartition();
+    answerSudo("unmount disk2s1");
     answerSudo("rename disk2s1 OPENCORE");
     RowActions actions = row();
+    manager();
+    const auto kept = defaults.object(DefaultsKeys::kPersistedDisks);
 
+    finished(actions.unmount(disk, mountedPartition()));
     finished(actions.renameEFI(disk, unmounted, "OPENCORE"));
 
-    EXPECT_EQ(log.lines().back(), "💾 Persisted disk state");
+    EXPECT_THAT(log.lines(), Not(Contains("💾 Persisted disk state")));
+    EXPECT_EQ(defaults.object(DefaultsKeys::kPersistedDisks), kept);
 }
 
 TEST_F(RowActionsTest, ThrowsWhatARenameWithoutAQuestionFailsWith)
