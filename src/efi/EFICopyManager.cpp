@@ -69,7 +69,9 @@ QCoro::Task<> EFICopyManager::copyEFI(PhysicalDisk sourceDisk, EFIPartition sour
     auto check = checkSource(sourcePath);
     co_await check;
     publish("Checking destination...", 0.1);
-    if (m_fileManager.fileExists(destPath) && !m_isCancelled) {
+    auto looking = m_fileManager.fileExists(destPath);
+    const bool isThere = co_await looking;
+    if (isThere && !m_isCancelled) {
         if (!overwriteWithoutBackup) {
             raiseConfirmation(sourceDisk, sourceEFI, destinationDisk, destinationEFI);
             co_return;
@@ -146,7 +148,9 @@ QCoro::Task<> EFICopyManager::checkSource(std::string sourcePath)
         setOperationStatus(std::move(status));
         return EFICopyError(which);
     };
-    if (!m_fileManager.fileExists(sourcePath))
+    auto looking = m_fileManager.fileExists(sourcePath);
+    const bool isThere = co_await looking;
+    if (!isThere)
         throw end("Source EFI folder not found", EFICopyError::Case::sourceEFINotFound);
     std::vector<std::string> names;
     try {
@@ -218,7 +222,8 @@ QCoro::Task<> EFICopyManager::replaceAndVerify(std::string sourcePath, std::stri
                                                EFIPartition destinationEFI)
 {
     publish(fmt::format("Copying EFI from {} to {}...", sourceEFI.displayName(), destinationEFI.displayName()), 0.4);
-    if (m_fileManager.fileExists(destPath)) {
+    auto looking = m_fileManager.fileExists(destPath);
+    if (co_await looking) {
         publish("Removing existing EFI folder...", 0.5);
         auto removal = m_fileManager.removeItem(destPath);
         co_await removal;

@@ -21,7 +21,7 @@ public:
 
     /// Something lies at \a path. A link to nothing counts as nothing; what the system can't tell, since the device
     /// fails, counts as something, so that nothing is taken for free that isn't.
-    [[nodiscard]] virtual bool fileExists(const std::string &path) const = 0;
+    [[nodiscard]] virtual QCoro::Task<bool> fileExists(std::string path) = 0;
 
     /// The names in the folder, hidden ones too, in no order.
     [[nodiscard]] virtual QCoro::Task<std::vector<std::string>> contentsOfDirectory(std::string path) = 0;

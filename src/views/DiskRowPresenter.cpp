@@ -38,8 +38,8 @@ void DiskRowPresenter::setDisk(PhysicalDisk disk)
     m_disk = std::move(disk);
     updatePartitions();
     const DiskRowContent content = contentOf(m_disk);
-    m_content.setDisk(content.disk, content.efiMounted);
-    if (buttons != rowButtons() || hadChevron != hasChevron() || hadUUID != m_disk.mediaUUID.has_value())
+    const bool isTold = m_content.setDisk(content.disk, content.efiMounted);
+    if (!isTold && (buttons != rowButtons() || hadChevron != hasChevron() || hadUUID != m_disk.mediaUUID.has_value()))
         Q_EMIT changed();
 }
 

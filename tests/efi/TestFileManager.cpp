@@ -15,7 +15,7 @@ void TestFileManager::failIfTold(const std::string &operation)
         throw *next;
 }
 
-bool TestFileManager::fileExists(const std::string &path) const
+QCoro::Task<bool> TestFileManager::fileExists(std::string path)
 {
     return m_real.fileExists(path);
 }

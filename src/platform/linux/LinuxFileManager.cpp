@@ -33,10 +33,12 @@ std::vector<std::string> namesIn(const std::string &path)
 
 LinuxFileManager::LinuxFileManager(std::filesystem::path comparer) : m_comparer(std::move(comparer)) {}
 
-bool LinuxFileManager::fileExists(const std::string &path) const
+QCoro::Task<bool> LinuxFileManager::fileExists(std::string path)
 {
-    struct stat status {};
-    return ::stat(path.c_str(), &status) == 0 || (errno != ENOENT && errno != ENOTDIR);
+    return onWorker([path = std::move(path)] {
+        struct stat status {};
+        return ::stat(path.c_str(), &status) == 0 || (errno != ENOENT && errno != ENOTDIR);
+    });
 }
 
 QCoro::Task<std::vector<std::string>> LinuxFileManager::contentsOfDirectory(std::string path)
