@@ -60,7 +60,8 @@ std::unique_ptr<WindowContentPresenter> makeContent(Assembly &assembly, WindowHo
                                              .eraseFlow = assembly.eraseFlow(),
                                              .userDefaults = assembly.userDefaults(),
                                              .scheduler = assembly.scheduler(),
-                                             .windowHost = windows});
+                                             .windowHost = windows,
+                                             .unfinishedWork = assembly.unfinishedWork()});
 }
 
 /// The scheme of the portal; where the environment names one, that one alone.
@@ -71,9 +72,29 @@ std::unique_ptr<Appearance> makeAppearance(const PaletteAppearance &palette)
     return std::make_unique<PortalAppearance>(palette);
 }
 
+/// The first signal ends the program in order, after unfinished work; the next one is left to who had the signals before.
+class EndBySignal {
+public:
+    explicit EndBySignal(ApplicationHost &application)
+    {
+        m_interruption.emplace(
+            [this, &application] {
+                application.terminate();
+                QMetaObject::invokeMethod(
+                    &m_receiver, [this] { m_interruption.reset(); }, Qt::QueuedConnection); // not within its own call
+            },
+            Interruption::Then::goOn);
+    }
+
+private:
+    QObject m_receiver;
+    std::optional<Interruption> m_interruption;
+};
+
 int run(const Arguments &options, const std::vector<std::string> &arguments)
 {
     std::optional<DemoMachine> demo;
+    const Interruption leavingAtOnce([&] { demo.reset(); });
     if (options.demo)
         demo.emplace(options.demoAsksForPassword ? DemoMachine::Password::missing : DemoMachine::Password::stored);
 
@@ -108,8 +129,7 @@ int run(const Arguments &options, const std::vector<std::string> &arguments)
     windows.setMakeContent([&] { return makeContent(shell.assembly(), windows); });
     if (instance)
         QObject::connect(&*instance, &DBusSingleInstance::reopened, [&] { shell.reopen(); });
-    // The event loop ends in order, so that nothing of a demo machine stays.
-    const Interruption interruption([&] { application.terminate(); }, Interruption::Then::goOn);
+    const EndBySignal end(application);
     application.finishLaunching();
     return QApplication::exec();
 }
