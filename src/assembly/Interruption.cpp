@@ -76,10 +76,10 @@ private:
         return read(m_pipe[0], &signalNumber, 1) == 1 ? signalNumber : 0;
     }
 
-    void interrupt()
+    void interrupt() const
     {
         const int signalNumber = nextSignal();
-        if (signalNumber == 0 || (std::exchange(m_hasInterrupted, true) && signalNumber == SIGHUP))
+        if (signalNumber == 0)
             return;
         for (const Interruption *interruption : living | std::views::reverse) {
             interruption->m_function();
@@ -92,7 +92,6 @@ private:
 
     std::array<int, 2> m_pipe{-1, -1};
     std::unique_ptr<QSocketNotifier> m_notifier;
-    bool m_hasInterrupted = false;
 };
 
 std::unique_ptr<Interruption::Signals> Interruption::s_signals;

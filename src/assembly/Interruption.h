@@ -7,8 +7,7 @@ namespace brindle {
 
 /// While it lives, the signals that end a program (SIGHUP unless it was ignored, SIGINT, SIGTERM) call a function from
 /// the event loop. Of several that live, the last one made is called first, and a signal that is to end the program is
-/// passed on to the one made before it. They end in any order. A SIGHUP that is not the first signal is passed over: who
-/// ends a session or a terminal sends it along with others, or twice, and insists on nothing by that.
+/// passed on to the one made before it. They end in any order.
 class Interruption {
 public:
     /// What becomes of the program after the function: it ends by the signal after all, so that whoever waits for it

@@ -1,7 +1,6 @@
 #include "assembly/Interruption.h"
 
 #include "support/ChildOfTest.h"
-#include "support/ManualClock.h"
 #include "support/WaitUntil.h"
 
 #include <gmock/gmock.h>
@@ -27,9 +26,9 @@ protected:
     }
 
     /// Lets a signal come and be dealt with; \a calls have been made by then.
-    void interrupt(std::size_t calls, int signalNumber = SIGTERM)
+    void interrupt(std::size_t calls)
     {
-        ASSERT_EQ(::raise(signalNumber), 0);
+        ASSERT_EQ(::raise(SIGTERM), 0);
         waitUntil([&] { return called.size() >= calls; });
     }
 
@@ -62,18 +61,6 @@ TEST_F(InterruptionTest, ServesThoseThatLiveInWhateverOrderTheOthersEnd)
     interrupt(3);
 
     EXPECT_THAT(called, ElementsAre("third", "second", "first again"));
-}
-
-TEST_F(InterruptionTest, PassesOverAHangUpThatFollowsAnotherSignal)
-{
-    const Interruption interruption(note("called"), Then::goOn);
-    interrupt(1, SIGHUP);
-
-    ASSERT_EQ(::raise(SIGHUP), 0);
-    interrupt(2);
-    drainEventLoop();
-
-    EXPECT_THAT(called, ElementsAre("called", "called"));
 }
 
 TEST_F(InterruptionTest, LetsASignalEndTheProgramThatNobodyHasDealtWithYet)
