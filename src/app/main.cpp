@@ -23,6 +23,7 @@
 
 #include <fmt/format.h>
 
+#include <csignal>
 #include <cstdio>
 #include <memory>
 #include <optional>
@@ -72,29 +73,9 @@ std::unique_ptr<Appearance> makeAppearance(const PaletteAppearance &palette)
     return std::make_unique<PortalAppearance>(palette);
 }
 
-/// The first signal ends the program in order, after unfinished work; the next one is left to who had the signals before.
-class EndBySignal {
-public:
-    explicit EndBySignal(ApplicationHost &application)
-    {
-        m_interruption.emplace(
-            [this, &application] {
-                application.terminate();
-                QMetaObject::invokeMethod(
-                    &m_receiver, [this] { m_interruption.reset(); }, Qt::QueuedConnection); // not within its own call
-            },
-            Interruption::Then::goOn);
-    }
-
-private:
-    QObject m_receiver;
-    std::optional<Interruption> m_interruption;
-};
-
 int run(const Arguments &options, const std::vector<std::string> &arguments)
 {
     std::optional<DemoMachine> demo;
-    const Interruption leavingAtOnce([&] { demo.reset(); });
     if (options.demo)
         demo.emplace(options.demoAsksForPassword ? DemoMachine::Password::missing : DemoMachine::Password::stored);
 
@@ -129,7 +110,15 @@ int run(const Arguments &options, const std::vector<std::string> &arguments)
     windows.setMakeContent([&] { return makeContent(shell.assembly(), windows); });
     if (instance)
         QObject::connect(&*instance, &DBusSingleInstance::reopened, [&] { shell.reopen(); });
-    const EndBySignal end(application);
+    bool isAskedToEnd = false;
+    const Interruption interruption([&](int signalNumber) {
+        application.terminate();
+        // Twice is no insisting of a terminal that is closed or a session that ends, but of who presses Ctrl-C.
+        if (!std::exchange(isAskedToEnd, true) || signalNumber != SIGINT)
+            return Interruption::Then::goOn;
+        demo.reset();
+        return Interruption::Then::endBySignal;
+    });
     application.finishLaunching();
     return QApplication::exec();
 }
@@ -139,6 +128,7 @@ int run(const Arguments &options, const std::vector<std::string> &arguments)
 int main(int argc, char **argv)
 {
     prepareProcess();
+    std::signal(SIGPIPE, SIG_IGN); // nobody needs to read the log
     const std::vector<std::string> arguments(argv, argv + argc);
     const Arguments options = readArguments(arguments);
     if (!options.unknown.empty()) {

@@ -1,13 +1,12 @@
 #include "assembly/DemoMachine.h"
 
 #include "base/Error.h"
+#include "base/TemporaryFolder.h"
 
 #include <QCoreApplication>
 
 #include <nlohmann/json.hpp>
 
-#include <cerrno>
-#include <cstdlib>
 #include <fstream>
 #include <string>
 
@@ -21,14 +20,6 @@ namespace {
 fs::path shippedMachine()
 {
     return fs::path(QCoreApplication::applicationDirPath().toStdString()) / "../share/brindle/demo";
-}
-
-fs::path makeFolder()
-{
-    std::string pattern = (fs::temp_directory_path() / "brindle-demo-XXXXXX").string();
-    if (!mkdtemp(pattern.data()))
-        throw Error::fromErrno(errno, "The folder of the demo machine can't be made");
-    return pattern;
 }
 
 /// Copies a folder. Its links to the tools, which lie beside it, become absolute: they hold at any place then.
@@ -53,7 +44,7 @@ Secret passwordOf(const fs::path &machine)
 
 } // namespace
 
-DemoMachine::DemoMachine(Password password) : m_folder(makeFolder()), m_password(password)
+DemoMachine::DemoMachine(Password password) : m_folder(makeTemporaryFolder("demo")), m_password(password)
 {
     try {
         copyMachine(shippedMachine(), m_folder);

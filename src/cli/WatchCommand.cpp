@@ -5,11 +5,11 @@
 #include "base/BlockOn.h"
 #include "base/Completion.h"
 #include "base/Error.h"
-#include "base/Log.h"
 #include "cli/Acting.h"
 #include "cli/DiskTable.h"
 #include "cli/Terminal.h"
 #include "cli/TerminalDialogs.h"
+#include "cli/WatchEnd.h"
 
 #include <CLI/CLI.hpp>
 #include <QObject>
@@ -30,12 +30,6 @@
 namespace brindle {
 
 namespace {
-
-using namespace std::chrono_literals;
-
-// A tool that doesn't end when it is asked to holds nobody up for longer.
-constexpr std::chrono::milliseconds kPatienceWithScans = 2s;
-constexpr std::chrono::milliseconds kPatienceWithMounts = 10s; // the kernel may be checking the file system
 
 /// Why the watch ends: nothing where whoever started it or reads it has had enough.
 using End = std::optional<Error>;
@@ -81,29 +75,6 @@ std::unique_ptr<QSocketNotifier> watchForReader(std::function<void()> readerHasG
     return notifier;
 }
 
-/// Waits for the end of \a work, but not for ever: whether it has ended.
-bool hasEnded(QCoro::Task<> work, std::chrono::milliseconds patience)
-{
-    try {
-        blockOn(std::move(work), patience);
-        return true;
-    } catch (const Error &) {
-        return false;
-    }
-}
-
-/// Ends what runs for the watch, so that no tool outlives it, but lets a mount that has begun end by itself.
-void stop(Assembly &assembly, TerminalDialogs &dialogs)
-{
-    assembly.diskEventMonitor().stopMonitoring();
-    dialogs.close(); // a mount that waits for the password is not waited for
-    if (!hasEnded(assembly.diskManager().autoMountsEnded(), kPatienceWithMounts))
-        fmt::print(stderr, "brindlectl: A mount goes on without being watched\n");
-    assembly.toolRunner().endAll();
-    if (!hasEnded(assembly.diskManager().stopScan(), kPatienceWithScans))
-        Log::line("⚠️ The scan does not end");
-}
-
 struct WatchOptions {
     bool asJson = false;
     ActingOptions acting{.endsSoon = false};
@@ -112,7 +83,7 @@ struct WatchOptions {
 ExitStatus watch(Platform platform, bool asJson)
 {
     std::signal(SIGPIPE, SIG_IGN); // a reader that goes ends the watch, which has something to clean up
-    const Scheduler &clock = *platform.scheduler;
+    Scheduler &clock = *platform.scheduler;
     auto ownDialogs = std::make_unique<TerminalDialogs>();
     TerminalDialogs &dialogs = *ownDialogs;
     platform.dialogs = std::move(ownDialogs); // so that they can be closed
@@ -131,7 +102,7 @@ ExitStatus watch(Platform platform, bool asJson)
     const auto scan = manager.startScan(false);
     const End reason = blockOn(awaited(end));
     interruption.reset(); // the next signal ends the program at once
-    stop(assembly, dialogs);
+    endWatch(assembly, dialogs, clock);
     awaitNotifications(assembly);
     if (reason)
         throw Error(*reason);

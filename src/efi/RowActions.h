@@ -19,8 +19,8 @@ namespace brindle {
 /// What happens when somebody acts on the row of a disk or of one of its EFI partitions: what is called in which order.
 ///
 /// An action works on the records as they were when it was asked for. It tells of its start, acts, and tells of its end
-/// in any case; only then it throws the Error of what failed. One that begins with a question doesn't throw it: the log
-/// has told. Main thread only.
+/// in any case. What fails is logged and only then its Error thrown, by an action that begins with a question not even
+/// that. Main thread only.
 class RowActions {
 public:
     enum class Row { disk, efiPartition };
@@ -46,7 +46,7 @@ public:
     RowActions(Row row, const Model &model, Callbacks callbacks); ///< The row outlives the actions that it has begun.
 
     /// An action of this row is under way.
-    [[nodiscard]] bool isLoading() const { return m_isLoading; }
+    [[nodiscard]] bool isLoading() const { return m_operationsUnderWay > 0; }
 
     /// Whether the disk can be let go: not a built-in one, and not the one that the system runs from.
     [[nodiscard]] static bool canEject(const PhysicalDisk &disk);
@@ -94,7 +94,7 @@ private:
     Row m_row;
     Model m_model;
     Callbacks m_callbacks;
-    bool m_isLoading = false;
+    int m_operationsUnderWay = 0; ///< A rename may begin while another action runs.
 };
 
 } // namespace brindle

@@ -18,8 +18,8 @@
 
 namespace brindle {
 
-/// A password that stands nowhere by chance.
-inline constexpr const char *kAdminPassword = "Tu5-perry-Winkle";
+/// A password that stands nowhere by chance, and is another than maskedPassword(): these tests leave it in memory.
+inline constexpr const char *kAdminPassword = "Gr4n-dmother-Sky";
 
 /// brindlectl as an ordinary user on a copy of the demo machine, whose own programs and sudo run. Root takes the rights
 /// of "nobody" for it.

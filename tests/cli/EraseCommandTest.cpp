@@ -1,6 +1,6 @@
 // The commands that erase, as processes on a copy of the demo's machine, with its sudo and its password.
 
-#include "cli/BrindlectlFixture.h"
+#include "cli/ComputerFixture.h"
 #include "support/FileTree.h"
 #include "support/Fixtures.h"
 
@@ -21,38 +21,8 @@ using nlohmann::json;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-using Arguments = std::vector<std::string>;
-
-class EraseCommands : public Brindlectl {
+class EraseCommands : public Computer {
 protected:
-    EraseCommands() { runMachine({"new", root()}); }
-
-    [[nodiscard]] std::string root() const { return machine.root() / "computer"; }
-
-    /// The machine's own program.
-    static void runMachine(const Arguments &arguments)
-    {
-        QStringList list;
-        for (const std::string &argument : arguments)
-            list << QString::fromStdString(argument);
-        EXPECT_EQ(QProcess::execute(QStringLiteral(BRINDLE_MACHINE), list), 0);
-    }
-
-    Outcome runThere(Arguments arguments, const std::string &password = "brindle")
-    {
-        QProcess process;
-        if (!password.empty())
-            arguments.emplace_back("--password-stdin");
-        start(process, arguments, root());
-        process.write(QByteArray::fromStdString(password + '\n'));
-        process.closeWriteChannel();
-        EXPECT_TRUE(process.waitForFinished(60'000));
-        return {process.exitCode(), process.readAllStandardOutput().toStdString(),
-                process.readAllStandardError().toStdString()};
-    }
-
-    [[nodiscard]] json machineFile() const { return json::parse(contentsOf(fs::path(root()) / "machine.json")); }
-
     /// The partitions of a disk as "type name file system".
     [[nodiscard]] std::vector<std::string> partitionsOf(const std::string &identifier) const
     {
@@ -81,6 +51,13 @@ protected:
             if (disk.at("identifier") == identifier)
                 change(disk);
         }
+        writeFile(fs::path(root()) / "machine.json", file.dump(2));
+    }
+
+    void unmountAll() const
+    {
+        json file = machineFile();
+        file.at("mounts") = json::array();
         writeFile(fs::path(root()) / "machine.json", file.dump(2));
     }
 };
@@ -233,6 +210,22 @@ TEST_F(EraseCommands, TakeTheOfferedFormatsAlone)
     EXPECT_EQ(run({"erase-efi", "disk5s1", "--format", "FAT32"}).status, 2);
 }
 
+TEST_F(EraseCommands, TakeALabelThatReadsAsAnIdentifierForNoPartitionOfAnotherDisk)
+{
+    edit("disk5", [](json &disk) { disk.at("partitions").at(0).at("volume").at("name") = "disk4s2"; });
+    unmountAll();
+    const json before = machineFile();
+
+    const Outcome erase = runThere({"erase-volume", "disk5", "--format", "ExFAT", "--confirm", "disk4s2"});
+    const Outcome rename = runThere({"rename", "disk5", "OTHER"});
+
+    EXPECT_EQ(erase.status, 1);
+    EXPECT_THAT(erase.error, HasSubstr("\"disk4s2\" is on disk4, not on disk5"));
+    EXPECT_EQ(rename.status, 1);
+    EXPECT_THAT(rename.error, HasSubstr("\"disk4s2\" is on disk4, not on disk5"));
+    EXPECT_EQ(machineFile(), before);
+}
+
 TEST_F(EraseCommands, GoOnToTheEndWhenTheyAreInterrupted)
 {
     QProcess process;
@@ -251,6 +244,23 @@ TEST_F(EraseCommands, GoOnToTheEndWhenTheyAreInterrupted)
     EXPECT_EQ(process.readAllStandardError().toStdString(),
               "brindlectl: An erase can't be stopped: waiting for the end. Interrupt again to leave at once.\n");
     EXPECT_THAT(process.readAllStandardOutput().toStdString(), HasSubstr("has been erased and reformatted as FAT32."));
+}
+
+TEST_F(EraseCommands, GoOnToTheEndWhenTheirTerminalHangsUpTwiceAndNobodyReads)
+{
+    QProcess process;
+    start(process, {"erase-efi", "disk3s1", "--confirm", "OPENCORE", "--password-stdin"}, root());
+    process.write("brindle\n");
+    ASSERT_TRUE(process.waitForReadyRead(60'000)); // it has begun
+    process.closeReadChannel(QProcess::StandardOutput);
+    process.closeReadChannel(QProcess::StandardError);
+
+    for (int i = 0; i < 2; ++i)
+        ::kill(static_cast<pid_t>(process.processId()), SIGHUP);
+
+    ASSERT_TRUE(process.waitForFinished(60'000));
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(process.exitCode(), 0);
 }
 
 TEST_F(EraseCommands, EndAtOnceAtTheSecondInterruption)

@@ -75,7 +75,7 @@ TEST_F(PasswordSecrecy, WritesThePasswordOnceAndToSudosPipe)
             calls.push_back(line);
     }
     ASSERT_EQ(calls.size(), 1U) << testing::PrintToString(calls);
-    EXPECT_THAT(calls[0], testing::ContainsRegex(R"(write\([0-9]+<pipe:\[[0-9]+\]>, "Tu5-perry-Winkle\\n", 17)"));
+    EXPECT_THAT(calls[0], testing::ContainsRegex(R"(write\([0-9]+<pipe:\[[0-9]+\]>, "Gr4n-dmother-Sky\\n", 17)"));
 }
 
 } // namespace

@@ -168,15 +168,6 @@ TEST_F(WatchOfAHangingMount, EndsAtOnceAtTheSecondInterruption)
     EXPECT_EQ(watch.exitCode(), SIGINT);
 }
 
-TEST_F(WatchOfAHangingMount, EndsWithAWordWhenTheMountDoesNotEnd)
-{
-    startMount();
-
-    EXPECT_EQ(end(), 0);
-
-    EXPECT_THAT(log(), HasSubstr("brindlectl: A mount goes on without being watched\n"));
-}
-
 /// The same on a session bus of the test's own.
 class WatchNotify : public WatchAutoMount {
 protected:

@@ -3,6 +3,7 @@
 #include "assembly/Assembly.h"
 #include "base/BlockOn.h"
 #include "base/Log.h"
+#include "base/TemporaryFolder.h"
 #include "platform/MemorySecretStore.h"
 #include "platform/NoDialogs.h"
 #include "platform/NoNotifications.h"
@@ -43,14 +44,6 @@ void write(const fs::path &path, const std::string &text)
     file << text;
     if (!file.flush())
         throw std::runtime_error("can't write " + path.string());
-}
-
-fs::path makeFolder()
-{
-    std::string pattern = (fs::temp_directory_path() / "brindle-machine-XXXXXX").string();
-    if (!mkdtemp(pattern.data()))
-        throw std::runtime_error("can't make a folder for the simulated machine");
-    return pattern;
 }
 
 std::string infoLine(const std::string &label, const std::string &value)
@@ -183,7 +176,7 @@ std::vector<std::string> SimulatedScan::identifiers() const
     return result;
 }
 
-SimulatedMachine::SimulatedMachine() : m_root(makeFolder())
+SimulatedMachine::SimulatedMachine() : m_root(makeTemporaryFolder("machine"))
 {
     for (const auto &[tool, place] : kPlaces) {
         fs::create_directories(m_root / place / (std::string(tool) + ".answers"));
