@@ -61,7 +61,8 @@ std::unique_ptr<WindowContentPresenter> makeContent(Assembly &assembly, WindowHo
                                              .eraseFlow = assembly.eraseFlow(),
                                              .userDefaults = assembly.userDefaults(),
                                              .scheduler = assembly.scheduler(),
-                                             .windowHost = windows});
+                                             .windowHost = windows,
+                                             .unfinishedWork = assembly.unfinishedWork()});
 }
 
 /// The scheme of the portal; where the environment names one, that one alone.
@@ -109,8 +110,15 @@ int run(const Arguments &options, const std::vector<std::string> &arguments)
     windows.setMakeContent([&] { return makeContent(shell.assembly(), windows); });
     if (instance)
         QObject::connect(&*instance, &DBusSingleInstance::reopened, [&] { shell.reopen(); });
-    // The event loop ends in order, so that nothing of a demo machine stays.
-    const Interruption interruption([&] { application.terminate(); }, Interruption::Then::goOn);
+    bool isAskedToEnd = false;
+    const Interruption interruption([&](int signalNumber) {
+        application.terminate();
+        // Twice is no insisting of a terminal that is closed or a session that ends, but of who presses Ctrl-C.
+        if (!std::exchange(isAskedToEnd, true) || signalNumber != SIGINT)
+            return Interruption::Then::goOn;
+        demo.reset();
+        return Interruption::Then::endBySignal;
+    });
     application.finishLaunching();
     return QApplication::exec();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "assembly/Platform.h"
+#include "base/UnfinishedWork.h"
 #include "efi/EFICopyManager.h"
 #include "efi/EraseFlow.h"
 #include "privileged/EFIOperations.h"
@@ -22,6 +23,7 @@ public:
 
     [[nodiscard]] Scheduler &scheduler() { return *m_platform.scheduler; }
     [[nodiscard]] UserDefaults &userDefaults() { return *m_platform.userDefaults; }
+    [[nodiscard]] UnfinishedWork &unfinishedWork() { return m_unfinishedWork; }
     [[nodiscard]] ToolRunner &toolRunner() { return m_toolRunner; }
     [[nodiscard]] Dialogs &dialogs() { return *m_platform.dialogs; }
     [[nodiscard]] FileManager &fileManager() { return *m_platform.fileManager; }
@@ -39,6 +41,7 @@ public:
 
 private:
     Platform m_platform;
+    UnfinishedWork m_unfinishedWork;
     ToolRunner m_toolRunner;
     KeychainHelper m_keychainHelper;
     NotificationManager m_notificationManager;

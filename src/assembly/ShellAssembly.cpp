@@ -53,6 +53,8 @@ ShellAssembly::ShellAssembly(Platform platform, const ShellHosts &hosts, std::ve
                                               .diskManager = m_assembly.diskManager(),
                                               .diskEventMonitor = m_assembly.diskEventMonitor(),
                                               .keychain = m_assembly.keychainHelper(),
+                                              .efiCopyManager = m_assembly.efiCopyManager(),
+                                              .unfinishedWork = m_assembly.unfinishedWork(),
                                               .mainWindow = m_mainWindow},
                     std::move(arguments))
 {
@@ -66,6 +68,7 @@ ShellAssembly::~ShellAssembly()
     m_hosts.application.setDelegate(nullptr);
     m_appDelegate.reset();
     endScan(m_assembly);
+    blockOn(m_assembly.unfinishedWork().end()); // of an event loop that something else has ended
 }
 
 void ShellAssembly::reopen()

@@ -28,8 +28,8 @@ struct ShellHosts {
 /// The application without its pictures: the assembly, and the shell that starts it and ends it.
 ///
 /// Whoever runs the event loop calls ApplicationHost::finishLaunching() first. The shell's end comes after that of the
-/// event loop: all windows are closed, because their contents may refer to the assembly, and the tools of a scan are
-/// ended. What has root's rights by then is neither ended nor waited for.
+/// event loop: all windows are closed, because their contents may refer to the assembly, the tools of a scan are ended,
+/// and unfinished work is waited for.
 class ShellAssembly {
 public:
     /// \a arguments are those of the process, its name first. Writes the report of the launch before anything else is

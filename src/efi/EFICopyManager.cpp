@@ -21,10 +21,12 @@ constexpr auto kStatusAfterFailure = 5s;
 
 } // namespace
 
-EFICopyManager::EFICopyManager(FileManager &fileManager, Dialogs &dialogs, Scheduler &scheduler)
+EFICopyManager::EFICopyManager(FileManager &fileManager, Dialogs &dialogs, Scheduler &scheduler,
+                               UnfinishedWork &unfinishedWork)
     : m_fileManager(fileManager),
       m_dialogs(dialogs),
       m_scheduler(scheduler),
+      m_unfinishedWork(unfinishedWork),
       m_delayedCalls(scheduler)
 {
 }
@@ -101,6 +103,7 @@ QCoro::Task<> EFICopyManager::copyEFIToLocation(PhysicalDisk disk, EFIPartition 
         setOperationStatus("Operation cancelled");
         throw EFICopyError(EFICopyError::Case::userCancelled);
     }
+    const UnfinishedWork::Piece piece(m_unfinishedWork);
     publish(fmt::format("Copying EFI folder from {}...", efiPartition.displayName()), 0.3);
     auto copy = copyDirectory(sourcePath, *location, "EFI folder");
     co_await copy;
@@ -221,6 +224,7 @@ QCoro::Task<> EFICopyManager::performCancel()
 QCoro::Task<> EFICopyManager::replaceAndVerify(std::string sourcePath, std::string destPath, EFIPartition sourceEFI,
                                                EFIPartition destinationEFI)
 {
+    const UnfinishedWork::Piece piece(m_unfinishedWork);
     publish(fmt::format("Copying EFI from {} to {}...", sourceEFI.displayName(), destinationEFI.displayName()), 0.4);
     auto looking = m_fileManager.fileExists(destPath);
     if (co_await looking) {

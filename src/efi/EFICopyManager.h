@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/UnfinishedWork.h"
 #include "platform/DelayedCalls.h"
 #include "platform/Dialogs.h"
 #include "platform/FileManager.h"
@@ -21,7 +22,8 @@ namespace brindle {
 /// It works with the rights of the user, mounts nothing and starts no scan. Each step is told by the published fields;
 /// the words of operationStatus() are part of the behaviour, since views and commands read the result from them. The
 /// old folder of the destination goes before the new one comes, and nothing is ever rolled back. Start operations one
-/// at a time: a second one is not refused. Main thread only.
+/// at a time: a second one is not refused. From the first change of a file to the comparison it is unfinished work. Main
+/// thread only.
 class EFICopyManager : public QObject {
     Q_OBJECT
 
@@ -49,7 +51,7 @@ public:
     };
 
     /// All arguments outlive the manager.
-    EFICopyManager(FileManager &fileManager, Dialogs &dialogs, Scheduler &scheduler);
+    EFICopyManager(FileManager &fileManager, Dialogs &dialogs, Scheduler &scheduler, UnfinishedWork &unfinishedWork);
 
     /// Where the EFI folder of \a sourceEFI on \a sourceDisk can go: every other mounted EFI partition of \a disks, in
     /// their order. Other partitions of the same disk and the boot disk are among them.
@@ -131,6 +133,7 @@ private:
     FileManager &m_fileManager;
     Dialogs &m_dialogs;
     Scheduler &m_scheduler;
+    UnfinishedWork &m_unfinishedWork;
 
     bool m_isOperationInProgress = false;
     double m_operationProgress = 0;

@@ -48,6 +48,7 @@ QCoro::Task<> EFICopyManager::createBackup(std::string of, std::string diskName,
     const std::optional<std::string> location = co_await selection;
     if (!location)
         throw EFICopyError(EFICopyError::Case::userCancelled);
+    const UnfinishedWork::Piece piece(m_unfinishedWork);
     auto copy = copyDirectory(of, *location, "backup");
     co_await copy;
     setOperationProgress(0.3);

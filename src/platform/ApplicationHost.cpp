@@ -1,7 +1,5 @@
 #include "platform/ApplicationHost.h"
 
-#include <utility>
-
 namespace brindle {
 
 void ApplicationHost::finishLaunching()
@@ -25,8 +23,9 @@ void ApplicationHost::lastWindowClosed()
 
 void ApplicationHost::terminate()
 {
-    if (std::exchange(m_isTerminating, true))
+    if (m_isTerminating || (m_delegate && !m_delegate->applicationShouldTerminate()))
         return;
+    m_isTerminating = true;
     if (m_delegate)
         m_delegate->applicationWillTerminate();
     quit();

@@ -19,6 +19,10 @@ public:
 
     [[nodiscard]] virtual bool applicationShouldTerminateAfterLastWindowClosed() = 0;
 
+    /// The program is asked to end. False where something has to reach its end first: it goes on then, and the delegate
+    /// asks it to end again after that.
+    [[nodiscard]] virtual bool applicationShouldTerminate() = 0;
+
     /// The last moment of the program; what it begins is not waited for.
     virtual void applicationWillTerminate() = 0;
 };
@@ -57,8 +61,8 @@ public:
     /// The user has closed the last visible window. Ends the program where the delegate says so.
     void lastWindowClosed();
 
-    /// Tells the delegate that the program ends and then ends it, once; the calls after the first do nothing. Returns,
-    /// and the event loop does what was asked of it before.
+    /// Where the delegate lets it: tells the delegate that the program ends and then ends it, once; the calls after that
+    /// do nothing. Returns, and the event loop does what was asked of it before.
     void terminate();
 
     virtual void setActivationPolicy(ActivationPolicy policy) = 0;

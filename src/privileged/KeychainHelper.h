@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Secret.h"
+#include "base/UnfinishedWork.h"
 #include "platform/Dialogs.h"
 #include "platform/Scheduler.h"
 #include "platform/SecretStore.h"
@@ -36,6 +37,7 @@ public:
         Scheduler &scheduler;
         UserDefaults &userDefaults;
         const ToolPaths &toolPaths;
+        UnfinishedWork &unfinishedWork;
         /// What the password is stored under: the identifier of the application's bundle.
         std::string service = kService;
         /// The process has root's rights: sudo would ask for no password and hand it on to the tool, so that the tool
@@ -72,7 +74,8 @@ public:
     /// Runs the tool at the absolute path \a command as root and gives its standard output; the empty text where that
     /// isn't UTF-8. Takes the stored password, or asks for it where none is stored; a wrong one is not asked for again.
     ///
-    /// Arguments reach the tool as they are. A run that lasts longer than 45 seconds is asked to end; runs may overlap.
+    /// Arguments reach the tool as they are. A run that lasts longer than 45 seconds is asked to end; runs may overlap,
+    /// and each is unfinished work.
     /// Throws Error: "KeychainHelper" 3 where \a command doesn't exist, which is looked at first, and 1 where there is
     /// no password; "SudoError" with the exit status as the code and the standard error as the description ("Unknown
     /// error" where that isn't UTF-8) where sudo or the tool fails; else the system's own.

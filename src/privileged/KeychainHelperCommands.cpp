@@ -76,6 +76,7 @@ QCoro::Task<std::string> KeychainHelper::performSudoCommand(std::string command,
 
 QCoro::Task<std::string> KeychainHelper::outputOf(ChildProcessCommand command)
 {
+    const UnfinishedWork::Piece piece(m_surroundings.unfinishedWork);
     auto run = m_processes.run(std::move(command), kCommandTimeLimit);
     ChildProcessEnd end = co_await run;
     co_return standardOutputOf(std::move(end), "SudoError");

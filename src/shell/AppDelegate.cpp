@@ -24,6 +24,9 @@ AppDelegate::AppDelegate(const Surroundings &surroundings, std::vector<std::stri
       m_arguments(std::move(arguments)),
       m_delayedCalls(surroundings.scheduler)
 {
+    // At the next turn, when the next step of the same work has begun.
+    connect(&m_surroundings.unfinishedWork, &UnfinishedWork::isThereChanged, this, &AppDelegate::terminateAfterWork,
+            Qt::QueuedConnection);
 }
 
 AppDelegate::~AppDelegate()
@@ -138,6 +141,23 @@ bool AppDelegate::applicationShouldHandleReopen(bool hasVisibleWindows)
 bool AppDelegate::applicationShouldTerminateAfterLastWindowClosed()
 {
     return launchMode(m_surroundings.defaults) == LaunchMode::window || !m_surroundings.statusItem.isAvailable();
+}
+
+bool AppDelegate::applicationShouldTerminate()
+{
+    if (m_surroundings.unfinishedWork.isThere()) {
+        m_surroundings.unfinishedWork.endProcessWithIt();
+        return false;
+    }
+    if (m_surroundings.efiCopyManager.isOperationInProgress())
+        m_surroundings.efiCopyManager.cancelOperation();
+    return true;
+}
+
+void AppDelegate::terminateAfterWork()
+{
+    if (m_surroundings.unfinishedWork.endsProcess())
+        m_surroundings.application.terminate();
 }
 
 void AppDelegate::applicationWillTerminate()

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "base/CancellationToken.h"
+#include "base/UnfinishedWork.h"
+#include "efi/EFICopyManager.h"
 #include "platform/Appearance.h"
 #include "platform/ApplicationHost.h"
 #include "platform/DelayedCalls.h"
@@ -42,6 +44,8 @@ public:
         DiskManager &diskManager;
         DiskEventMonitor &diskEventMonitor;
         KeychainHelper &keychain;
+        EFICopyManager &efiCopyManager;
+        UnfinishedWork &unfinishedWork;
         MainWindowOpener &mainWindow;
     };
 
@@ -57,6 +61,10 @@ public:
     /// In the window mode, and where no status item could keep the process in sight.
     [[nodiscard]] bool applicationShouldTerminateAfterLastWindowClosed() override;
 
+    /// False while work is unfinished, whose end then ends the application. A copy that has changed nothing yet is
+    /// cancelled.
+    [[nodiscard]] bool applicationShouldTerminate() override;
+
     void applicationWillTerminate() override;
 
 private:
@@ -71,6 +79,7 @@ private:
     static QCoro::Task<> stopMonitoring(QPointer<AppDelegate> self);
     [[nodiscard]] QCoro::Task<> firstScan();
     void startMonitoring();
+    void terminateAfterWork();
 
     Surroundings m_surroundings;
     std::vector<std::string> m_arguments;

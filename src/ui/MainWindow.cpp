@@ -47,7 +47,7 @@ bool MainWindow::event(QEvent *event)
 {
     if (event->type() != QEvent::Close)
         return QQuickView::event(event);
-    if (m_delegate && !m_delegate->windowShouldClose()) {
+    if ((m_delegate && !m_delegate->windowShouldClose()) || !m_content->mayClose()) {
         event->ignore();
         return true;
     }

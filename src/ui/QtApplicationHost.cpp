@@ -49,7 +49,9 @@ void QtApplicationHost::popUpMenu(QPoint place) const
 
 void QtApplicationHost::quit()
 {
-    QMetaObject::invokeMethod(qGuiApp, &QCoreApplication::quit, Qt::QueuedConnection);
+    // Unlike quit(), it asks no window whether it may close.
+    QMetaObject::invokeMethod(
+        qGuiApp, [] { QCoreApplication::exit(); }, Qt::QueuedConnection);
 }
 
 } // namespace brindle

@@ -72,4 +72,11 @@ Rectangle {
             erase: root.presenter.erase
         }
     }
+    QuitNotice {
+        // Beneath what goes on, and above the line that tells of it.
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: root.presenter.copy.dialog !== null ? 52 : footer.height
+        width: parent.width
+        text: root.presenter.quitNotice
+    }
 }

@@ -143,16 +143,15 @@ RowActions::Callbacks RowPresenter::callbacks()
         if (self)
             Q_EMIT self->isLoadingChanged();
     };
-    RowSurroundings &container = m_surroundings;
     return {.onOperationStart =
-                [tell, &container](const std::string &status) {
+                [tell, report = m_surroundings.onOperationStart](const std::string &status) {
                     tell();
-                    container.onOperationStart(status);
+                    report(status);
                 },
             .onOperationEnd =
-                [tell, &container] {
+                [tell, report = m_surroundings.onOperationEnd] {
                     tell();
-                    container.onOperationEnd();
+                    report();
                 }};
 }
 

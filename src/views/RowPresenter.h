@@ -34,8 +34,8 @@ public:
     bool operator==(const RowButtonValue &) const = default;
 };
 
-/// What the rows of one list share: what they act on, and the container that they report to. It outlives the rows and
-/// the actions that they have begun.
+/// What the rows of one list share. What they act on outlives the actions that they have begun; the functions of the
+/// container that they report to are called also after its end.
 struct RowSurroundings {
     RowActions::Model model;
     UserDefaults &userDefaults;

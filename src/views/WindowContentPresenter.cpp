@@ -7,6 +7,8 @@
 #include "shell/WindowHeight.h"
 #include "views/Shown.h"
 
+#include <QPointer>
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -21,14 +23,23 @@ WindowContentPresenter::WindowContentPresenter(const Surroundings &surroundings,
       m_userDefaults(surroundings.userDefaults),
       m_scheduler(surroundings.scheduler),
       m_windowHost(surroundings.windowHost),
+      m_unfinishedWork(surroundings.unfinishedWork),
       m_copyFlow(
           m_efiCopyManager, [this]() -> const std::vector<PhysicalDisk> & { return m_diskManager.disks(); },
           m_scheduler),
       m_rowSurroundings{.model = surroundings.model,
                         .userDefaults = surroundings.userDefaults,
                         .eraseFlow = surroundings.eraseFlow,
-                        .onOperationStart = [this](const std::string &status) { setStatus(status, true); },
-                        .onOperationEnd = [this] { setStatus({}, false); },
+                        .onOperationStart =
+                            [self = QPointer(this)](const std::string &status) {
+                                if (self)
+                                    self->setStatus(status, true);
+                            },
+                        .onOperationEnd =
+                            [self = QPointer(this)] {
+                                if (self)
+                                    self->setStatus({}, false);
+                            },
                         .onCopyEFI = [this](const PhysicalDisk &disk,
                                             const EFIPartition &partition) { m_copyFlow.onCopyEFI(disk, partition); },
                         .onRefresh = [this] { refresh(); }},
@@ -58,6 +69,7 @@ void WindowContentPresenter::observe()
     connect(&m_eraseManager, &EraseOperationManager::isActiveChanged, this, &Self::contentChanged);
     for (const auto signal : {&EraseOperationManager::isActiveChanged, &EraseOperationManager::stageChanged})
         connect(&m_eraseManager, signal, this, &Self::requestHeight);
+    connect(&m_unfinishedWork, &UnfinishedWork::endsProcessChanged, this, &Self::quitNoticeChanged);
     connect(&m_userDefaults, &UserDefaults::valueChanged, this, [this](const std::string &key) {
         if (key == DefaultsKeys::kShowDiskSpaceIndicator)
             requestHeight();
@@ -108,6 +120,18 @@ void WindowContentPresenter::refresh()
 {
     if (!isLoading())
         spawn([&manager = m_diskManager] { return manager.refresh(false); });
+}
+
+QString WindowContentPresenter::quitNotice() const
+{
+    return m_unfinishedWork.endsProcess() ? QStringLiteral("Brindle quits as soon as this is done.") : QString();
+}
+
+bool WindowContentPresenter::mayClose()
+{
+    if (m_unfinishedWork.isThere())
+        quit();
+    return !m_unfinishedWork.isThere();
 }
 
 void WindowContentPresenter::quit()

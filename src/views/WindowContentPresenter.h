@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/UnfinishedWork.h"
 #include "efi/EFICopyManager.h"
 #include "efi/EraseOperationManager.h"
 #include "platform/WindowHost.h"
@@ -30,6 +31,7 @@ class WindowContentPresenter : public QObject {
     Q_PROPERTY(QString statusSymbol READ statusSymbol NOTIFY footerChanged)
     Q_PROPERTY(QString statusColor READ statusColor NOTIFY footerChanged)
     Q_PROPERTY(QString statusText READ statusText NOTIFY footerChanged)
+    Q_PROPERTY(QString quitNotice READ quitNotice NOTIFY quitNoticeChanged) // empty while none is shown
     Q_PROPERTY(brindle::EFICopyFlowPresenter *copy READ copy CONSTANT)
     Q_PROPERTY(brindle::EraseProgressPresenter *erase READ erase CONSTANT)
 
@@ -49,6 +51,7 @@ public:
         UserDefaults &userDefaults;
         Scheduler &scheduler;
         WindowHost &windowHost;
+        UnfinishedWork &unfinishedWork;
     };
 
     explicit WindowContentPresenter(const Surroundings &surroundings, QObject *parent = nullptr);
@@ -62,12 +65,17 @@ public:
     [[nodiscard]] QString statusColor() const;
     [[nodiscard]] QString statusText() const;
 
+    [[nodiscard]] QString quitNotice() const;
+
     [[nodiscard]] EFICopyFlow &copyFlow() { return m_copyFlow; }
     [[nodiscard]] EFICopyFlowPresenter *copy() { return &m_copy; }
     [[nodiscard]] EraseProgressPresenter *erase() { return &m_erase; }
 
     /// The window shows its content from now on; its height follows the content and the screen.
     void appear();
+
+    /// Whether the window can go. Not while work is unfinished, which stays in sight: to close it is to quit then.
+    [[nodiscard]] bool mayClose();
 
     void setColorScheme(ColorScheme colorScheme) { m_rows.setColorScheme(colorScheme); }
 
@@ -79,6 +87,7 @@ Q_SIGNALS:
     void contentChanged();
     void listStateChanged();
     void footerChanged();
+    void quitNoticeChanged();
     void quitRequested();
 
 private:
@@ -100,6 +109,7 @@ private:
     UserDefaults &m_userDefaults;
     Scheduler &m_scheduler;
     WindowHost &m_windowHost;
+    UnfinishedWork &m_unfinishedWork;
     EFICopyFlow m_copyFlow;
     EFICopyFlowPresenter m_copy{m_copyFlow, m_efiCopyManager};
     EraseProgressPresenter m_erase{m_eraseManager};

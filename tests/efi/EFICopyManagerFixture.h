@@ -82,7 +82,8 @@ protected:
     ManualClock clock;
     FakeDialogs dialogs;
     TestFileManager files;
-    EFICopyManager manager{files, dialogs, clock};
+    UnfinishedWork unfinishedWork;
+    EFICopyManager manager{files, dialogs, clock, unfinishedWork};
     PhysicalDisk source;
     PhysicalDisk destination;
     LogCapture log;

@@ -25,10 +25,12 @@ protected:
         return false;
     }
     bool applicationShouldTerminateAfterLastWindowClosed() override { return endsWithItsWindow; }
+    bool applicationShouldTerminate() override { return isDone; }
     void applicationWillTerminate() override { journal.emplace_back("will terminate"); }
 
     std::vector<std::string> journal;
     bool endsWithItsWindow = true;
+    bool isDone = true;
     FakeApplicationHost host{journal};
 };
 
@@ -81,6 +83,19 @@ TEST_F(ApplicationHostTest, EndsOnceHoweverOftenItIsAskedTo)
     host.terminate();
     host.terminate();
     host.lastWindowClosed();
+
+    EXPECT_THAT(journal, ElementsAre("will terminate", "quit"));
+}
+
+TEST_F(ApplicationHostTest, EndsOnlyWhenTheDelegateLetsIt)
+{
+    isDone = false;
+    host.terminate();
+    host.lastWindowClosed();
+    EXPECT_THAT(journal, ElementsAre());
+
+    isDone = true;
+    host.terminate();
 
     EXPECT_THAT(journal, ElementsAre("will terminate", "quit"));
 }

@@ -37,7 +37,8 @@ protected:
                 .childProcesses = launcher,
                 .scheduler = clock,
                 .userDefaults = defaults,
-                .toolPaths = paths};
+                .toolPaths = paths,
+                .unfinishedWork = unfinishedWork};
     }
 
     /// The helper, made at the first call.
@@ -79,6 +80,7 @@ protected:
     ManualClock clock;
     MemoryUserDefaults defaults;
     ToolPaths paths = ToolPaths::system();
+    UnfinishedWork unfinishedWork;
     LogCapture log;
 
 private:

@@ -44,7 +44,8 @@ protected:
                 .childProcesses = realLauncher,
                 .scheduler = clock,
                 .userDefaults = defaults,
-                .toolPaths = paths};
+                .toolPaths = paths,
+                .unfinishedWork = unfinishedWork};
     }
 
     LinuxChildProcessLauncher realLauncher;

@@ -1,6 +1,7 @@
 #include "shell/AppDelegate.h"
 
 #include "base/DefaultsKeys.h"
+#include "platform/linux/LinuxFileManager.h"
 #include "shell/WindowDelegate.h"
 #include "state/DiskManagerFixture.h"
 #include "support/FakeAppearance.h"
@@ -60,6 +61,8 @@ protected:
                                                          .diskManager = manager(),
                                                          .diskEventMonitor = monitor,
                                                          .keychain = keychain(),
+                                                         .efiCopyManager = copyManager,
+                                                         .unfinishedWork = unfinishedWork,
                                                          .mainWindow = mainWindow()},
                                arguments);
             application.setDelegate(&*m_delegate);
@@ -103,6 +106,8 @@ protected:
     WindowDelegate windowDelegate{defaults, application};
     ViewHeightCalculator heights{defaults};
     DiskEventMonitor monitor{events, clock, [this](bool force) { return manager().startScan(force); }};
+    LinuxFileManager files;
+    EFICopyManager copyManager{files, dialogs, clock, unfinishedWork};
     std::vector<std::string> arguments{"brindle"};
 
 private:

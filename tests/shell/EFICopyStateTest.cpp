@@ -67,7 +67,8 @@ protected:
     LinuxFileManager files;
     FakeDialogs dialogs;
     ManualClock clock;
-    EFICopyManager copyManager{files, dialogs, clock};
+    UnfinishedWork unfinishedWork;
+    EFICopyManager copyManager{files, dialogs, clock, unfinishedWork};
     EraseOperationManager eraseManager;
 
 private:

@@ -40,6 +40,7 @@ protected:
     void applicationDidFinishLaunching() override {}
     bool applicationShouldHandleReopen(bool /*hasVisibleWindows*/) override { return false; }
     bool applicationShouldTerminateAfterLastWindowClosed() override { return false; }
+    bool applicationShouldTerminate() override { return true; }
     void applicationWillTerminate() override {}
 
     LogCapture log;

@@ -22,6 +22,7 @@ protected:
     void applicationDidFinishLaunching() override {}
     bool applicationShouldHandleReopen(bool /*hasVisibleWindows*/) override { return false; }
     bool applicationShouldTerminateAfterLastWindowClosed() override { return false; }
+    bool applicationShouldTerminate() override { return true; }
     void applicationWillTerminate() override {}
 
     MemoryUserDefaults defaults;

@@ -61,7 +61,8 @@ protected:
                                                             .childProcesses = launcher,
                                                             .scheduler = clock,
                                                             .userDefaults = m_keychainDefaults,
-                                                            .toolPaths = paths});
+                                                            .toolPaths = paths,
+                                                            .unfinishedWork = unfinishedWork});
         }
         return *m_keychain;
     }
@@ -107,6 +108,7 @@ protected:
     FakeDialogs dialogs;
     FakeMountNotifier notifier{journal};
     FakeWorkspace workspace{journal};
+    UnfinishedWork unfinishedWork;
     SystemInfoDetector systemInfo{bootTools, ToolPaths::system()};
 
 private:

@@ -28,17 +28,7 @@ public:
     WindowContentPresenter &erasing()
     {
         if (!m_erasing)
-            m_erasing.emplace(WindowContentPresenter::Surroundings{.model = {.diskManager = manager(),
-                                                                             .efiOperations = efiOperations(),
-                                                                             .dialogs = dialogs,
-                                                                             .workspace = workspace,
-                                                                             .userDefaults = defaults},
-                                                                   .efiCopyManager = copyManager,
-                                                                   .eraseManager = eraseManager,
-                                                                   .eraseFlow = *eraseFlowOfModel(),
-                                                                   .userDefaults = defaults,
-                                                                   .scheduler = clock,
-                                                                   .windowHost = windowHost});
+            m_erasing.emplace(surroundings(*eraseFlowOfModel()));
         return *m_erasing;
     }
 

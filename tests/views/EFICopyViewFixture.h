@@ -40,7 +40,8 @@ protected:
     ManualClock clock;
     FakeDialogs dialogs;
     LinuxFileManager files;
-    EFICopyManager manager{files, dialogs, clock};
+    UnfinishedWork unfinishedWork;
+    EFICopyManager manager{files, dialogs, clock, unfinishedWork};
 
 private:
     QTemporaryDir m_folder{QStringLiteral("/dev/shm/brindle-XXXXXX")}; // in memory: each copy is flushed

@@ -18,21 +18,26 @@ namespace brindle {
 /// of content(). The window is there, 150 points high; what its host is asked stands in windowJournal.
 class WindowContentFixture : public DiskActionsFixture {
 protected:
+    WindowContentPresenter::Surroundings surroundings(EraseFlow &flow)
+    {
+        return {.model = {.diskManager = manager(),
+                          .efiOperations = efiOperations(),
+                          .dialogs = dialogs,
+                          .workspace = workspace,
+                          .userDefaults = defaults},
+                .efiCopyManager = copyManager,
+                .eraseManager = eraseManager,
+                .eraseFlow = flow,
+                .userDefaults = defaults,
+                .scheduler = clock,
+                .windowHost = windowHost,
+                .unfinishedWork = unfinishedWork};
+    }
+
     WindowContentPresenter &content()
     {
-        if (!m_content) {
-            m_content.emplace(WindowContentPresenter::Surroundings{.model = {.diskManager = manager(),
-                                                                             .efiOperations = efiOperations(),
-                                                                             .dialogs = dialogs,
-                                                                             .workspace = workspace,
-                                                                             .userDefaults = defaults},
-                                                                   .efiCopyManager = copyManager,
-                                                                   .eraseManager = eraseManager,
-                                                                   .eraseFlow = eraseFlow,
-                                                                   .userDefaults = defaults,
-                                                                   .scheduler = clock,
-                                                                   .windowHost = windowHost});
-        }
+        if (!m_content)
+            m_content.emplace(surroundings(eraseFlow));
         return *m_content;
     }
 
@@ -56,7 +61,7 @@ protected:
     std::vector<std::string> windowJournal;
     FakeWindowHost windowHost{windowJournal};
     LinuxFileManager files;
-    EFICopyManager copyManager{files, dialogs, clock};
+    EFICopyManager copyManager{files, dialogs, clock, unfinishedWork};
     EraseOperationManager eraseManager;
     FakeEraseOperations eraseOperations;
     EraseFlow eraseFlow{eraseManager, eraseOperations};

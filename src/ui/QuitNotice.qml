@@ -1,0 +1,35 @@
+import QtQuick
+import Brindle
+
+// Says that the application has been told to quit and only waits for what goes on.
+Rectangle {
+    id: root
+    property alias text: label.text
+
+    visible: text !== ""
+    height: 30
+    color: Theme.warningBox
+
+    Divider { width: parent.width }
+    Divider {
+        anchors.bottom: parent.bottom
+        width: parent.width
+    }
+    Row {
+        anchors.centerIn: parent
+        spacing: Theme.spacing
+        Symbol {
+            anchors.verticalCenter: parent.verticalCenter
+            name: "power"
+            size: 12
+            color: Theme.orange
+        }
+        PlainText {
+            id: label
+            objectName: "quitNotice"
+            anchors.verticalCenter: parent.verticalCenter
+            font.pixelSize: Theme.callout
+            color: Theme.primary
+        }
+    }
+}
