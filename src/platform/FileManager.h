@@ -23,6 +23,10 @@ public:
     /// fails, counts as something, so that nothing is taken for free that isn't.
     [[nodiscard]] virtual QCoro::Task<bool> fileExists(std::string path) = 0;
 
+    /// What tells the volume that is mounted at \a mountPoint from every other, also from one that is mounted there
+    /// later; empty where nothing is there.
+    [[nodiscard]] virtual QCoro::Task<std::string> volumeAt(std::string mountPoint) = 0;
+
     /// The names in the folder, hidden ones too, in no order.
     [[nodiscard]] virtual QCoro::Task<std::vector<std::string>> contentsOfDirectory(std::string path) = 0;
 

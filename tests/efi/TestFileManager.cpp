@@ -20,6 +20,11 @@ QCoro::Task<bool> TestFileManager::fileExists(std::string path)
     return m_real.fileExists(path);
 }
 
+QCoro::Task<std::string> TestFileManager::volumeAt(std::string mountPoint)
+{
+    return m_real.volumeAt(std::move(mountPoint));
+}
+
 QCoro::Task<std::vector<std::string>> TestFileManager::contentsOfDirectory(std::string path)
 {
     asked.push_back(fmt::format("list {}", path));

@@ -280,6 +280,23 @@ TEST_F(WindowContentPresenterTest, FollowsTheSettingThatMakesRowsHigher)
     EXPECT_EQ(row(1).height(), 68);
 }
 
+TEST_F(WindowContentPresenterTest, TellsOfARowThatDiffersInItsHeightAlone)
+{
+    defaults.set(DefaultsKeys::kShowDiskSpaceIndicator, true);
+    PhysicalDisk disk = externalDisk("disk2");
+    hold({disk});
+    appear();
+    int changes = 0;
+    QObject::connect(&row(0), &DiskRowPresenter::changed, [&] { ++changes; });
+    ASSERT_EQ(row(0).height(), 68);
+
+    disk.totalSpaceBytes = 100; // of which nothing is known to be used
+    content().rows()->setDisks({disk}, {});
+
+    EXPECT_EQ(row(0).height(), 95);
+    EXPECT_EQ(changes, 1);
+}
+
 TEST_F(WindowContentPresenterTest, DoesNothingWithoutAWindow)
 {
     content().appear();

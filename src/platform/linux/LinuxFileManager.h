@@ -14,6 +14,7 @@ public:
     explicit LinuxFileManager(std::filesystem::path comparer = {});
 
     [[nodiscard]] QCoro::Task<bool> fileExists(std::string path) override;
+    [[nodiscard]] QCoro::Task<std::string> volumeAt(std::string mountPoint) override;
     [[nodiscard]] QCoro::Task<std::vector<std::string>> contentsOfDirectory(std::string path) override;
     QCoro::Task<> copyItem(std::string from, std::string to, CancellationToken token = {}) override;
     [[nodiscard]] QCoro::Task<TreeComparison> compareItems(std::string first, std::string second) override;
