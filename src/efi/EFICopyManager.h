@@ -22,8 +22,8 @@ namespace brindle {
 /// It works with the rights of the user, mounts nothing and starts no scan. Each step is told by the published fields;
 /// the words of operationStatus() are part of the behaviour, since views and commands read the result from them. The
 /// old folder of the destination goes before the new one comes, and nothing is ever rolled back. Start operations one
-/// at a time: a second one is not refused. From the first change of a file to the comparison it is unfinished work. Main
-/// thread only.
+/// at a time: a second one is not refused. From the first change of a file to the comparison it is unfinished work.
+/// Main thread only.
 class EFICopyManager : public QObject {
     Q_OBJECT
 
