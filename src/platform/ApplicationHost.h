@@ -61,8 +61,8 @@ public:
     /// The user has closed the last visible window. Ends the program where the delegate says so.
     void lastWindowClosed();
 
-    /// Where the delegate lets it: tells the delegate that the program ends and then ends it, once; the calls after that
-    /// do nothing. Returns, and the event loop does what was asked of it before.
+    /// Where the delegate lets it: tells the delegate that the program ends and then ends it, once; the calls after
+    /// that do nothing. Returns, and the event loop does what was asked of it before.
     void terminate();
 
     virtual void setActivationPolicy(ActivationPolicy policy) = 0;

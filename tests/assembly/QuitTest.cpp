@@ -61,8 +61,8 @@ private:
     Completion<std::optional<std::string>> m_answer;
 };
 
-/// The application in the window mode without its pictures, whose file work and tools with root's rights go on only when
-/// they are let.
+/// The application in the window mode without its pictures, whose file work and tools with root's rights go on only
+/// when they are let.
 class QuitTest : public testing::Test {
 protected:
     QuitTest()
@@ -101,12 +101,14 @@ protected:
         return fmt::format("{} -S -k {} {}", m_paths.sudo(), m_paths.diskutil(), arguments);
     }
 
-    /// Begins \a work, whose failure is its own affair.
-    static void begin(std::function<QCoro::Task<>()> work)
+    /// Begins \a work, whose failure is its own affair. It ends within the test.
+    void begin(std::function<QCoro::Task<>()> work)
     {
-        spawn(std::move(work));
+        m_work = spawn(std::move(work));
         drainEventLoop();
     }
+
+    [[nodiscard]] bool isOver() const { return m_work.isReady(); }
 
     /// Erases the EFI partition of disk2, and lets the tool run.
     void beginErase()
@@ -142,6 +144,7 @@ private:
     }
 
     ToolPaths m_paths = ToolPaths::system();
+    QCoro::Task<> m_work;
     std::optional<ShellAssembly> m_shell;
 };
 
@@ -173,10 +176,11 @@ protected:
 
     [[nodiscard]] PhysicalDisk disk(std::string identifier, const char *mountPoint) const
     {
-        return {.identifier = identifier,
-                .name = "Disk " + identifier,
-                .efiPartitions = {
-                    {.identifier = identifier + "s1", .isMounted = true, .mountPoint = (folder() / mountPoint).string()}}};
+        return {
+            .identifier = identifier,
+            .name = "Disk " + identifier,
+            .efiPartitions = {
+                {.identifier = identifier + "s1", .isMounted = true, .mountPoint = (folder() / mountPoint).string()}}};
     }
 
     /// Copies up to the stage.
@@ -228,7 +232,7 @@ TEST_P(QuitAmidACopy, WaitsForItsEndOnceFilesAreChangedAndCancelsItBefore)
     EXPECT_EQ(hasEnded(), !GetParam().waits);
 
     files->release();
-    waitUntil([&] { return hasEnded() && !assembly().efiCopyManager().isOperationInProgress(); });
+    waitUntil([&] { return hasEnded() && isOver() && !assembly().efiCopyManager().isOperationInProgress(); });
     drainEventLoop();
     EXPECT_EQ(isCopied(), GetParam().waits);
     if (!GetParam().waits)
@@ -273,7 +277,7 @@ TEST_F(QuitAmidACopyToAFolder, WaitsForItsEndOnceThePlaceIsChosen)
     EXPECT_FALSE(hasEnded());
 
     files->release();
-    waitUntil([&] { return hasEnded(); });
+    waitUntil([&] { return hasEnded() && isOver(); });
     EXPECT_EQ(treeOf(folder() / "copy"), treeOf(folder() / "source/EFI"));
 }
 
@@ -288,7 +292,7 @@ TEST_F(QuitAmidACopyToAFolder, EndsAfterACopyThatFails)
                      [&] { statuses.push_back(assembly().efiCopyManager().operationStatus()); });
 
     files->release();
-    waitUntil([&] { return hasEnded(); });
+    waitUntil([&] { return hasEnded() && isOver(); });
 
     EXPECT_THAT(statuses, Contains(testing::StartsWith("Copy failed: ")));
 }
@@ -300,8 +304,8 @@ TEST_F(QuitAmidACopyToAFolder, EndsAtOnceAfterACopyThatHasFailedAndStands)
     copy();
     files->release();
     const EFICopyManager &manager = assembly().efiCopyManager();
-    waitUntil([&] { return manager.operationStatus().starts_with("Copy failed: "); });
-    drainEventLoop();
+    waitUntil([&] { return isOver(); });
+    EXPECT_THAT(manager.operationStatus(), testing::StartsWith("Copy failed: "));
     EXPECT_TRUE(manager.isOperationInProgress());
 
     application.terminate();
@@ -313,7 +317,7 @@ TEST_F(QuitAmidACopyToAFolder, EndsAtOnceWhereThePlaceIsNotChosenYet)
 {
     dialogs->holdsPanels = true;
     begin([this] { return copyToFolder(); });
-    ASSERT_THAT(dialogs->savePanels, testing::SizeIs(1));
+    waitUntil([&] { return dialogs->savePanels.size() == 1; });
 
     application.terminate();
 
@@ -345,17 +349,18 @@ protected:
 
 INSTANTIATE_TEST_SUITE_P(
     Such, QuitAmidAnAction,
-    testing::Values(
-        Action{"Mount", "mount disk2s1", [](Assembly &all) { return all.efiOperations().mount("disk2s1", "Stick"); }},
-        Action{"Unmount", "unmount disk2s1",
-               [](Assembly &all) { return all.efiOperations().unmount("disk2s1", "Stick"); }},
-        Action{"Rename", "rename disk2s1 NEW", [](Assembly &all) { return all.efiOperations().rename("disk2s1", "NEW"); }},
-        Action{"EraseOfAnEFIPartition", "eraseVolume FAT32 BOOT disk2s1",
-               [](Assembly &all) { return all.diskManager().formatEFIPartition("disk2s1", "BOOT"); }},
-        Action{"EraseOfAVolume", "eraseVolume ExFAT WORK WORK",
-               [](Assembly &all) { return all.diskManager().eraseVolume("WORK", "WORK", "ExFAT"); }},
-        Action{"EraseOfADisk", "eraseDisk APFS WORK GPT disk2",
-               [](Assembly &all) { return all.diskManager().eraseDisk("disk2", "WORK", "APFS"); }}),
+    testing::Values(Action{"Mount", "mount disk2s1",
+                           [](Assembly &all) { return all.efiOperations().mount("disk2s1", "Stick"); }},
+                    Action{"Unmount", "unmount disk2s1",
+                           [](Assembly &all) { return all.efiOperations().unmount("disk2s1", "Stick"); }},
+                    Action{"Rename", "rename disk2s1 NEW",
+                           [](Assembly &all) { return all.efiOperations().rename("disk2s1", "NEW"); }},
+                    Action{"EraseOfAnEFIPartition", "eraseVolume FAT32 BOOT disk2s1",
+                           [](Assembly &all) { return all.diskManager().formatEFIPartition("disk2s1", "BOOT"); }},
+                    Action{"EraseOfAVolume", "eraseVolume ExFAT WORK WORK",
+                           [](Assembly &all) { return all.diskManager().eraseVolume("WORK", "WORK", "ExFAT"); }},
+                    Action{"EraseOfADisk", "eraseDisk APFS WORK GPT disk2",
+                           [](Assembly &all) { return all.diskManager().eraseDisk("disk2", "WORK", "APFS"); }}),
     [](const auto &row) { return row.param.name; });
 
 TEST_P(QuitAmidAnAction, WaitsForTheEndOfTheTool)

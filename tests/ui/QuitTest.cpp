@@ -126,8 +126,8 @@ protected:
 
     [[nodiscard]] PhysicalDisk diskAt(const std::string &identifier, const char *mountPoint) const
     {
-        return externalDisk(
-            identifier, {{.identifier = identifier + "s1", .isMounted = true, .mountPoint = root() + mountPoint}});
+        return externalDisk(identifier,
+                            {{.identifier = identifier + "s1", .isMounted = true, .mountPoint = root() + mountPoint}});
     }
 
     /// Opens the dialog, and asks for the copy where it is to be the question what becomes of the old folder.
