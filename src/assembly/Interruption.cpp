@@ -82,8 +82,7 @@ private:
         if (signalNumber == 0)
             return;
         for (const Interruption *interruption : living | std::views::reverse) {
-            interruption->m_function();
-            if (interruption->m_then == Then::goOn)
+            if (interruption->m_function(signalNumber) == Then::goOn)
                 return;
         }
         setHandlers(SIG_DFL);
@@ -96,7 +95,15 @@ private:
 
 std::unique_ptr<Interruption::Signals> Interruption::s_signals;
 
-Interruption::Interruption(std::function<void()> function, Then then) : m_function(std::move(function)), m_then(then)
+Interruption::Interruption(std::function<void()> function, Then then)
+    : Interruption([function = std::move(function), then](int) {
+          function();
+          return then;
+      })
+{
+}
+
+Interruption::Interruption(Function function) : m_function(std::move(function))
 {
     if (!s_signals)
         s_signals = std::make_unique<Signals>();

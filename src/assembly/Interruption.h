@@ -14,7 +14,10 @@ public:
     /// sees why; or it goes on, and the function has seen to its end.
     enum class Then { endBySignal, goOn };
 
+    using Function = std::function<Then(int signalNumber)>;
+
     /// \a function ends no interruption within its own call.
+    explicit Interruption(Function function);
     explicit Interruption(std::function<void()> function, Then then = Then::endBySignal);
     ~Interruption();
     Interruption(const Interruption &) = delete;
@@ -25,8 +28,7 @@ private:
 
     static std::unique_ptr<Signals> s_signals; ///< While any interruption lives.
 
-    std::function<void()> m_function;
-    Then m_then;
+    Function m_function;
 };
 
 } // namespace brindle

@@ -74,9 +74,8 @@ void CopyProgress::showStatus()
     if (m_manager.operationStatus().empty())
         return;
     clearBar();
-    fmt::print("{}\n", visibleText(m_manager.operationStatus()));
+    tell(stdout, visibleText(m_manager.operationStatus()) + '\n');
     showBar();
-    std::fflush(stdout); // a reader that has gone stops no copy
 }
 
 void CopyProgress::showBar()
@@ -85,8 +84,8 @@ void CopyProgress::showBar()
         return;
     const std::size_t width = barWidth(m_terminal);
     const auto done = static_cast<std::size_t>(m_manager.operationProgress() * static_cast<double>(width));
-    fmt::print("\r[{:#<{}}{:-<{}}] {:3.0f}%", "", done, "", width - done, m_manager.operationProgress() * 100);
-    std::fflush(stdout);
+    tell(stdout,
+         fmt::format("\r[{:#<{}}{:-<{}}] {:3.0f}%", "", done, "", width - done, m_manager.operationProgress() * 100));
     m_hasBar = true;
 }
 
@@ -94,8 +93,7 @@ void CopyProgress::clearBar()
 {
     if (!m_hasBar)
         return;
-    fmt::print("\r{:{}}\r", "", barWidth(m_terminal) + kRoomForPercent - 1);
-    std::fflush(stdout);
+    tell(stdout, fmt::format("\r{:{}}\r", "", barWidth(m_terminal) + kRoomForPercent - 1));
     m_hasBar = false;
 }
 

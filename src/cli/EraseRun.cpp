@@ -5,6 +5,7 @@
 #include "base/Error.h"
 #include "base/VisibleText.h"
 #include "cli/Acting.h"
+#include "cli/Terminal.h"
 #include "cli/UnstoppableWork.h"
 #include "views/EraseProgress.h"
 
@@ -134,8 +135,7 @@ ExitStatus confirmAndErase(Assembly &assembly, const EraseArguments &arguments)
     if (const auto mismatch = EraseProgress(manager).mismatchText())
         fail(*mismatch);
     const UnstoppableWork work("An erase can't be stopped"); // it begins as soon as it is waited for
-    fmt::print("{}\n", visibleText(manager.statusMessage()));
-    std::fflush(stdout);
+    tell(stdout, visibleText(manager.statusMessage()) + '\n');
     waitForEnd(manager);
     if (manager.stage() == Stage::failed)
         fail(manager.resultMessage());

@@ -52,4 +52,10 @@ std::string styled(std::string_view text, Style style, const Terminal &terminal)
     return fmt::format("\x1b[{}m{}\x1b[0m", sgr(style), text);
 }
 
+void tell(std::FILE *stream, std::string_view text)
+{
+    std::fwrite(text.data(), 1, text.size(), stream);
+    std::fflush(stream);
+}
+
 } // namespace brindle

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdio>
 #include <string>
 #include <string_view>
 
@@ -21,5 +22,8 @@ enum class Style { plain, heading, dim, good, bad, accent };
 
 /// \a text between the escape sequences of \a style, or as it is where \a terminal has no colour.
 [[nodiscard]] std::string styled(std::string_view text, Style style, const Terminal &terminal);
+
+/// Writes \a text at once. Where nobody reads any more it is lost, which is no failure.
+void tell(std::FILE *stream, std::string_view text);
 
 } // namespace brindle

@@ -1,7 +1,10 @@
 #include "cli/UnstoppableWork.h"
 
+#include "cli/Terminal.h"
+
 #include <fmt/format.h>
 
+#include <csignal>
 #include <cstdio>
 #include <utility>
 
@@ -9,19 +12,22 @@ namespace brindle {
 
 UnstoppableWork::UnstoppableWork(std::string complaint, std::function<bool()> stop)
     : m_complaint(std::move(complaint)),
-      m_stop(std::move(stop))
+      m_stop(std::move(stop)),
+      m_interruption([this](int signalNumber) { return interrupt(signalNumber); })
 {
-    m_interruption.emplace([this] { interrupt(); }, Interruption::Then::goOn);
+    std::signal(SIGPIPE, SIG_IGN); // a reader that goes stops nothing either
 }
 
-void UnstoppableWork::interrupt()
+Interruption::Then UnstoppableWork::interrupt(int signalNumber)
 {
     if (m_stop())
-        return;
-    fmt::print(stderr, "brindlectl: {}: waiting for the end. Interrupt again to leave at once.\n", m_complaint);
-    // Not within its own call. Whoever had the signals before gets the next one.
-    QMetaObject::invokeMethod(
-        &m_receiver, [this] { m_interruption.reset(); }, Qt::QueuedConnection);
+        return Interruption::Then::goOn;
+    if (!std::exchange(m_isWaitedFor, true)) {
+        tell(stderr,
+             fmt::format("brindlectl: {}: waiting for the end. Interrupt again to leave at once.\n", m_complaint));
+        return Interruption::Then::goOn;
+    }
+    return signalNumber == SIGINT ? Interruption::Then::endBySignal : Interruption::Then::goOn;
 }
 
 } // namespace brindle

@@ -2,30 +2,28 @@
 
 #include "assembly/Interruption.h"
 
-#include <QObject>
-
 #include <functional>
-#include <optional>
 #include <string>
 
 namespace brindle {
 
-/// Work that must be ended once it has begun. While this lives, the first interruption of the program says that the
-/// work is waited for, and the next one ends the program at once.
+/// Work that must be ended once it has begun. While this lives, the first signal that ends programs says that the work
+/// is waited for, and only an interrupt from the keyboard after it ends the program at once: a terminal that is closed
+/// hangs up twice. From its begin on, nobody needs to read what the program writes.
 class UnstoppableWork {
 public:
-    /// \a complaint says what can't be stopped. \a stop is tried first, at each interruption: true where it could stop
-    /// the work after all.
+    /// \a complaint says what can't be stopped. \a stop is tried first, at each signal: true where it could stop the
+    /// work after all.
     explicit UnstoppableWork(
         std::string complaint, std::function<bool()> stop = [] { return false; });
 
 private:
-    void interrupt();
+    Interruption::Then interrupt(int signalNumber);
 
     std::string m_complaint;
     std::function<bool()> m_stop;
-    QObject m_receiver; ///< What is called back here is called no more after the end.
-    std::optional<Interruption> m_interruption;
+    bool m_isWaitedFor = false;
+    Interruption m_interruption;
 };
 
 } // namespace brindle

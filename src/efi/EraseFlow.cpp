@@ -104,6 +104,10 @@ QCoro::Task<> EraseFlow::eraseDisk(PhysicalDisk disk, std::string name, std::str
     const bool ofVolume = scope == EraseScope::partition && target;
     row.onOperationStart(fmt::format("Erasing {}...", disk.name));
     try {
+        if (ofVolume) {
+            auto requiring = m_operations.requireVolumeOn(disk.identifier, *target);
+            co_await requiring;
+        }
         auto erase = ofVolume ? m_operations.eraseVolume(*target, name, format)
                               : m_operations.eraseDisk(disk.identifier, name, format);
         co_await erase;

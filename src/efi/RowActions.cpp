@@ -23,6 +23,18 @@ std::string givenOr(const std::optional<std::string> &name, const std::string &o
     return name && !name->empty() ? *name : otherwise;
 }
 
+/// The end of \a task; what fails is logged behind \a words, and thrown on.
+template <typename T>
+QCoro::Task<T> logged(const char *words, QCoro::Task<T> task)
+{
+    try {
+        co_return co_await task;
+    } catch (const Error &error) {
+        Log::line("{}{}", words, error.what());
+        throw;
+    }
+}
+
 } // namespace
 
 /// An action from its start to its end, whichever way it ends.
@@ -88,7 +100,7 @@ QCoro::Task<> RowActions::mount(PhysicalDisk disk, EFIPartition partition)
     if (isLoading())
         co_return;
     const Operation operation(*this, statusOf("Mounting", disk, partition));
-    auto mounting = m_model.diskManager.mountEFI(partition.identifier, disk.name);
+    auto mounting = logged("Mount failed: ", m_model.diskManager.mountEFI(partition.identifier, disk.name));
     co_await mounting;
     if (!isOn(m_model.userDefaults, DefaultsKeys::kAutoOpenFinderOnMount))
         co_return;
@@ -101,7 +113,7 @@ QCoro::Task<> RowActions::unmount(PhysicalDisk disk, EFIPartition partition)
     if (isLoading())
         co_return;
     const Operation operation(*this, statusOf("Unmounting", disk, partition));
-    auto unmounting = m_model.efiOperations.unmount(partition.identifier, disk.name);
+    auto unmounting = logged("Unmount failed: ", m_model.efiOperations.unmount(partition.identifier, disk.name));
     co_await unmounting;
     auto updating = m_model.diskManager.updateEFIPartitionState(partition.identifier);
     co_await updating;
@@ -142,13 +154,9 @@ QCoro::Task<> RowActions::askToRenameEFI(PhysicalDisk disk, EFIPartition partiti
 QCoro::Task<> RowActions::renameEFI(PhysicalDisk disk, EFIPartition partition, std::string newName)
 {
     const Operation operation(*this, fmt::format("Renaming EFI partition of {}", disk.name));
-    try {
-        auto renaming = m_model.efiOperations.rename(partition.identifier, std::move(newName));
-        co_await renaming;
-    } catch (const Error &error) {
-        Log::line("EFI rename failed: {}", error.what());
-        throw;
-    }
+    auto renaming =
+        logged("EFI rename failed: ", m_model.efiOperations.rename(partition.identifier, std::move(newName)));
+    co_await renaming;
     auto updating = m_model.diskManager.updateEFIPartitionState(partition.identifier);
     co_await updating;
 }
@@ -178,20 +186,17 @@ QCoro::Task<> RowActions::renameVolume(PhysicalDisk disk, std::string newName)
     if (!target)
         co_return;
     const Operation operation(*this, fmt::format("Renaming {}", givenOr(disk.volumeName, *target)));
-    try {
-        auto renaming = m_model.efiOperations.rename(*target, std::move(newName));
-        co_await renaming;
-    } catch (const Error &error) {
-        Log::line("Rename failed: {}", error.what());
-        throw;
-    }
+    auto requiring = logged("Rename failed: ", m_model.diskManager.requireVolumeOn(disk.identifier, *target));
+    co_await requiring;
+    auto renaming = logged("Rename failed: ", m_model.efiOperations.rename(*target, std::move(newName)));
+    co_await renaming;
     auto scan = m_model.diskManager.startScan(false);
     co_await scan;
 }
 
 QCoro::Task<std::string> RowActions::eject(PhysicalDisk disk)
 {
-    return m_model.diskManager.ejectDisk(disk.identifier);
+    return logged("Eject failed: ", m_model.diskManager.ejectDisk(disk.identifier));
 }
 
 std::string RowActions::statusOf(std::string_view verb, const PhysicalDisk &disk, const EFIPartition &partition) const

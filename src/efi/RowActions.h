@@ -19,8 +19,8 @@ namespace brindle {
 /// What happens when somebody acts on the row of a disk or of one of its EFI partitions: what is called in which order.
 ///
 /// An action works on the records as they were when it was asked for. It tells of its start, acts, and tells of its end
-/// in any case; only then it throws the Error of what failed. One that begins with a question doesn't throw it: the log
-/// has told. Main thread only.
+/// in any case. What fails is logged and only then its Error thrown, by an action that begins with a question not even
+/// that. Main thread only.
 class RowActions {
 public:
     enum class Row { disk, efiPartition };

@@ -127,6 +127,7 @@ public:
     /// Throws the tool's Error, and nothing has changed then.
     [[nodiscard]] QCoro::Task<std::string> ejectDisk(std::string identifier);
 
+    QCoro::Task<> requireVolumeOn(std::string diskIdentifier, std::string volume) override;
     QCoro::Task<> formatEFIPartition(std::string identifier, std::string name) override;
     QCoro::Task<> eraseVolume(std::string identifier, std::string name, std::string format) override;
     QCoro::Task<> eraseDisk(std::string identifier, std::string name, std::string format) override;

@@ -1,9 +1,13 @@
 #include "state/DiskManager.h"
 
 #include "base/DefaultsKeys.h"
+#include "base/Error.h"
 #include "base/Log.h"
 #include "records/FindDisk.h"
 #include "records/Preferences.h"
+#include "sysinfo/SystemInfoDetector.h"
+
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
@@ -123,6 +127,15 @@ void DiskManager::forgetDisk(const std::string &identifier)
     Q_EMIT efiStatesChanged();
     Q_EMIT changed();
     persistState();
+}
+
+QCoro::Task<> DiskManager::requireVolumeOn(std::string diskIdentifier, std::string volume)
+{
+    auto asking = m_tools.outputIfAny(m_paths.diskutil(), {"info", volume});
+    const std::optional<std::string> info = co_await asking;
+    const auto carrier = info ? SystemInfoDetector::readBootDisk(*info).identifier : std::nullopt;
+    if (carrier && !carrier->empty() && *carrier != diskIdentifier)
+        throw Error("DiskManager", 1, fmt::format("\"{}\" is on {}, not on {}", volume, *carrier, diskIdentifier));
 }
 
 QCoro::Task<> DiskManager::formatEFIPartition(std::string identifier, std::string name)

@@ -24,7 +24,7 @@ class SystemInfoDetector : public QObject {
     Q_OBJECT
 
 public:
-    /// What `diskutil info /` tells of the disk that the system runs from.
+    /// What `diskutil info` tells of the real disk that carries a volume, the system's among others.
     struct BootDisk {
         std::optional<std::string> identifier;
         std::optional<std::string> volumeName; ///< As the tool prints it; present and empty where it prints none.

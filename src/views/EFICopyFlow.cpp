@@ -3,8 +3,8 @@
 #include "base/Log.h"
 #include "base/Spawn.h"
 #include "base/Text.h"
+#include "records/FindDisk.h"
 
-#include <algorithm>
 #include <exception>
 #include <utility>
 
@@ -57,9 +57,8 @@ void EFICopyFlow::onCancel()
 QCoro::Task<> EFICopyFlow::copy(PhysicalDisk sourceDisk, EFIPartition sourceEFI,
                                 EFICopyManager::EFIPartitionInfo destination, bool overwriteWithoutBackup)
 {
-    const auto &disks = m_disks();
-    const auto disk = std::ranges::find(disks, destination.diskIdentifier, &PhysicalDisk::identifier);
-    if (disk == disks.end())
+    const PhysicalDisk *disk = findDisk(m_disks(), destination.diskIdentifier);
+    if (!disk)
         co_return;
     try {
         auto copy = m_manager.copyEFI(sourceDisk, sourceEFI, *disk, destination.efiPartition, overwriteWithoutBackup);

@@ -42,7 +42,7 @@ void addPartitionEntries(Menu &menu, const PhysicalDisk &disk, const EFIPartitio
             menu.push_back(entry("Copy EFI", "doc.on.doc", RowAction::copyEFI));
         menu.push_back(entry("Rename EFI...", "pencil", RowAction::renameEFI));
     }
-    if (offers.erase && !disk.isBootDisk)
+    if (offers.erase && RowActions::canEraseEFI(disk))
         menu.push_back(entry("Erase EFI Partition...", "trash", RowAction::eraseEFI));
 }
 

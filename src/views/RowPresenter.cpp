@@ -25,7 +25,7 @@ QCoro::Task<> showDiskDetails(Dialogs &dialogs, PhysicalDisk disk)
     co_await showing;
 }
 
-/// Keeps \a actions until \a work is done. What fails was told where it failed.
+/// Keeps \a actions until \a work is done. What fails has been logged by then.
 QCoro::Task<> run(std::shared_ptr<RowActions> actions, std::function<QCoro::Task<>(RowActions &)> work)
 {
     try {

@@ -1,6 +1,7 @@
 // The commands that copy and compare EFI folders, as processes on simulated machines with real folders.
 
 #include "cli/BrindlectlFixture.h"
+#include "cli/TerminalProgram.h"
 #include "support/FileTree.h"
 
 #include <fmt/format.h>
@@ -247,7 +248,20 @@ protected:
         }
     }
 
-    static void interrupt(const QProcess &process) { ::kill(static_cast<pid_t>(process.processId()), SIGINT); }
+    static void signal(const QProcess &process, int signalNumber)
+    {
+        ::kill(static_cast<pid_t>(process.processId()), signalNumber);
+    }
+    static void interrupt(const QProcess &process) { signal(process, SIGINT); }
+
+    /// Waits until the copy has ended well by itself, and is whole.
+    void expectWhole(QProcess &process)
+    {
+        ASSERT_TRUE(process.waitForFinished(60'000));
+        EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+        EXPECT_EQ(process.exitCode(), 0);
+        EXPECT_EQ(treeOf(destination()), treeOf(source()));
+    }
 
     QByteArray output;
 };
@@ -259,13 +273,48 @@ TEST_F(InterruptedCopy, SaysThatItCannotBeStoppedAndTellsHowItEnded)
 
     interrupt(process);
 
-    ASSERT_TRUE(process.waitForFinished(60'000));
-    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
-    EXPECT_EQ(process.exitCode(), 0);
+    expectWhole(process);
     EXPECT_EQ(
         process.readAllStandardError().toStdString(),
         "brindlectl: Files are being copied, which can't be stopped: waiting for the end. Interrupt again to leave "
         "at once.\n");
+}
+
+TEST_F(InterruptedCopy, GoesOnWhenItIsToldToEndMoreThanOnceByAnotherSignal)
+{
+    QProcess process;
+    startCopy(process);
+
+    for (const int signalNumber : {SIGHUP, SIGHUP, SIGTERM, SIGTERM})
+        signal(process, signalNumber);
+
+    expectWhole(process);
+}
+
+TEST_F(InterruptedCopy, GoesOnWhenNobodyReadsWhatItTells)
+{
+    QProcess process;
+    startCopy(process);
+
+    process.closeReadChannel(QProcess::StandardOutput);
+    process.closeReadChannel(QProcess::StandardError);
+    interrupt(process);
+
+    expectWhole(process);
+}
+
+TEST_F(InterruptedCopy, GoesOnWhenItsTerminalIsClosed)
+{
+    TerminalProgram copy(BRINDLECTL, {"copy", "disk1s1", "disk2s1"},
+                         {{"PATH", "/usr/bin:/bin"},
+                          {"LANG", "C.UTF-8"},
+                          {"HOME", machine.root().string()},
+                          {"TMPDIR", temporary.string()},
+                          {"BRINDLE_TOOL_ROOT", machine.root().string()}},
+                         [] {});
+    copy.awaitText("Copying files...");
+
+    EXPECT_EQ(copy.endWithoutTerminal(), 0);
     EXPECT_EQ(treeOf(destination()), treeOf(source()));
 }
 

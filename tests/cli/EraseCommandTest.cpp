@@ -53,6 +53,13 @@ protected:
         }
         writeFile(fs::path(root()) / "machine.json", file.dump(2));
     }
+
+    void unmountAll() const
+    {
+        json file = machineFile();
+        file.at("mounts") = json::array();
+        writeFile(fs::path(root()) / "machine.json", file.dump(2));
+    }
 };
 
 TEST_F(EraseCommands, EraseAnEFIPartition)
@@ -203,6 +210,22 @@ TEST_F(EraseCommands, TakeTheOfferedFormatsAlone)
     EXPECT_EQ(run({"erase-efi", "disk5s1", "--format", "FAT32"}).status, 2);
 }
 
+TEST_F(EraseCommands, TakeALabelThatReadsAsAnIdentifierForNoPartitionOfAnotherDisk)
+{
+    edit("disk5", [](json &disk) { disk.at("partitions").at(0).at("volume").at("name") = "disk4s2"; });
+    unmountAll();
+    const json before = machineFile();
+
+    const Outcome erase = runThere({"erase-volume", "disk5", "--format", "ExFAT", "--confirm", "disk4s2"});
+    const Outcome rename = runThere({"rename", "disk5", "OTHER"});
+
+    EXPECT_EQ(erase.status, 1);
+    EXPECT_THAT(erase.error, HasSubstr("\"disk4s2\" is on disk4, not on disk5"));
+    EXPECT_EQ(rename.status, 1);
+    EXPECT_THAT(rename.error, HasSubstr("\"disk4s2\" is on disk4, not on disk5"));
+    EXPECT_EQ(machineFile(), before);
+}
+
 TEST_F(EraseCommands, GoOnToTheEndWhenTheyAreInterrupted)
 {
     QProcess process;
@@ -221,6 +244,23 @@ TEST_F(EraseCommands, GoOnToTheEndWhenTheyAreInterrupted)
     EXPECT_EQ(process.readAllStandardError().toStdString(),
               "brindlectl: An erase can't be stopped: waiting for the end. Interrupt again to leave at once.\n");
     EXPECT_THAT(process.readAllStandardOutput().toStdString(), HasSubstr("has been erased and reformatted as FAT32."));
+}
+
+TEST_F(EraseCommands, GoOnToTheEndWhenTheirTerminalHangsUpTwiceAndNobodyReads)
+{
+    QProcess process;
+    start(process, {"erase-efi", "disk3s1", "--confirm", "OPENCORE", "--password-stdin"}, root());
+    process.write("brindle\n");
+    ASSERT_TRUE(process.waitForReadyRead(60'000)); // it has begun
+    process.closeReadChannel(QProcess::StandardOutput);
+    process.closeReadChannel(QProcess::StandardError);
+
+    for (int i = 0; i < 2; ++i)
+        ::kill(static_cast<pid_t>(process.processId()), SIGHUP);
+
+    ASSERT_TRUE(process.waitForFinished(60'000));
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(process.exitCode(), 0);
 }
 
 TEST_F(EraseCommands, EndAtOnceAtTheSecondInterruption)

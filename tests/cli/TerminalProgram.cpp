@@ -99,6 +99,12 @@ int TerminalProgram::end()
     return endOf(std::exchange(m_child, -1));
 }
 
+int TerminalProgram::endWithoutTerminal()
+{
+    close(std::exchange(m_terminal, -1));
+    return endOf(std::exchange(m_child, -1));
+}
+
 bool TerminalProgram::readMore()
 {
     pollfd waiting{.fd = m_terminal, .events = POLLIN, .revents = 0};

@@ -28,6 +28,9 @@ public:
     /// Waits for the end: the exit status, or the negative number of the signal that ended it.
     int end();
 
+    /// Closes the terminal, as a window that is closed does, and waits for the end.
+    int endWithoutTerminal();
+
     /// All that the terminal has shown; complete after end().
     [[nodiscard]] const std::string &shown() const { return m_shown; }
 

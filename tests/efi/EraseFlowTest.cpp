@@ -133,6 +133,19 @@ TEST_P(PartitionTarget, IsTheMountPointOrElseTheOnlyLabel)
               GetParam().target);
 }
 
+TEST_F(EraseFlowTest, ErasesNothingWhereTheVolumeIsAnotherDisksByNow)
+{
+    operations.otherDisk = "disk9";
+    flow.openForDisk(stick, row());
+
+    type("Work");
+
+    EXPECT_THAT(operations.asked, IsEmpty());
+    EXPECT_EQ(manager.stage(), Stage::failed);
+    EXPECT_EQ(manager.resultMessage(), "Stick could not be erased: \"/Volumes/WORK\" is on disk9, not on disk2");
+    EXPECT_THAT(rowCalls, ElementsAre("start Erasing Stick...", "end"));
+}
+
 TEST_F(EraseFlowTest, PassesTheMountPointAsTheVolumesIdentifier)
 {
     flow.openForDisk(stick, row());

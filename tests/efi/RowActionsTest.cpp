@@ -119,6 +119,7 @@ TEST_F(RowActionsTest, EndsAndThrowsWhenAMountFails)
 
     EXPECT_THAT(journal, ElementsAre("start Mounting EFI partition of Stick", diskutil("info disk2s1"),
                                      sudo("mount disk2s1"), "mount of Stick (disk2s1) failed", "end"));
+    EXPECT_THAT(log.lines(), Contains("Mount failed: no medium"));
     EXPECT_FALSE(actions.isLoading());
 }
 
@@ -134,6 +135,7 @@ TEST_F(RowActionsTest, EndsAndThrowsWhenAnUnmountFails)
     EXPECT_THAT(journal,
                 ElementsAre("start Unmounting EFI partition of Stick", diskutil("info disk2s1"),
                             sudo("unmount disk2s1"), sudo("unmount force disk2s1"), "unmount of Stick failed", "end"));
+    EXPECT_THAT(log.lines(), Contains("Unmount failed: still busy"));
 }
 
 TEST_F(RowActionsTest, DoesNothingOnADoubleClickWhileAnActionOfTheRowIsUnderWay)
@@ -316,8 +318,19 @@ TEST_F(RowActionsTest, RenamesTheVolumeOfADiskByItsLabelAndScans)
     EXPECT_EQ(prompt.alert.messageText, "Rename Volume");
     EXPECT_EQ(prompt.alert.informativeText, "Enter a new name for \"Work\".");
     EXPECT_EQ(prompt.text, "Work");
-    EXPECT_THAT(journal, ElementsAre("dialog", "start Renaming Work", sudo("rename Work Play"),
+    EXPECT_THAT(journal, ElementsAre("dialog", "start Renaming Work", diskutil("info Work"), sudo("rename Work Play"),
                                      diskutil("list physical"), "disks changed", "end", "dialog over"));
+}
+
+TEST_F(RowActionsTest, RenamesNoVolumeThatIsAnotherDisksByNow)
+{
+    tools.answer(diskutil("info Work"), "   Part of Whole: disk5\n");
+    RowActions actions = row();
+
+    EXPECT_EQ(failureOf(actions.renameVolume(disk, "Play")), "\"Work\" is on disk5, not on disk2");
+
+    EXPECT_EQ(log.lines().back(), "Rename failed: \"Work\" is on disk5, not on disk2");
+    EXPECT_THAT(journal, ElementsAre("start Renaming Work", diskutil("info Work"), "end"));
 }
 
 TEST_F(RowActionsTest, LogsWhyAVolumeWasNotRenamed)
@@ -330,8 +343,8 @@ TEST_F(RowActionsTest, LogsWhyAVolumeWasNotRenamed)
     finished(actions.askToRenameVolume(disk));
 
     EXPECT_EQ(log.lines().back(), "Rename failed: locked");
-    EXPECT_THAT(journal,
-                ElementsAre("dialog", "start Renaming Work", sudo("rename /Volumes/Work Play"), "end", "dialog over"));
+    EXPECT_THAT(journal, ElementsAre("dialog", "start Renaming Work", diskutil("info /Volumes/Work"),
+                                     sudo("rename /Volumes/Work Play"), "end", "dialog over"));
 }
 
 TEST_F(RowActionsTest, RenamesNoVolumeWhereTheLabelStandsForSeveral)
@@ -357,6 +370,17 @@ TEST_F(RowActionsTest, EjectsWithoutAWordToTheContainer)
     EXPECT_EQ(finished(actions.eject(disk)), "Disk disk2 ejected\n");
 
     EXPECT_THAT(journal, ElementsAre(diskutil("eject disk2"), "disks changed"));
+}
+
+TEST_F(RowActionsTest, LogsWhyADiskWasNotEjectedAndLeavesItInTheList)
+{
+    tools.fail(diskutil("eject disk2"), Error("CommandError", 1, "disk2 is busy"));
+    RowActions actions = row();
+
+    EXPECT_EQ(failureOf(actions.eject(disk)), "disk2 is busy");
+
+    EXPECT_EQ(log.lines().back(), "Eject failed: disk2 is busy");
+    EXPECT_THAT(journal, ElementsAre(diskutil("eject disk2")));
 }
 
 TEST_F(RowActionsTest, OffersNoEjectForABuiltInDiskAndForTheBootDisk)

@@ -96,7 +96,8 @@ protected:
     }
 
     /// The description of the error that \a task throws; empty where it throws none.
-    std::string failureOf(QCoro::Task<> task)
+    template <typename T>
+    std::string failureOf(QCoro::Task<T> task)
     {
         try {
             finished(std::move(task));

@@ -274,6 +274,33 @@ TEST_F(DiskManagerActionsTest, ChangesNothingWhenTheEjectFails)
 
 // --- erase
 
+struct CarrierCase {
+    const char *name;
+    const char *info; ///< Nothing where the tool doesn't know the volume.
+    std::string failure;
+};
+
+class VolumeOfADisk : public DiskManagerActionsTest, public testing::WithParamInterface<CarrierCase> {};
+
+TEST_P(VolumeOfADisk, IsLookedForWhereItIsNow)
+{
+    if (GetParam().info)
+        tools.answer(diskutil("info Work"), GetParam().info);
+
+    EXPECT_EQ(failureOf(manager().requireVolumeOn("disk2", "Work")), GetParam().failure);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    DiskManagerActions, VolumeOfADisk,
+    testing::Values(CarrierCase{"There", "   Part of Whole: disk2\n", ""},
+                    CarrierCase{"InAContainerThere", "   Part of Whole: disk7\n   APFS Physical Store: disk2s2\n", ""},
+                    CarrierCase{"OnAnotherDisk", "   Part of Whole: disk20\n", "\"Work\" is on disk20, not on disk2"},
+                    CarrierCase{"InAContainerOfAnotherDisk",
+                                "   APFS Physical Store: disk5s2\n   Part of Whole: disk2\n",
+                                "\"Work\" is on disk5, not on disk2"},
+                    CarrierCase{"NotTold", "   Volume Name: Work\n", ""}, CarrierCase{"Unknown", nullptr, ""}),
+    [](const auto &row) { return row.param.name; });
+
 struct EraseCase {
     const char *name;
     QCoro::Task<> (*erase)(DiskManager &manager);

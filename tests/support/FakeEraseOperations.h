@@ -17,6 +17,14 @@ class FakeEraseOperations : public EraseOperations {
 public:
     std::optional<Error> failure;
     std::vector<std::string> asked; ///< Each as the operation and its arguments, with "|" between.
+    std::string otherDisk;          ///< The disk that volumes lie on, where it isn't the one that is named.
+
+    QCoro::Task<> requireVolumeOn(std::string diskIdentifier, std::string volume) override
+    {
+        if (!otherDisk.empty())
+            throw Error("DiskManager", 1, fmt::format("\"{}\" is on {}, not on {}", volume, otherDisk, diskIdentifier));
+        co_return;
+    }
 
     QCoro::Task<> formatEFIPartition(std::string identifier, std::string name) override
     {

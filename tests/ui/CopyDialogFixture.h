@@ -51,6 +51,27 @@ protected:
         waitForStillness(window());
     }
 
+    /// Copies to a disk that has gone, which hangs until it is cancelled.
+    void copyUntilItHangs()
+    {
+        std::filesystem::remove_all(folder() / "destination");
+        window().click(QStringLiteral("destination0"));
+        window().click(QStringLiteral("copyButton"));
+        waitUntil([this] { return manager.operationStatus().starts_with("Copy failed: "); });
+        waitForStillness(window());
+    }
+
+    /// Replaces an old folder by one that has gone meanwhile.
+    void copyUntilFailure()
+    {
+        writeOldEFI();
+        open();
+        copyUntilConfirmation();
+        std::filesystem::remove_all(folder() / "source/EFI");
+        window().click(QStringLiteral("option1"));
+        waitForEnd();
+    }
+
     [[nodiscard]] bool oldEFIIsThere() const { return std::filesystem::exists(folder() / "destination/EFI/old"); }
 
     std::vector<PhysicalDisk> disks{disk("disk1", "Source", "source"), disk("disk2", "Target", "destination")};

@@ -135,13 +135,7 @@ TEST_F(CopyDialogTest, KeepsTheChoiceAndTheTickAfterACancellation)
 
 TEST_F(CopyDialogTest, ReadsTheWholeReasonOfAFailureAloud)
 {
-    writeOldEFI();
-    open();
-    copyUntilConfirmation();
-    std::filesystem::remove_all(folder() / "source/EFI");
-
-    window().click(QStringLiteral("option1"));
-    waitForEnd();
+    copyUntilFailure();
 
     EXPECT_THAT(readAloud(window().item(QStringLiteral("indicator"))).name,
                 StartsWith("Operation failed: Copy operation failed: "));
@@ -151,11 +145,7 @@ TEST_F(CopyDialogTest, ReadsTheWholeReasonOfAFailureAloud)
 TEST_F(CopyDialogTest, LeavesACopyThatHangsByItsOneButton)
 {
     open();
-    std::filesystem::remove_all(folder() / "destination");
-    window().click(QStringLiteral("destination0"));
-    window().click(QStringLiteral("copyButton"));
-    waitUntil([this] { return manager.operationStatus().starts_with("Copy failed: "); });
-    waitForStillness(window());
+    copyUntilItHangs();
     EXPECT_EQ(window().textOf(QStringLiteral("copyPercent")), "70%");
     EXPECT_THAT(window().textOf(QStringLiteral("copyStatus")), StartsWith("Copy failed: "));
 
@@ -169,11 +159,7 @@ TEST_F(CopyDialogTest, LeavesACopyThatHangsByItsOneButton)
 TEST_F(CopyDialogTest, GivesNoButtonTheKeyboardWhileItCopies)
 {
     open();
-    std::filesystem::remove_all(folder() / "destination");
-    window().click(QStringLiteral("destination0"));
-    window().click(QStringLiteral("copyButton"));
-    waitUntil([this] { return manager.operationStatus().starts_with("Copy failed: "); });
-    waitForStillness(window());
+    copyUntilItHangs();
 
     window().press(Qt::Key_Return);
     window().press(Qt::Key_Space);

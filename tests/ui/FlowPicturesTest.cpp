@@ -118,10 +118,7 @@ TEST_P(CopyPictures, ShowTheConfirmationOfTheBootDiskOnALowScreen)
 TEST_P(CopyPictures, ShowACopyThatHasFailedAndHangs)
 {
     open();
-    std::filesystem::remove_all(folder() / "destination");
-    window().click(QStringLiteral("destination0"));
-    window().click(QStringLiteral("copyButton"));
-    waitUntil([this] { return manager.operationStatus().starts_with("Copy failed: "); });
+    copyUntilItHangs();
 
     expectPicture(window(), GetParam(), "copy-progress");
 }
@@ -139,12 +136,7 @@ TEST_P(CopyPictures, ShowASuccess)
 
 TEST_P(CopyPictures, ShowAFailure)
 {
-    writeOldEFI();
-    open();
-    copyUntilConfirmation();
-    std::filesystem::remove_all(folder() / "source/EFI");
-    window().click(QStringLiteral("option1"));
-    waitForEnd();
+    copyUntilFailure();
 
     expectPicture(window(), GetParam(), "copy-failure");
 }

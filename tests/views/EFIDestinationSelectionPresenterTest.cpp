@@ -1,7 +1,6 @@
 #include "views/EFIDestinationSelectionPresenter.h"
 
-#include "EFICopyViewFixture.h"
-#include "base/BlockOn.h"
+#include "DestinationSelectionFixture.h"
 
 #include <gmock/gmock.h>
 
@@ -16,42 +15,8 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using Content = EFIDestinationSelectionPresenter::Content;
 
-class EFIDestinationSelectionPresenterTest : public EFICopyViewFixture {
+class EFIDestinationSelectionPresenterTest : public DestinationSelectionFixture<EFIDestinationSelectionPresenter> {
 protected:
-    EFIDestinationSelectionPresenter &open(std::vector<EFICopyManager::EFIPartitionInfo> destinations)
-    {
-        m_presenter = std::make_unique<EFIDestinationSelectionPresenter>(
-            source, source.efiPartitions[0], std::move(destinations),
-            [this](const auto &info, bool overwrites) {
-                chosen.push_back(info.diskIdentifier + (overwrites ? " overwritten" : ""));
-            },
-            [this] { ++cancels; }, manager);
-        QObject::connect(m_presenter.get(), &EFIDestinationSelectionPresenter::changed, [this] { ++changes; });
-        return *m_presenter;
-    }
-
-    EFIDestinationSelectionPresenter &open()
-    {
-        return open({{.diskIdentifier = "disk2",
-                      .diskName = "Boot SSD",
-                      .efiPartition = destination.efiPartitions[0],
-                      .isBootDisk = true,
-                      .hasOpenCore = true,
-                      .hasClover = true},
-                     {.diskIdentifier = "disk3",
-                      .diskName = "Plain",
-                      .efiPartition = {.identifier = "disk3s1", .isMounted = true, .volumeName = "EFI"}}});
-    }
-
-    void copy()
-    {
-        try {
-            blockOn(manager.copyEFI(source, source.efiPartitions[0], destination, destination.efiPartitions[0], false),
-                    30s);
-        } catch (const Error &) { // told by the manager's fields
-        }
-    }
-
     static std::vector<std::string> titlesOf(const QVariantList &boxes)
     {
         std::vector<std::string> titles;
@@ -59,15 +24,6 @@ protected:
             titles.push_back(box.value<BoxValue>().title.toStdString());
         return titles;
     }
-
-    PhysicalDisk source = disk("disk1", "Source", "source");
-    PhysicalDisk destination = disk("disk2", "Boot SSD", "destination");
-    std::vector<std::string> chosen;
-    int cancels = 0;
-    int changes = 0;
-
-private:
-    std::unique_ptr<EFIDestinationSelectionPresenter> m_presenter;
 };
 
 TEST_F(EFIDestinationSelectionPresenterTest, BeginsWithTheSelection)

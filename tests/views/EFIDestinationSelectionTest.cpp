@@ -1,7 +1,6 @@
 #include "views/EFIDestinationSelection.h"
 
-#include "EFICopyViewFixture.h"
-#include "base/BlockOn.h"
+#include "DestinationSelectionFixture.h"
 
 #include <gmock/gmock.h>
 
@@ -17,42 +16,8 @@ using testing::IsEmpty;
 using Content = EFIDestinationSelection::Content;
 using Buttons = EFIDestinationSelection::Buttons;
 
-class EFIDestinationSelectionTest : public EFICopyViewFixture {
+class EFIDestinationSelectionTest : public DestinationSelectionFixture<EFIDestinationSelection> {
 protected:
-    /// With the two disks as destinations: the first the boot disk, the second plain.
-    EFIDestinationSelection &open(bool withDestinations = true)
-    {
-        std::vector<EFICopyManager::EFIPartitionInfo> destinations;
-        if (withDestinations)
-            destinations = {{.diskIdentifier = "disk2",
-                             .diskName = "Boot SSD",
-                             .efiPartition = destination.efiPartitions[0],
-                             .isBootDisk = true,
-                             .hasOpenCore = true,
-                             .hasClover = true},
-                            {.diskIdentifier = "disk3",
-                             .diskName = "Plain",
-                             .efiPartition = {.identifier = "disk3s1", .isMounted = true, .volumeName = "EFI"}}};
-        m_dialog = std::make_unique<EFIDestinationSelection>(
-            source, source.efiPartitions[0], std::move(destinations),
-            [this](const auto &info, bool overwrites) {
-                chosen.push_back(info.diskIdentifier + (overwrites ? " overwritten" : ""));
-            },
-            [this] { ++cancels; }, manager);
-        QObject::connect(m_dialog.get(), &EFIDestinationSelection::changed, [this] { ++changes; });
-        return *m_dialog;
-    }
-
-    void copy(bool overwriteWithoutBackup = false)
-    {
-        try {
-            blockOn(manager.copyEFI(source, source.efiPartitions[0], destination, destination.efiPartitions[0],
-                                    overwriteWithoutBackup),
-                    30s);
-        } catch (const Error &) { // told by the manager's fields
-        }
-    }
-
     static std::vector<std::string> titlesOf(const std::vector<WarningBox> &warnings)
     {
         std::vector<std::string> titles;
@@ -60,15 +25,6 @@ protected:
             titles.emplace_back(warning.title);
         return titles;
     }
-
-    PhysicalDisk source = disk("disk1", "Source", "source");
-    PhysicalDisk destination = disk("disk2", "Boot SSD", "destination");
-    std::vector<std::string> chosen;
-    int cancels = 0;
-    int changes = 0;
-
-private:
-    std::unique_ptr<EFIDestinationSelection> m_dialog;
 };
 
 TEST_F(EFIDestinationSelectionTest, BeginsWithTheSelectionAndNothingChosen)
@@ -336,7 +292,7 @@ TEST_F(EFIDestinationSelectionTest, ShowsEveryPercentageOfACopy)
 
 TEST_F(EFIDestinationSelectionTest, RaisesAnAlertWhereThereIsNothingToPick)
 {
-    auto &dialog = open(false);
+    auto &dialog = open({});
     EXPECT_FALSE(dialog.showingAlert());
 
     dialog.appear();

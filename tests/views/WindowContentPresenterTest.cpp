@@ -36,6 +36,17 @@ protected:
         content().appear();
         clock.advance(0ms);
     }
+
+    /// Mounts the one EFI partition of disk2, which lasts until the launcher lets it go on.
+    void beginAMountThatWaits()
+    {
+        hold({externalDisk("disk2", {{.identifier = "disk2s1"}})});
+        answerInfo("disk2s1", false);
+        answerSudo("mount disk2s1");
+        launcher.hold(sudo("mount disk2s1"));
+        row().perform(RowAction::toggleMount);
+        clock.advance(0ms);
+    }
 };
 
 // --- the list
@@ -79,13 +90,7 @@ TEST_F(WindowContentPresenterTest, SaysThatItIsReadyWhereNothingGoesOn)
 
 TEST_F(WindowContentPresenterTest, TellsOfAnActionWhileItRuns)
 {
-    hold({externalDisk("disk2", {{.identifier = "disk2s1"}})});
-    answerInfo("disk2s1", false);
-    answerSudo("mount disk2s1");
-    launcher.hold(sudo("mount disk2s1"));
-
-    row().perform(RowAction::toggleMount);
-    clock.advance(0ms);
+    beginAMountThatWaits();
 
     EXPECT_EQ(content().statusText(), QStringLiteral("Mounting EFI partition of Disk disk2"));
     EXPECT_TRUE(row().isLoading());
@@ -185,12 +190,7 @@ TEST_F(WindowContentPresenterTest, OpensTheCopyDialogInPlaceOfTheList)
 
 TEST_F(WindowContentPresenterTest, GoesOnWithAnActionWhoseRowHasGone)
 {
-    hold({externalDisk("disk2", {{.identifier = "disk2s1"}})});
-    answerInfo("disk2s1", false);
-    answerSudo("mount disk2s1");
-    launcher.hold(sudo("mount disk2s1"));
-    row().perform(RowAction::toggleMount);
-    clock.advance(0ms);
+    beginAMountThatWaits();
 
     content().rows()->setDisks({}, {});
     launcher.release(sudo("mount disk2s1"));

@@ -78,10 +78,13 @@ RunningChild::RunningChild(pid_t pid, FileDescriptor standardOutput, FileDescrip
 
 void RunningChild::terminate() const
 {
-    if (m_pidfd)
-        pidfd_send_signal(m_pidfd.value(), SIGTERM, nullptr, 0);
-    else
-        kill(m_pid, SIGTERM);
+    // A child that has stopped, as one in the background does that reads the terminal, heeds nothing until it goes on.
+    for (const int signal : {SIGTERM, SIGCONT}) {
+        if (m_pidfd)
+            pidfd_send_signal(m_pidfd.value(), signal, nullptr, 0);
+        else
+            kill(m_pid, signal);
+    }
 }
 
 void RunningChild::reportIfEnded()

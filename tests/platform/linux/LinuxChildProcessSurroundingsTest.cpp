@@ -23,6 +23,7 @@
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
+#include <sys/wait.h>
 
 namespace brindle {
 namespace {
@@ -55,6 +56,24 @@ TEST(LinuxChildProcess, CanBeTerminatedThoughItsParentIgnoresAndBlocksTheSignal)
     const Child child({"/bin/sleep", {"40"}, std::nullopt});
     signal(SIGTERM, handlerBefore);
     sigprocmask(SIG_SETMASK, &maskBefore, nullptr);
+    child.process->terminate();
+
+    EXPECT_EQ(child.end().terminationStatus, SIGTERM);
+}
+
+/// A child that stops, as one does that reads the terminal from the background, and has stopped by now.
+Child stoppedChild()
+{
+    Child child(shell("kill -STOP $$; exit 3"));
+    siginfo_t info{};
+    waitid(P_ALL, 0, &info, WSTOPPED | WNOWAIT);
+    return child;
+}
+
+TEST(LinuxChildProcess, CanBeTerminatedThoughItHasStopped)
+{
+    const Child child = stoppedChild();
+
     child.process->terminate();
 
     EXPECT_EQ(child.end().terminationStatus, SIGTERM);
@@ -189,7 +208,10 @@ void refusePidfds()
     const Child ending(shell("exit 9"));
     const Child sleeping({"/bin/sleep", {"40"}, std::nullopt});
     sleeping.process->terminate();
-    const bool isRight = ending.end().terminationStatus == 9 && sleeping.end().terminationStatus == SIGTERM;
+    const Child stopped = stoppedChild();
+    stopped.process->terminate();
+    const bool isRight = ending.end().terminationStatus == 9 && sleeping.end().terminationStatus == SIGTERM &&
+                         stopped.end().terminationStatus == SIGTERM;
     std::_Exit(isRight && !hasChildren() ? 0 : 1);
 }
 
