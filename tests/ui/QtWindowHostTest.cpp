@@ -100,15 +100,22 @@ TEST_F(QtWindowHostTest, ShowsAWindowAndLetsItsContentAppear)
 
 TEST_F(QtWindowHostTest, KeepsTheUserFromResizingInEveryState)
 {
-    const MainWindow &window = open(300);
-    EXPECT_EQ(window.minimumSize(), QSize(500, 300));
-    EXPECT_EQ(window.maximumSize(), QSize(500, 300));
+    MainWindow &window = open(222);
+    const auto expectFixed = [&](int height) {
+        clock.advance(std::chrono::milliseconds(50));
+        const QSize size(500, std::min(height, window.screen()->availableGeometry().height() * 9 / 10));
+        EXPECT_EQ(window.size(), size);
+        EXPECT_EQ(window.minimumSize(), size);
+        EXPECT_EQ(window.maximumSize(), size);
+    };
+    expectFixed(222);
 
-    host.setHeight(lastID(), 578, false);
-
-    EXPECT_EQ(window.size(), QSize(500, 578));
-    EXPECT_EQ(window.minimumSize(), QSize(500, 578));
-    EXPECT_EQ(window.maximumSize(), QSize(500, 578));
+    window.content().rows()->row(0).perform(RowAction::eraseDisk);
+    expectFixed(578);
+    eraseManager.finish(EraseOperationManager::Stage::failed, "");
+    expectFixed(428);
+    eraseManager.dismiss();
+    expectFixed(222);
 }
 
 TEST_F(QtWindowHostTest, KeepsTheTopEdgeWhenTheHeightChanges)

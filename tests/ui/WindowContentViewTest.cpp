@@ -243,6 +243,23 @@ TEST_F(WindowContentViewTest, MountsByItsButton)
     EXPECT_TRUE(shows("disk2/findButton"));
 }
 
+TEST_F(WindowContentViewTest, DisablesTheButtonsOfARowWhileItsActionRuns)
+{
+    holdOneStick();
+    launcher.hold(sudo("mount disk2s1"));
+
+    click("disk2/mountButton");
+    clock.advance(0ms);
+
+    for (const char *button : {"disk2/mountButton", "disk2/ejectButton"})
+        EXPECT_FALSE(window().valueOf<bool>(QString::fromLatin1(button), "enabled")) << button;
+    EXPECT_EQ(textOf("statusText"), "Mounting EFI partition of Disk disk2");
+    launcher.release(sudo("mount disk2s1"));
+    settle();
+    EXPECT_TRUE(window().valueOf<bool>(QStringLiteral("disk2/mountButton"), "enabled"));
+    EXPECT_EQ(textOf("statusText"), "Ready");
+}
+
 TEST_F(WindowContentViewTest, MountsByADoubleClickOnce)
 {
     holdOneStick();

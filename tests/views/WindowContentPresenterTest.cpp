@@ -62,6 +62,23 @@ TEST_F(WindowContentPresenterTest, StaysOnTheFirstScanUntilThatIsOver)
     EXPECT_EQ(content().listState(), QStringLiteral("rows"));
 }
 
+TEST_F(WindowContentPresenterTest, StaysOnTheFirstScanWhenDisksArePublishedBeforeThatIsOver)
+{
+    defaults.set(DefaultsKeys::kIsModeSwitchRelaunch, false);
+    paths = ToolPaths::system();
+    plugIn({"disk2"});
+    content();
+    std::vector<std::string> states;
+    QObject::connect(&manager(), &DiskManager::disksChanged, [&] {
+        states.push_back(fmt::format("{} {}", manager().disks().size(), content().listState().toStdString()));
+    });
+
+    scan();
+
+    EXPECT_THAT(states, ElementsAre("1 firstScan"));
+    EXPECT_EQ(content().listState(), QStringLiteral("rows"));
+}
+
 TEST_F(WindowContentPresenterTest, ShowsTheRowsOfTheDisksInTheirOrder)
 {
     EXPECT_EQ(content().listState(), QStringLiteral("rows"));
