@@ -1,5 +1,6 @@
 // The text of `diskutil list`: identifiers, sections, volumes and EFI partitions.
 
+#include "Numbered.h"
 #include "Require.h"
 
 #include "base/Text.h"
@@ -7,7 +8,6 @@
 #include "detectors/EFIPartitionReader.h"
 #include "state/DiskutilListSections.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <set>
@@ -18,13 +18,6 @@
 using namespace brindle;
 
 namespace {
-
-/// Whether \a text is \a stem and then digits, at least one.
-bool isNumbered(std::string_view text, const std::string &stem)
-{
-    return text.starts_with(stem) && text.size() > stem.size() &&
-           std::ranges::all_of(text.substr(stem.size()), isDigit);
-}
 
 bool areDistinct(const std::vector<std::string> &texts)
 {

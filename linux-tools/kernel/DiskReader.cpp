@@ -184,7 +184,8 @@ std::optional<Partition> DiskReader::unscanned(const ProbedEntry &entry, const s
     Partition partition{.type = partitionTypeName(table, entry.type), .uuid = entry.uuid};
     partition.offsetBytes = entry.offsetBytes;
     partition.sizeBytes = entry.sizeBytes;
-    partition.volume = probeVolume(opened().get(), entry.offsetBytes, entry.sizeBytes);
+    if (entry.sizeBytes > 0) // To libblkid no size means all that follows.
+        partition.volume = probeVolume(opened().get(), entry.offsetBytes, entry.sizeBytes);
     return partition;
 }
 

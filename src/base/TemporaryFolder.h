@@ -5,11 +5,10 @@
 
 namespace brindle {
 
-/// Makes an empty folder for this user alone among the temporary files: "brindle-PURPOSE-" and digits.
+/// Makes an empty folder for this user alone: "brindle-PURPOSE-" and digits, in $TMPDIR or, without one, in /tmp.
 ///
 /// The path to it stands in the text of tools when it holds mount points, and letters drawn at random would now and
-/// then spell the name of a file system there. Throws Error, and std::filesystem::filesystem_error where there is no
-/// folder for temporary files.
+/// then spell the name of a file system there. Throws an Error that names the folder where it can't be made.
 [[nodiscard]] std::filesystem::path makeTemporaryFolder(std::string_view purpose);
 
 } // namespace brindle

@@ -1,10 +1,12 @@
 #include "detectors/BootloaderDetector.h"
 
 #include "base/Log.h"
+#include "base/OnWorker.h"
 
 #include <filesystem>
 #include <initializer_list>
 #include <system_error>
+#include <utility>
 
 namespace brindle {
 
@@ -28,34 +30,53 @@ bool holdsOneOf(const std::string &folder, std::initializer_list<const char *> f
     return false;
 }
 
+std::string openCoreFolder(const std::string &mountPoint)
+{
+    return mountPoint + "/EFI/OC";
+}
+
+std::string cloverFolder(const std::string &mountPoint)
+{
+    return mountPoint + "/EFI/CLOVER";
+}
+
+BootloaderFlags flagsAt(const std::string &mountPoint)
+{
+    return {holdsOneOf(openCoreFolder(mountPoint), {"OpenCore.efi", "config.plist"}),
+            holdsOneOf(cloverFolder(mountPoint), {"CLOVERX64.efi", "config.plist"})};
+}
+
 } // namespace
 
-BootloaderFlags BootloaderDetector::detectBootloaders(const std::string &identifier, bool isBootDisk,
-                                                      bool isBootloaderDisk, bool efiMounted,
-                                                      const std::optional<std::string> &efiMountPoint)
+QCoro::Task<BootloaderFlags> BootloaderDetector::detectBootloaders(std::string identifier, bool isBootDisk,
+                                                                   bool isBootloaderDisk, bool efiMounted,
+                                                                   std::optional<std::string> efiMountPoint)
 {
     Log::line("🔍 Bootloader detection for {}: isBootDisk={} isBootloaderDisk={} efiMounted={}", identifier, isBootDisk,
               isBootloaderDisk, efiMounted);
-    if (efiMounted && efiMountPoint)
-        return flagsOfFiles(identifier, *efiMountPoint);
+    if (efiMounted && efiMountPoint) {
+        auto reading = flagsOfFiles(std::move(identifier), *std::move(efiMountPoint));
+        co_return co_await reading;
+    }
     // Once it is known where the boot loader came from, the disk with the system is no longer credited with it.
     if (isBootloaderDisk || (!bootloaderDiskIdentifier && isBootDisk))
-        return flagsOfRunningSystem();
+        co_return flagsOfRunningSystem();
     Log::line("   ➖ No bootloader info available for {}", identifier);
-    return {};
+    co_return BootloaderFlags();
 }
 
-BootloaderFlags BootloaderDetector::flagsOfFiles(const std::string &identifier, const std::string &mountPoint)
+QCoro::Task<BootloaderFlags> BootloaderDetector::flagsOfFiles(std::string identifier, std::string mountPoint)
 {
     const auto known = scanCache.find(identifier);
     if (known != scanCache.end() && known->second.mountPoint == mountPoint) {
         Log::line("   💾 Bootloader scan cache hit for {}", identifier);
-        return {known->second.hasOpenCore, known->second.hasClover};
+        co_return BootloaderFlags{known->second.hasOpenCore, known->second.hasClover};
     }
-    const BootloaderFlags flags = scanEFIFiles(mountPoint);
+    auto scan = scanEFIFiles(mountPoint);
+    const BootloaderFlags flags = co_await scan;
     scanCache.insert_or_assign(identifier, ScanEntry{mountPoint, flags.hasOpenCore, flags.hasClover});
     Log::line("   📂 File scan — OC: {}, Clover: {}", flags.hasOpenCore, flags.hasClover);
-    return flags;
+    co_return flags;
 }
 
 BootloaderFlags BootloaderDetector::flagsOfRunningSystem() const
@@ -65,17 +86,15 @@ BootloaderFlags BootloaderDetector::flagsOfRunningSystem() const
     return flags;
 }
 
-BootloaderFlags BootloaderDetector::scanEFIFiles(const std::string &mountPoint)
+QCoro::Task<BootloaderFlags> BootloaderDetector::scanEFIFiles(std::string mountPoint)
 {
-    const std::string openCore = mountPoint + "/EFI/OC";
-    const std::string clover = mountPoint + "/EFI/CLOVER";
-    const BootloaderFlags flags{holdsOneOf(openCore, {"OpenCore.efi", "config.plist"}),
-                                holdsOneOf(clover, {"CLOVERX64.efi", "config.plist"})};
+    auto reading = onWorker([mountPoint] { return flagsAt(mountPoint); });
+    const BootloaderFlags flags = co_await reading;
     if (flags.hasOpenCore)
-        Log::line("   ✅ OpenCore confirmed at {}", openCore);
+        Log::line("   ✅ OpenCore confirmed at {}", openCoreFolder(mountPoint));
     if (flags.hasClover)
-        Log::line("   ✅ Clover confirmed at {}", clover);
-    return flags;
+        Log::line("   ✅ Clover confirmed at {}", cloverFolder(mountPoint));
+    co_return flags;
 }
 
 } // namespace brindle

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QCoroTask>
+
 #include <map>
 #include <optional>
 #include <string>
@@ -26,13 +28,13 @@ class BootloaderDetector {
 public:
     /// \a isBootDisk: the disk holds the running system. \a isBootloaderDisk: the boot loader came from the disk.
     /// \a efiMounted: one of its EFI partitions is mounted; \a efiMountPoint: where the first of these is.
-    [[nodiscard]] BootloaderFlags detectBootloaders(const std::string &identifier, bool isBootDisk,
-                                                    bool isBootloaderDisk, bool efiMounted,
-                                                    const std::optional<std::string> &efiMountPoint);
+    [[nodiscard]] QCoro::Task<BootloaderFlags> detectBootloaders(std::string identifier, bool isBootDisk,
+                                                                 bool isBootloaderDisk, bool efiMounted,
+                                                                 std::optional<std::string> efiMountPoint);
 
     /// Which boot loaders have a folder with a loader or a configuration below \a mountPoint, which is put in front of
-    /// the paths as it is. A mount point that has gone holds neither.
-    [[nodiscard]] static BootloaderFlags scanEFIFiles(const std::string &mountPoint);
+    /// the paths as it is. A mount point that has gone holds neither. The files are looked at on another thread.
+    [[nodiscard]] static QCoro::Task<BootloaderFlags> scanEFIFiles(std::string mountPoint);
 
     // What the running system told, as its owner last copied it.
     std::optional<std::string> bootDiskIdentifier;       ///< Of the disk with the running system.
@@ -44,7 +46,7 @@ public:
     std::map<std::string, ScanEntry> scanCache;
 
 private:
-    BootloaderFlags flagsOfFiles(const std::string &identifier, const std::string &mountPoint);
+    QCoro::Task<BootloaderFlags> flagsOfFiles(std::string identifier, std::string mountPoint);
     [[nodiscard]] BootloaderFlags flagsOfRunningSystem() const;
 };
 

@@ -71,9 +71,13 @@ QCoro::Task<> EFICopyManager::copyEFI(PhysicalDisk sourceDisk, EFIPartition sour
     auto check = checkSource(sourcePath);
     co_await check;
     publish("Checking destination...", 0.1);
-    if (m_fileManager.fileExists(destPath) && !m_isCancelled) {
+    auto telling = m_fileManager.volumeAt(*destinationEFI.mountPoint);
+    const std::string volume = co_await telling;
+    auto looking = m_fileManager.fileExists(destPath);
+    const bool isThere = co_await looking;
+    if (isThere && !m_isCancelled) {
         if (!overwriteWithoutBackup) {
-            raiseConfirmation(sourceDisk, sourceEFI, destinationDisk, destinationEFI);
+            raiseConfirmation(sourceDisk, sourceEFI, destinationDisk, destinationEFI, volume);
             co_return;
         }
         publish("Preparing to overwrite existing EFI folder...", 0.3);
@@ -149,7 +153,9 @@ QCoro::Task<> EFICopyManager::checkSource(std::string sourcePath)
         setOperationStatus(std::move(status));
         return EFICopyError(which);
     };
-    if (!m_fileManager.fileExists(sourcePath))
+    auto looking = m_fileManager.fileExists(sourcePath);
+    const bool isThere = co_await looking;
+    if (!isThere)
         throw end("Source EFI folder not found", EFICopyError::Case::sourceEFINotFound);
     std::vector<std::string> names;
     try {
@@ -163,7 +169,7 @@ QCoro::Task<> EFICopyManager::checkSource(std::string sourcePath)
 }
 
 void EFICopyManager::raiseConfirmation(PhysicalDisk sourceDisk, EFIPartition sourceEFI, PhysicalDisk destinationDisk,
-                                       EFIPartition destinationEFI)
+                                       EFIPartition destinationEFI, const std::string &destinationVolume)
 {
     const std::string source = efiFolderOf(sourceEFI);
     const std::string destination = efiFolderOf(destinationEFI);
@@ -173,11 +179,14 @@ void EFICopyManager::raiseConfirmation(PhysicalDisk sourceDisk, EFIPartition sou
                           .destinationEFI = destinationEFI};
     data.onBackup = [=, this] {
         spawn([=, this] {
-            return performBackupAndCopy(source, destination, sourceEFI, destinationDisk, destinationEFI);
+            return performBackupAndCopy(source, destination, sourceEFI, destinationDisk, destinationEFI,
+                                        destinationVolume);
         });
     };
     data.onOverwrite = [=, this] {
-        spawn([=, this] { return performOverwriteAndCopy(source, destination, sourceEFI, destinationEFI); });
+        spawn([=, this] {
+            return performOverwriteAndCopy(source, destination, sourceEFI, destinationEFI, destinationVolume);
+        });
     };
     data.onCancel = [this] { spawn([this] { return performCancel(); }); };
     setConfirmationData(std::move(data));
@@ -185,12 +194,15 @@ void EFICopyManager::raiseConfirmation(PhysicalDisk sourceDisk, EFIPartition sou
 }
 
 QCoro::Task<> EFICopyManager::performBackupAndCopy(std::string sourcePath, std::string destPath, EFIPartition sourceEFI,
-                                                   PhysicalDisk destinationDisk, EFIPartition destinationEFI)
+                                                   PhysicalDisk destinationDisk, EFIPartition destinationEFI,
+                                                   std::string destinationVolume)
 {
     leaveConfirmation(0, "Creating backup of existing EFI folder...");
     try {
         auto backup = createBackup(destPath, destinationDisk.name, destinationEFI.identifier);
         co_await backup;
+        auto requiring = requireVolume(*destinationEFI.mountPoint, destinationVolume);
+        co_await requiring;
         auto replacement = replaceAndVerify(sourcePath, destPath, sourceEFI, destinationEFI);
         co_await replacement;
     } catch (const std::exception &error) {
@@ -199,10 +211,13 @@ QCoro::Task<> EFICopyManager::performBackupAndCopy(std::string sourcePath, std::
 }
 
 QCoro::Task<> EFICopyManager::performOverwriteAndCopy(std::string sourcePath, std::string destPath,
-                                                      EFIPartition sourceEFI, EFIPartition destinationEFI)
+                                                      EFIPartition sourceEFI, EFIPartition destinationEFI,
+                                                      std::string destinationVolume)
 {
     leaveConfirmation(0.3, "Preparing to copy EFI folder...");
     try {
+        auto requiring = requireVolume(*destinationEFI.mountPoint, destinationVolume);
+        co_await requiring;
         auto replacement = replaceAndVerify(sourcePath, destPath, sourceEFI, destinationEFI);
         co_await replacement;
     } catch (const std::exception &error) {
@@ -216,13 +231,23 @@ QCoro::Task<> EFICopyManager::performCancel()
     co_return;
 }
 
+/// Throws where what the user was asked about is no longer there: nearly all sticks are mounted under the same name.
+QCoro::Task<> EFICopyManager::requireVolume(std::string mountPoint, std::string volume)
+{
+    auto telling = m_fileManager.volumeAt(mountPoint);
+    if (co_await telling != volume)
+        throw EFICopyError::copyFailed(
+            fmt::format("What is mounted at {} is not what it was when it was asked about", mountPoint));
+}
+
 /// What every copy to a partition ends with.
 QCoro::Task<> EFICopyManager::replaceAndVerify(std::string sourcePath, std::string destPath, EFIPartition sourceEFI,
                                                EFIPartition destinationEFI)
 {
     const UnfinishedWork::Piece piece(m_unfinishedWork);
     publish(fmt::format("Copying EFI from {} to {}...", sourceEFI.displayName(), destinationEFI.displayName()), 0.4);
-    if (m_fileManager.fileExists(destPath)) {
+    auto looking = m_fileManager.fileExists(destPath);
+    if (co_await looking) {
         publish("Removing existing EFI folder...", 0.5);
         auto removal = m_fileManager.removeItem(destPath);
         co_await removal;

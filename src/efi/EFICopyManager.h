@@ -110,11 +110,13 @@ private:
     void throwIfCancelled();
     QCoro::Task<> checkSource(std::string sourcePath);
     void raiseConfirmation(PhysicalDisk sourceDisk, EFIPartition sourceEFI, PhysicalDisk destinationDisk,
-                           EFIPartition destinationEFI);
+                           EFIPartition destinationEFI, const std::string &destinationVolume);
     QCoro::Task<> performBackupAndCopy(std::string sourcePath, std::string destPath, EFIPartition sourceEFI,
-                                       PhysicalDisk destinationDisk, EFIPartition destinationEFI);
+                                       PhysicalDisk destinationDisk, EFIPartition destinationEFI,
+                                       std::string destinationVolume);
     QCoro::Task<> performOverwriteAndCopy(std::string sourcePath, std::string destPath, EFIPartition sourceEFI,
-                                          EFIPartition destinationEFI);
+                                          EFIPartition destinationEFI, std::string destinationVolume);
+    QCoro::Task<> requireVolume(std::string mountPoint, std::string volume);
     QCoro::Task<> performCancel();
     QCoro::Task<> replaceAndVerify(std::string sourcePath, std::string destPath, EFIPartition sourceEFI,
                                    EFIPartition destinationEFI);

@@ -3,6 +3,7 @@
 #include "efi/EraseFlow.h"
 
 #include "base/DefaultsKeys.h"
+#include "base/FileExists.h"
 #include "base/Log.h"
 #include "base/Text.h"
 #include "records/FindDisk.h"
@@ -10,7 +11,6 @@
 
 #include <fmt/format.h>
 
-#include <filesystem>
 #include <string_view>
 #include <utility>
 
@@ -104,8 +104,11 @@ QCoro::Task<> RowActions::mount(PhysicalDisk disk, EFIPartition partition)
     co_await mounting;
     if (!isOn(m_model.userDefaults, DefaultsKeys::kAutoOpenFinderOnMount))
         co_return;
-    if (const EFIPartition *fresh = findEFIPartition(m_model.diskManager.disks(), partition.identifier))
-        open(*fresh);
+    const EFIPartition *const fresh = findEFIPartition(m_model.diskManager.disks(), partition.identifier);
+    if (!fresh)
+        co_return;
+    auto opening = open(*fresh);
+    co_await opening;
 }
 
 QCoro::Task<> RowActions::unmount(PhysicalDisk disk, EFIPartition partition)
@@ -119,19 +122,22 @@ QCoro::Task<> RowActions::unmount(PhysicalDisk disk, EFIPartition partition)
     co_await updating;
 }
 
-void RowActions::open(const EFIPartition &partition)
+QCoro::Task<> RowActions::open(EFIPartition partition)
 {
-    std::error_code ignored;
-    if (partition.mountPoint && std::filesystem::exists(*partition.mountPoint, ignored))
-        m_model.workspace.openFile(*partition.mountPoint);
+    if (partition.mountPoint) {
+        auto looking = fileExists(*partition.mountPoint);
+        if (co_await looking)
+            m_model.workspace.openFile(*partition.mountPoint);
+    }
     m_callbacks.onEFIOpened();
 }
 
-void RowActions::quickEdit(const EFIPartition &partition)
+QCoro::Task<> RowActions::quickEdit(EFIPartition partition)
 {
     if (!partition.mountPoint)
-        return;
-    if (const auto path = configPlistAt(*partition.mountPoint))
+        co_return;
+    auto looking = configPlistAt(*partition.mountPoint);
+    if (const std::optional<std::string> path = co_await looking)
         m_model.workspace.openFile(*path);
 }
 

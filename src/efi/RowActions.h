@@ -65,10 +65,10 @@ public:
     QCoro::Task<> unmount(PhysicalDisk disk, EFIPartition partition);
 
     /// Shows the folder that the partition is mounted at.
-    void open(const EFIPartition &partition);
+    QCoro::Task<> open(EFIPartition partition);
 
     /// Opens the config.plist of the mounted partition: OpenCore's, or else Clover's.
-    void quickEdit(const EFIPartition &partition);
+    QCoro::Task<> quickEdit(EFIPartition partition);
 
     /// Asks for a new name and gives it to the partition.
     QCoro::Task<> askToRenameEFI(PhysicalDisk disk, EFIPartition partition);

@@ -21,7 +21,11 @@ public:
 
     /// Something lies at \a path. A link to nothing counts as nothing; what the system can't tell, since the device
     /// fails, counts as something, so that nothing is taken for free that isn't.
-    [[nodiscard]] virtual bool fileExists(const std::string &path) const = 0;
+    [[nodiscard]] virtual QCoro::Task<bool> fileExists(std::string path) = 0;
+
+    /// What tells the volume that is mounted at \a mountPoint from every other, also from one that is mounted there
+    /// later; empty where nothing is there.
+    [[nodiscard]] virtual QCoro::Task<std::string> volumeAt(std::string mountPoint) = 0;
 
     /// The names in the folder, hidden ones too, in no order.
     [[nodiscard]] virtual QCoro::Task<std::vector<std::string>> contentsOfDirectory(std::string path) = 0;

@@ -1,11 +1,11 @@
 #include "privileged/EFIOperations.h"
 
 #include "base/DefaultsKeys.h"
+#include "base/FileExists.h"
 #include "base/Text.h"
 #include "detectors/ToolText.h"
 #include "records/Preferences.h"
 
-#include <filesystem>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -86,8 +86,10 @@ QCoro::Task<> EFIOperations::openMountPoint(std::string identifier)
     auto asking = info(std::move(identifier));
     const std::string text = co_await asking;
     const std::optional<std::string> mountPoint = mountPointIn(text);
-    std::error_code ignored;
-    if (mountPoint && std::filesystem::exists(*mountPoint, ignored))
+    if (!mountPoint)
+        co_return;
+    auto looking = fileExists(*mountPoint);
+    if (co_await looking)
         m_workspace.openFile(*mountPoint);
 }
 

@@ -173,8 +173,7 @@ private:
     QCoro::Task<> processNextDisks(ScanBatch *batch, CancellationToken token);
     QCoro::Task<std::optional<PhysicalDisk>> processDisk(std::string identifier, const DiskUsage *usage,
                                                          std::string section, CancellationToken token);
-    void detectBootloaders(PhysicalDisk &disk);
-    void detectBootloaderFlags(PhysicalDisk &disk);
+    [[nodiscard]] QCoro::Task<BootloaderFlags> bootloaderFlags(const PhysicalDisk &disk); ///< Keeps no reference.
     void endWithoutDisks();
     void publishDisks(std::vector<PhysicalDisk> disks);
     void closeRowsOfMissingDisks();
@@ -183,7 +182,7 @@ private:
     QCoro::Task<> autoMount(std::string identifier, std::string diskName);
     void setAutoMountingLater(bool isAutoMounting, std::string statusMessage);
 
-    void replaceEFIPartition(const EFIPartition &partition);
+    QCoro::Task<> replaceEFIPartition(EFIPartition partition);
     void setEFIState(const std::string &identifier, bool isMounted);
     void forgetDisk(const std::string &identifier);
     QCoro::Task<> erase(std::vector<std::string> arguments);
@@ -230,6 +229,6 @@ private:
 [[nodiscard]] const EFIPartition *mountedEFIPartition(const PhysicalDisk &disk);
 
 /// The configuration of the boot loader below \a mountPoint: OpenCore's, or else Clover's; nullopt where neither is.
-[[nodiscard]] std::optional<std::string> configPlistAt(const std::string &mountPoint);
+[[nodiscard]] QCoro::Task<std::optional<std::string>> configPlistAt(std::string mountPoint);
 
 } // namespace brindle

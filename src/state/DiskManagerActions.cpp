@@ -2,6 +2,7 @@
 
 #include "base/DefaultsKeys.h"
 #include "base/Error.h"
+#include "base/FileExists.h"
 #include "base/Log.h"
 #include "records/FindDisk.h"
 #include "records/Preferences.h"
@@ -26,15 +27,15 @@ constexpr std::array kConfigPaths{"EFI/OC/config.plist", "EFI/CLOVER/config.plis
 
 } // namespace
 
-std::optional<std::string> configPlistAt(const std::string &mountPoint)
+QCoro::Task<std::optional<std::string>> configPlistAt(std::string mountPoint)
 {
     for (const char *path : kConfigPaths) {
-        std::error_code ignored;
-        const auto file = std::filesystem::path(mountPoint) / path;
-        if (std::filesystem::exists(file, ignored))
-            return file.string();
+        const std::string file = std::filesystem::path(mountPoint) / path;
+        auto looking = fileExists(file);
+        if (co_await looking)
+            co_return file;
     }
-    return std::nullopt;
+    co_return std::nullopt;
 }
 
 QCoro::Task<> DiskManager::mountEFI(std::string identifier, std::string diskName)
@@ -55,19 +56,31 @@ QCoro::Task<> DiskManager::updateEFIPartitionState(std::string identifier)
     Log::line("🔄 Updating EFI partition state for {}", identifier);
     auto reading = m_efiOperations.partitionInfo(identifier);
     const std::optional<EFIPartition> partition = co_await reading;
-    if (partition)
-        replaceEFIPartition(*partition);
+    if (!partition)
+        co_return;
+    auto replacing = replaceEFIPartition(*partition);
+    co_await replacing;
 }
 
-void DiskManager::replaceEFIPartition(const EFIPartition &partition)
+QCoro::Task<> DiskManager::replaceEFIPartition(EFIPartition partition)
 {
-    const PhysicalDisk *const place = findDiskOfEFIPartition(m_disks, partition.identifier);
+    const auto renewed = [&](const PhysicalDisk *found) {
+        PhysicalDisk disk = *found;
+        std::ranges::replace(disk.efiPartitions, partition.identifier, partition, &EFIPartition::identifier);
+        return disk;
+    };
+    const PhysicalDisk *place = findDiskOfEFIPartition(m_disks, partition.identifier);
     if (!place)
-        return;
-    PhysicalDisk disk = *place;
-    std::ranges::replace(disk.efiPartitions, partition.identifier, partition, &EFIPartition::identifier);
-    detectBootloaderFlags(disk);
-    Log::line("   🔍 Bootloader re-detection — OC: {}, Clover: {}", disk.hasOpenCore, disk.hasClover);
+        co_return;
+    auto detection = bootloaderFlags(renewed(place));
+    const BootloaderFlags flags = co_await detection;
+    Log::line("   🔍 Bootloader re-detection — OC: {}, Clover: {}", flags.hasOpenCore, flags.hasClover);
+    place = findDiskOfEFIPartition(m_disks, partition.identifier);
+    if (!place)
+        co_return;
+    PhysicalDisk disk = renewed(place);
+    disk.hasOpenCore = flags.hasOpenCore;
+    disk.hasClover = flags.hasClover;
     m_disks[static_cast<std::size_t>(place - m_disks.data())] = disk;
     Q_EMIT disksChanged();
     setEFIState(disk.identifier, mountedEFIPartition(disk) != nullptr);
@@ -83,9 +96,11 @@ QCoro::Task<> DiskManager::openConfigPlist(std::string identifier)
         Log::line("   ⚠️ Auto-open config.plist: couldn't resolve mount point for {}", identifier);
         co_return;
     }
-    const std::optional<std::string> path = configPlistAt(*mountPoint);
+    const std::string diskName = disk->name;
+    auto looking = configPlistAt(*mountPoint);
+    const std::optional<std::string> path = co_await looking;
     if (!path) {
-        Log::line("   ⚠️ No config.plist found in OC or CLOVER folders for {}", disk->name);
+        Log::line("   ⚠️ No config.plist found in OC or CLOVER folders for {}", diskName);
         co_return;
     }
     Log::line("   📄 Auto-opening config.plist at {}", *path);

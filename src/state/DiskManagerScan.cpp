@@ -179,7 +179,11 @@ QCoro::Task<std::optional<PhysicalDisk>> DiskManager::processDisk(std::string id
 
     auto partitions = m_efiOperations.efiPartitions(identifier, section, token);
     disk.efiPartitions = co_await partitions;
-    detectBootloaders(disk);
+    disk.isBootDisk = m_cachedBootloaderInfo && m_cachedBootloaderInfo->bootDisk == identifier;
+    auto loaders = bootloaderFlags(disk);
+    const BootloaderFlags found = co_await loaders;
+    disk.hasOpenCore = found.hasOpenCore;
+    disk.hasClover = found.hasClover;
 
     const SpaceFigures space = spaceFigures(identifier, containerDisks(section), *usage);
     disk.usedSpaceBytes = space.usedSpaceBytes;
@@ -189,21 +193,12 @@ QCoro::Task<std::optional<PhysicalDisk>> DiskManager::processDisk(std::string id
     co_return disk;
 }
 
-void DiskManager::detectBootloaders(PhysicalDisk &disk)
-{
-    disk.isBootDisk = m_cachedBootloaderInfo && m_cachedBootloaderInfo->bootDisk == disk.identifier;
-    detectBootloaderFlags(disk);
-}
-
-void DiskManager::detectBootloaderFlags(PhysicalDisk &disk)
+QCoro::Task<BootloaderFlags> DiskManager::bootloaderFlags(const PhysicalDisk &disk)
 {
     const bool isBootloaderDisk = m_cachedBootloaderInfo && m_cachedBootloaderInfo->bootloaderDisk == disk.identifier;
     const EFIPartition *mounted = mountedEFIPartition(disk);
-    const BootloaderFlags flags =
-        m_bootloaderDetector.detectBootloaders(disk.identifier, disk.isBootDisk, isBootloaderDisk, mounted != nullptr,
-                                               mounted ? mounted->mountPoint : std::nullopt);
-    disk.hasOpenCore = flags.hasOpenCore;
-    disk.hasClover = flags.hasClover;
+    return m_bootloaderDetector.detectBootloaders(disk.identifier, disk.isBootDisk, isBootloaderDisk,
+                                                  mounted != nullptr, mounted ? mounted->mountPoint : std::nullopt);
 }
 
 void DiskManager::syncBootloaderInfo()

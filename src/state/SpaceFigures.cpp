@@ -12,6 +12,7 @@ namespace brindle {
 
 namespace {
 
+constexpr std::int64_t kLeast = std::numeric_limits<std::int64_t>::min();
 constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
 
 /// The first fields of a line of `df`: device, total, used, and one that only has to be there.
@@ -33,6 +34,8 @@ std::optional<Fields> firstFields(std::string_view line)
 
 std::optional<std::int64_t> integerIn(std::string_view text)
 {
+    if (text.starts_with('+') && !text.starts_with("+-"))
+        text.remove_prefix(1); // the only sign that is not read below
     std::int64_t number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     return error == std::errc() && end == text.data() + text.size() ? std::optional(number) : std::nullopt;
@@ -43,7 +46,9 @@ std::optional<std::int64_t> integerIn(std::string_view text)
 std::int64_t sumOf(std::int64_t left, std::int64_t right)
 {
     std::int64_t sum = 0;
-    return __builtin_add_overflow(left, right, &sum) ? kMost : sum;
+    if (__builtin_add_overflow(left, right, &sum))
+        return left < 0 ? kLeast : kMost; // of two with one sign only
+    return sum;
 }
 
 std::optional<std::int64_t> bytesOf(std::int64_t kibibytes)

@@ -11,6 +11,7 @@ T.CheckBox {
     implicitHeight: Math.max(20, implicitContentHeight)
     leftPadding: 24
     hoverEnabled: true
+    font.family: Theme.fontFamily
     font.pixelSize: Theme.body
     opacity: enabled ? 1 : Theme.disabledPercent / 100
     Accessible.role: Accessible.CheckBox

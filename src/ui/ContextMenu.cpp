@@ -4,12 +4,15 @@
 #include "views/Shown.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QIcon>
 #include <QMenu>
 #include <QPixmap>
 #include <QPointer>
 #include <QQuickWindow>
 #include <QWindow>
+
+#include <utility>
 
 namespace brindle {
 
@@ -18,13 +21,19 @@ namespace {
 constexpr int kSymbolSize = 16;
 constexpr int kCaptionSize = 10;
 
-QIcon iconOf(std::string_view symbol, const QMenu &menu)
+/// In the colours of the text beside it, which is another one where the pointer is.
+QIcon iconOf(std::string_view symbol, qreal ratio)
 {
-    const qreal ratio = menu.devicePixelRatioF();
-    const QColor color = menu.palette().color(QPalette::Text);
-    QPixmap pixmap = QPixmap::fromImage(SymbolProvider::draw(shown(symbol), color, qRound(kSymbolSize * ratio)));
-    pixmap.setDevicePixelRatio(ratio);
-    return pixmap;
+    const QPalette palette = QApplication::palette("QMenu"); // a menu has it only once it is shown
+    QIcon icon;
+    for (const auto &[mode, role] :
+         {std::pair(QIcon::Normal, QPalette::Text), std::pair(QIcon::Active, QPalette::HighlightedText)}) {
+        QPixmap pixmap =
+            QPixmap::fromImage(SymbolProvider::draw(shown(symbol), palette.color(role), qRound(kSymbolSize * ratio)));
+        pixmap.setDevicePixelRatio(ratio);
+        icon.addPixmap(pixmap, mode);
+    }
+    return icon;
 }
 
 /// A menu takes "&" for the mark of a shortcut.
@@ -61,7 +70,7 @@ void ContextMenu::add(QMenu &menu, const RowMenuEntry &entry, RowPresenter *row)
         action->setEnabled(false);
         return;
     }
-    action->setIcon(iconOf(entry.symbol, menu));
+    action->setIcon(iconOf(entry.symbol, menu.devicePixelRatioF()));
     connect(action, &QAction::triggered, row, [row, chosen = entry.action] { row->perform(chosen); });
 }
 

@@ -9,6 +9,7 @@ T.TextField {
     leftPadding: 8
     rightPadding: 8
     verticalAlignment: TextInput.AlignVCenter
+    font.family: Theme.fontFamily
     font.pixelSize: Theme.body
     color: Theme.primary
     selectionColor: Theme.accent

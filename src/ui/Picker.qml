@@ -11,6 +11,7 @@ T.ComboBox {
     leftPadding: 10
     rightPadding: 28
     hoverEnabled: true
+    font.family: Theme.fontFamily
     font.pixelSize: Theme.body
     Accessible.role: Accessible.ComboBox
     Accessible.name: name

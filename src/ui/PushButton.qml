@@ -28,6 +28,7 @@ T.Button {
     hoverEnabled: true
     focusPolicy: Qt.StrongFocus
     opacity: enabled ? 1 : Theme.disabledPercent / 100
+    font.family: Theme.fontFamily
     font.pixelSize: Theme.body
 
     Accessible.role: Accessible.Button

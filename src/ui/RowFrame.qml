@@ -42,9 +42,11 @@ Item {
     }
 
     Rectangle {
+        objectName: "rowSurface"
         anchors.fill: parent
         radius: 8
-        color: root.activeFocus ? Theme.rowSelected : hover.hovered ? Theme.rowHover : Theme.row
+        color: root.focus ? // also while its menu or a dialog has the keyboard
+                Theme.rowSelected : hover.hovered ? Theme.rowHover : Theme.row
         border.width: root.activeFocus && root.list.isByKeyboard ? 2 : 0
         border.color: Theme.focus
 

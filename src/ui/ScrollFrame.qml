@@ -14,18 +14,21 @@ Flickable {
 
     property Item revealed: null
 
+    readonly property int air: 12 // around what is revealed, where there is any
+
     // Brings a child into sight, for one that has got the keyboard. It stays there while the content is laid out.
     function reveal(item: Item): void {
         revealed = item;
         const top = item.mapToItem(holder, 0, 0).y;
-        if (top < contentY)
-            contentY = top;
-        else if (top + item.height > contentY + height)
-            contentY = top + item.height - height;
+        scrollTo(Math.max(top + item.height + air - height, Math.min(contentY, top - air)));
     }
 
     function scrollBy(distance: real): void {
-        contentY = Math.max(0, Math.min(contentY + distance, contentHeight - height));
+        scrollTo(contentY + distance);
+    }
+
+    function scrollTo(y: real): void {
+        contentY = Math.max(0, Math.min(y, contentHeight - height));
     }
 
     onHeightChanged: if (revealed) reveal(revealed)

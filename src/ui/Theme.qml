@@ -45,7 +45,8 @@ QtObject {
     readonly property color fieldBorder: isDark ? "#8D8F98" : "#84868E"
     readonly property color focus: isDark ? "#7AB6FF" : "#0B63CE"
 
-    // Font sizes.
+    // Fonts: one family, where the desktop has another for its own buttons too.
+    readonly property string fontFamily: Qt.application.font.family
     readonly property int largeTitle: 26
     readonly property int title2: 17
     readonly property int title3: 15

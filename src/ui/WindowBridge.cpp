@@ -22,6 +22,8 @@ void WindowBridge::paintMenus(const QColor &background, const QColor &text, cons
     QPalette palette(text, background, background, background, background, text, background);
     palette.setColor(QPalette::Highlight, highlight);
     palette.setColor(QPalette::HighlightedText, highlightedText);
+    palette.setColor(QPalette::ToolTipBase, background);
+    palette.setColor(QPalette::ToolTipText, text);
     for (const QPalette::ColorRole role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, dimmed);
     QApplication::setPalette(palette, "QMenu");

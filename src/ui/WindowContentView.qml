@@ -14,6 +14,7 @@ Rectangle {
     onMenuColorsChanged: paintMenus()
     Component.onCompleted: paintMenus()
 
+    focus: true // until a row or a button has the keyboard
     color: Theme.window
     radius: WindowBridge.isComposited ? Theme.windowRadius : 0
     border.width: WindowBridge.isComposited ? 0 : 1

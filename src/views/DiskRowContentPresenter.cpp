@@ -53,13 +53,15 @@ DiskRowContentPresenter::DiskRowContentPresenter(DiskRowContent content, const U
     connect(&defaults, &UserDefaults::valueChanged, this, &DiskRowContentPresenter::readSettings);
 }
 
-void DiskRowContentPresenter::setDisk(PhysicalDisk disk, bool efiMounted)
+bool DiskRowContentPresenter::setDisk(PhysicalDisk disk, bool efiMounted)
 {
     DiskRowContent before = m_content;
     m_content.disk = std::move(disk);
     m_content.efiMounted = efiMounted;
-    if (!looksLike(before, m_content))
+    const bool isChange = !looksLike(before, m_content);
+    if (isChange)
         Q_EMIT changed();
+    return isChange;
 }
 
 void DiskRowContentPresenter::setColorScheme(ColorScheme colorScheme)

@@ -64,8 +64,8 @@ public:
     DiskRowContentPresenter(DiskRowContent content, const UserDefaults &defaults, QObject *parent = nullptr);
 
     /// A newer record of the disk, told as a change where anything shown differs: records that are equal may look
-    /// different.
-    void setDisk(PhysicalDisk disk, bool efiMounted);
+    /// different. Gives whether it was told.
+    bool setDisk(PhysicalDisk disk, bool efiMounted);
     void setColorScheme(ColorScheme colorScheme);
 
     [[nodiscard]] RowSymbolValue icon() const;

@@ -35,11 +35,13 @@ void DiskRowPresenter::setDisk(PhysicalDisk disk)
     const std::vector<RowButton> buttons = rowButtons();
     const bool hadChevron = hasChevron();
     const bool hadUUID = m_disk.mediaUUID.has_value();
+    const double wholeHeightBefore = wholeHeight();
     m_disk = std::move(disk);
     updatePartitions();
     const DiskRowContent content = contentOf(m_disk);
-    m_content.setDisk(content.disk, content.efiMounted);
-    if (buttons != rowButtons() || hadChevron != hasChevron() || hadUUID != m_disk.mediaUUID.has_value())
+    const bool isTold = m_content.setDisk(content.disk, content.efiMounted);
+    if (!isTold && (buttons != rowButtons() || hadChevron != hasChevron() || hadUUID != m_disk.mediaUUID.has_value() ||
+                    wholeHeightBefore != wholeHeight()))
         Q_EMIT changed();
 }
 

@@ -89,11 +89,11 @@ void RowPresenter::performOnPartition(RowAction action, const EFIPartition &part
     if (action == RowAction::toggleMount)
         begin([disk = disk(), partition](RowActions &actions) { return actions.toggle(disk, partition); });
     else if (action == RowAction::open)
-        m_actions->open(partition);
+        begin([partition](RowActions &actions) { return actions.open(partition); });
     else if (action == RowAction::copyEFI)
         m_surroundings.onCopyEFI(disk(), partition);
     else if (action == RowAction::quickEdit)
-        m_actions->quickEdit(partition);
+        begin([partition](RowActions &actions) { return actions.quickEdit(partition); });
     else if (action == RowAction::renameEFI)
         begin([disk = disk(), partition](RowActions &actions) { return actions.askToRenameEFI(disk, partition); });
     else

@@ -23,7 +23,15 @@ public:
 
     void release() { m_release.complete(true); }
 
-    [[nodiscard]] bool fileExists(const std::string &path) const override { return m_real.fileExists(path); }
+    [[nodiscard]] QCoro::Task<bool> fileExists(std::string path) override
+    {
+        return m_real.fileExists(std::move(path));
+    }
+
+    [[nodiscard]] QCoro::Task<std::string> volumeAt(std::string mountPoint) override
+    {
+        return m_real.volumeAt(std::move(mountPoint));
+    }
 
     [[nodiscard]] QCoro::Task<std::vector<std::string>> contentsOfDirectory(std::string path) override
     {

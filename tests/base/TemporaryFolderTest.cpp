@@ -53,6 +53,33 @@ TEST_F(TemporaryFolder, IsAnotherOneEachTime)
     EXPECT_NE(makeTemporaryFolder("demo"), makeTemporaryFolder("demo"));
 }
 
+TEST_F(TemporaryFolder, LiesInTmpWhereNoFolderIsNamed)
+{
+    ::setenv("TMPDIR", "", 1);
+    const fs::path withEmptyName = makeTemporaryFolder("test");
+    ::unsetenv("TMPDIR");
+    const fs::path withoutName = makeTemporaryFolder("test");
+    fs::remove(withEmptyName);
+    fs::remove(withoutName);
+
+    EXPECT_EQ(withEmptyName.parent_path(), "/tmp");
+    EXPECT_EQ(withoutName.parent_path(), "/tmp");
+}
+
+TEST_F(TemporaryFolder, NamesTheFolderThatIsMissing)
+{
+    const std::string missing = parent / "gone";
+    ::setenv("TMPDIR", missing.c_str(), 1);
+
+    try {
+        (void)makeTemporaryFolder("test");
+        FAIL() << "a folder was made";
+    } catch (const Error &error) {
+        EXPECT_EQ(error.localizedDescription(),
+                  "No temporary folder can be made in " + missing + ": No such file or directory");
+    }
+}
+
 TEST_F(TemporaryFolder, FailsWithTheSystemsWords)
 {
     EXPECT_THROW((void)makeTemporaryFolder("no-such-folder/demo"), Error);

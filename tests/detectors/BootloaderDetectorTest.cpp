@@ -1,5 +1,6 @@
 #include "detectors/BootloaderDetector.h"
 
+#include "base/BlockOn.h"
 #include "support/LogCapture.h"
 
 #include <gmock/gmock.h>
@@ -73,7 +74,7 @@ TEST_P(EFIFiles, TellTheBootLoaders)
     const LogCapture log;
     const MountedEFI efi(GetParam().paths);
 
-    const BootloaderFlags flags = BootloaderDetector::scanEFIFiles(efi.mountPoint());
+    const BootloaderFlags flags = blockOn(BootloaderDetector::scanEFIFiles(efi.mountPoint()));
 
     EXPECT_EQ(flags, GetParam().flags);
     std::vector<std::string> lines;
@@ -106,7 +107,7 @@ TEST(BootloaderDetector, FindsNothingAtAMountPointThatHasGone)
     const MountedEFI efi({"EFI/OC/OpenCore.efi"});
     efi.removeAll();
 
-    EXPECT_EQ(BootloaderDetector::scanEFIFiles(efi.mountPoint()), kNeither);
+    EXPECT_EQ(blockOn(BootloaderDetector::scanEFIFiles(efi.mountPoint())), kNeither);
     EXPECT_THAT(log.lines(), IsEmpty());
 }
 
@@ -116,7 +117,7 @@ TEST(BootloaderDetector, PutsTheMountPointInFrontOfThePathAsItIs)
     const MountedEFI efi({"a b%20$(c)/EFI/OC/OpenCore.efi"});
     const std::string mountPoint = efi.mountPoint() + "//a b%20$(c)";
 
-    EXPECT_EQ(BootloaderDetector::scanEFIFiles(mountPoint), kOpenCore);
+    EXPECT_EQ(blockOn(BootloaderDetector::scanEFIFiles(mountPoint)), kOpenCore);
     EXPECT_THAT(log.lines(), ElementsAre("   ✅ OpenCore confirmed at " + mountPoint + "/EFI/OC"));
 }
 
@@ -133,8 +134,8 @@ protected:
 
     BootloaderFlags detect(const Disk &disk, const std::string &identifier = "disk0")
     {
-        return detector.detectBootloaders(identifier, disk.isBootDisk, disk.isBootloaderDisk, disk.efiMounted,
-                                          disk.efiMountPoint);
+        return blockOn(detector.detectBootloaders(identifier, disk.isBootDisk, disk.isBootloaderDisk, disk.efiMounted,
+                                                  disk.efiMountPoint));
     }
 
     static Disk mountedAt(const MountedEFI &efi) { return {.efiMounted = true, .efiMountPoint = efi.mountPoint()}; }

@@ -54,6 +54,16 @@ std::optional<CopyStage> endByLook(CopyFlow flow, int which, int errorNumber)
     return std::nullopt;
 }
 
+/// The functions that a flow calls, by the kernel's copying of bytes or by hand.
+std::set<std::string> functionsOf(const FlowCase &flow)
+{
+    const auto known = FileFaults::functions();
+    std::set<std::string> functions(known.begin(), known.end());
+    if (!flow.stages.contains(CopyStage::removal))
+        functions.erase("unlinkat");
+    return functions;
+}
+
 class EFICopyFaultsTest : public testing::TestWithParam<std::tuple<FlowCase, ErrorCase>> {
 protected:
     /// Lets each call of \a whole fail that is not left out, and prints what the user reads at the end.
@@ -113,38 +123,48 @@ TEST_P(EFICopyFaultsTest, EveryCallThatFailsEndsAsItsStageDoes)
 
     failEach(byHand, Bytes::byHand, std::set(functions));
 
-    const auto known = FileFaults::functions();
-    std::set<std::string> expected(known.begin(), known.end());
-    if (!std::get<0>(GetParam()).stages.contains(CopyStage::removal))
-        expected.erase("unlinkat");
-    EXPECT_EQ(functions, expected) << "a pair of call and error is missing";
+    EXPECT_EQ(functions, functionsOf(std::get<0>(GetParam()))) << "a pair of call and error is missing";
     EXPECT_EQ(stages, std::get<0>(GetParam()).stages);
 }
 
-class EFICopyKilledTest : public testing::TestWithParam<FlowCase> {};
+class EFICopyKilledTest : public testing::TestWithParam<FlowCase> {
+protected:
+    /// Kills the process at each call of the flow to a function that is not left out.
+    void killAtEach(Bytes bytes, const std::set<std::string> &leftOut)
+    {
+        EFICopyFlowRun whole(GetParam().flow, bytes);
+        whole.perform(std::nullopt);
+        whole.expectSuccess();
+        for (std::size_t i = 0; i < whole.calls().size(); ++i) {
+            const auto &[function, which] = whole.calls()[i];
+            if (leftOut.contains(function))
+                continue;
+            SCOPED_TRACE(fmt::format("killed at {} {}", function, which));
+            EFICopyFlowRun run(GetParam().flow, bytes);
+            QThreadPool::globalInstance()->waitForDone(); // and no thread is left that the child would miss
+            const pid_t child = startChild([&] { run.perform(FileFault{{function, which}}); });
+
+            EXPECT_EQ(endOf(child), -SIGKILL);
+            run.expectTreesAfter(whole.stageOf(i));
+            functions.insert(function);
+            stages.insert(whole.stageOf(i));
+            std::cout << fmt::format("{} {} | killed\n", function, which);
+        }
+    }
+
+    std::set<std::string> functions;
+    std::set<CopyStage> stages;
+};
 
 INSTANTIATE_TEST_SUITE_P(Of, EFICopyKilledTest, testing::ValuesIn(flows()),
                          [](const auto &row) { return row.param.name; });
 
 TEST_P(EFICopyKilledTest, LeavesTheSourceAndTheOldFolderOrItsBackupWhole)
 {
-    EFICopyFlowRun whole(GetParam().flow);
-    whole.perform(std::nullopt);
-    std::set<CopyStage> stages;
+    killAtEach(Bytes::byTheKernel, {});
+    killAtEach(Bytes::byHand, std::set(functions));
 
-    for (std::size_t i = 0; i < whole.calls().size(); ++i) {
-        const auto &[function, which] = whole.calls()[i];
-        SCOPED_TRACE(fmt::format("killed at {} {}", function, which));
-        EFICopyFlowRun run(GetParam().flow);
-        QThreadPool::globalInstance()->waitForDone(); // and no thread is left that the child would miss
-        const pid_t child = startChild([&] { run.perform(FileFault{{function, which}}); });
-
-        EXPECT_EQ(endOf(child), -SIGKILL);
-        run.expectTreesAfter(whole.stageOf(i));
-        stages.insert(whole.stageOf(i));
-        std::cout << fmt::format("{} {} | killed\n", function, which);
-    }
-
+    EXPECT_EQ(functions, functionsOf(GetParam())) << "a call is missing";
     EXPECT_EQ(stages, GetParam().stages);
 }
 

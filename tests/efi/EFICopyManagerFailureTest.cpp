@@ -239,6 +239,25 @@ TEST_F(EFICopyManagerFailureTest, EndsAFailedCopyAfterAChoiceAndKeepsTheBackup)
     EXPECT_FALSE(fs::exists(destinationEFI())) << "nothing is rolled back";
 }
 
+TEST_F(EFICopyManagerFailureTest, LeavesAloneWhatIsMountedThereInsteadByTheTimeOfTheChoice)
+{
+    for (const auto choice : {&Confirmation::onBackup, &Confirmation::onOverwrite}) {
+        raiseDialog();
+        const fs::path mountPoint = destinationEFI().parent_path();
+        fs::remove_all(folder() / "unplugged");
+        fs::rename(mountPoint, folder() / "unplugged");
+        writeFile(destinationEFI() / "OTHER/other.efi", "of another stick");
+        const auto other = treeOf(destinationEFI());
+        dialogs.savePaths = {backup().string()};
+
+        choose(choice);
+
+        EXPECT_EQ(manager.operationStatus(), "Operation failed: Copy operation failed: What is mounted at " +
+                                                 mountPoint.string() + " is not what it was when it was asked about");
+        EXPECT_EQ(treeOf(destinationEFI()), other);
+    }
+}
+
 TEST_F(EFICopyManagerFailureTest, EndsAFailedRemovalAfterAChoice)
 {
     raiseDialog();

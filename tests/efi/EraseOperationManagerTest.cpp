@@ -34,6 +34,25 @@ protected:
         QObject::connect(&manager, signal, [this, name] { signalled.emplace_back(name); });
     }
 
+    void noteAll()
+    {
+        note(&EraseOperationManager::isActiveChanged, "isActive");
+        note(&EraseOperationManager::stageChanged, "stage");
+        note(&EraseOperationManager::dialogTitleChanged, "dialogTitle");
+        note(&EraseOperationManager::diskNameChanged, "diskName");
+        note(&EraseOperationManager::volumeNameChanged, "volumeName");
+        note(&EraseOperationManager::warningTextChanged, "warningText");
+        note(&EraseOperationManager::confirmNameChanged, "confirmName");
+        note(&EraseOperationManager::confirmInputChanged, "confirmInput");
+        note(&EraseOperationManager::confirmMismatchChanged, "confirmMismatch");
+        note(&EraseOperationManager::formatOptionsChanged, "formatOptions");
+        note(&EraseOperationManager::selectedFormatIndexChanged, "selectedFormatIndex");
+        note(&EraseOperationManager::allowPartitionScopeChanged, "allowPartitionScope");
+        note(&EraseOperationManager::eraseScopeChanged, "eraseScope");
+        note(&EraseOperationManager::statusMessageChanged, "statusMessage");
+        note(&EraseOperationManager::resultMessageChanged, "resultMessage");
+    }
+
     EraseOperationManager manager;
     std::vector<std::string> erased;
     std::vector<std::string> signalled;
@@ -68,15 +87,7 @@ TEST_F(EraseOperationManagerTest, OffersFourFormatsInOrderMadeOnce)
 
 TEST_F(EraseOperationManagerTest, FillsAllFieldsAndShowsTheDialogLast)
 {
-    note(&EraseOperationManager::dialogTitleChanged, "dialogTitle");
-    note(&EraseOperationManager::diskNameChanged, "diskName");
-    note(&EraseOperationManager::volumeNameChanged, "volumeName");
-    note(&EraseOperationManager::warningTextChanged, "warningText");
-    note(&EraseOperationManager::confirmNameChanged, "confirmName");
-    note(&EraseOperationManager::formatOptionsChanged, "formatOptions");
-    note(&EraseOperationManager::allowPartitionScopeChanged, "allowPartitionScope");
-    note(&EraseOperationManager::eraseScopeChanged, "eraseScope");
-    note(&EraseOperationManager::isActiveChanged, "isActive");
+    noteAll();
 
     manager.open(request());
 
@@ -91,6 +102,34 @@ TEST_F(EraseOperationManagerTest, FillsAllFieldsAndShowsTheDialogLast)
     EXPECT_TRUE(manager.allowPartitionScope());
     EXPECT_EQ(manager.eraseScope(), EraseScope::partition);
     EXPECT_TRUE(manager.isActive());
+}
+
+TEST_F(EraseOperationManagerTest, FillsEveryFieldInOneOrderWhateverItHeldBefore)
+{
+    manager.open({.dialogTitle = "Old title",
+                  .diskName = "Old disk",
+                  .volumeName = "Old volume",
+                  .warningText = "Old warning",
+                  .confirmName = "Old",
+                  .formatOptions = eraseFormatOptions(),
+                  .allowPartitionScope = false,
+                  .eraseScope = EraseScope::wholeDisk,
+                  .onErase = {}});
+    manager.setSelectedFormatIndex(3);
+    manager.setConfirmInput("Old");
+    manager.confirm();
+    manager.setConfirmInput("wrong");
+    manager.confirm();
+    manager.dismiss();
+    manager.finish(Stage::failed, "It failed");
+    noteAll();
+
+    manager.open(request());
+
+    EXPECT_THAT(signalled,
+                ElementsAre("dialogTitle", "diskName", "volumeName", "warningText", "confirmName", "confirmInput",
+                            "confirmMismatch", "formatOptions", "selectedFormatIndex", "allowPartitionScope",
+                            "eraseScope", "statusMessage", "resultMessage", "stage", "isActive"));
 }
 
 TEST_F(EraseOperationManagerTest, ForgetsTheFormerDialogAtAnOpening)

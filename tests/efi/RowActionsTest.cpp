@@ -199,9 +199,9 @@ TEST_F(RowActionsTest, ShowsAMountPointThatIsThereAndTellsOfItInAnyCase)
     EFIPartition gone = mounted;
     gone.mountPoint = root() + "/Volumes/Gone";
 
-    actions.open(mounted);
-    actions.open(gone);
-    actions.open(unmounted);
+    finished(actions.open(mounted));
+    finished(actions.open(gone));
+    finished(actions.open(unmounted));
 
     EXPECT_THAT(journal, ElementsAre("open " + mountPoint(), "opened", "opened", "opened"));
 }
@@ -211,13 +211,13 @@ TEST_F(RowActionsTest, OpensOpenCoresConfigOrElseCloversForAQuickEdit)
     RowActions actions = row();
     const EFIPartition mounted = mountedPartition();
 
-    actions.quickEdit(unmounted);
-    actions.quickEdit(mounted);
+    finished(actions.quickEdit(unmounted));
+    finished(actions.quickEdit(mounted));
     EXPECT_THAT(journal, IsEmpty());
     writeFile(mountPoint() + "/EFI/CLOVER/config.plist", "");
-    actions.quickEdit(mounted);
+    finished(actions.quickEdit(mounted));
     writeFile(mountPoint() + "/EFI/OC/config.plist", "");
-    actions.quickEdit(mounted);
+    finished(actions.quickEdit(mounted));
 
     EXPECT_THAT(journal, ElementsAre("open " + mountPoint() + "/EFI/CLOVER/config.plist",
                                      "open " + mountPoint() + "/EFI/OC/config.plist"));

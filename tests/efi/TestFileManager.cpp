@@ -15,9 +15,14 @@ void TestFileManager::failIfTold(const std::string &operation)
         throw *next;
 }
 
-bool TestFileManager::fileExists(const std::string &path) const
+QCoro::Task<bool> TestFileManager::fileExists(std::string path)
 {
     return m_real.fileExists(path);
+}
+
+QCoro::Task<std::string> TestFileManager::volumeAt(std::string mountPoint)
+{
+    return m_real.volumeAt(std::move(mountPoint));
 }
 
 QCoro::Task<std::vector<std::string>> TestFileManager::contentsOfDirectory(std::string path)

@@ -21,7 +21,8 @@ public:
     /// "copy FROM TO", "remove PATH", "list PATH".
     std::vector<std::string> asked;
 
-    [[nodiscard]] bool fileExists(const std::string &path) const override;
+    [[nodiscard]] QCoro::Task<bool> fileExists(std::string path) override;
+    [[nodiscard]] QCoro::Task<std::string> volumeAt(std::string mountPoint) override;
     [[nodiscard]] QCoro::Task<std::vector<std::string>> contentsOfDirectory(std::string path) override;
     QCoro::Task<> copyItem(std::string from, std::string to, CancellationToken token = {}) override;
     [[nodiscard]] QCoro::Task<TreeComparison> compareItems(std::string first, std::string second) override;

@@ -12,6 +12,7 @@ using testing::IsEmpty;
 using testing::Pair;
 using testing::SizeIs;
 
+constexpr std::int64_t kLeast = std::numeric_limits<std::int64_t>::min();
 constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
 
 // --- df
@@ -53,6 +54,8 @@ INSTANTIATE_TEST_SUITE_P(
         LineCase{"WithANumberFurtherOn", "/dev/diskette/disk7s1 10 5 5", 1},
         LineCase{"WithoutATotal", "/dev/disk1 - 5 5", 0}, LineCase{"WithoutAUsed", "/dev/disk1 10 - 5", 0},
         LineCase{"WithAFraction", "/dev/disk1 10.5 5 5", 0}, LineCase{"WithAUnit", "/dev/disk1 10G 5G 5G", 0},
+        LineCase{"WithAPlus", "/dev/disk1 +10 +5 5", 1}, LineCase{"WithAMinus", "/dev/disk1 -10 -5 5", 1},
+        LineCase{"WithTwoSigns", "/dev/disk1 +-10 5 5", 0}, LineCase{"WithASignAlone", "/dev/disk1 + 5 5", 0},
         LineCase{"WithMoreThanAnIntegerHolds", "/dev/disk1 9223372036854775808 5 5", 0}, LineCase{"OfNothing", "", 0},
         LineCase{"EndingInACarriageReturn", "/dev/disk1 10 5 5\r\n", 1}),
     [](const auto &row) { return row.param.name; });
@@ -116,6 +119,13 @@ TEST(SpaceFigures, AreAbsentBelowOne)
     EXPECT_EQ(spaceFigures("disk0", {}, {{"disk0", {{.used = 0, .total = 0}}}}), SpaceFigures());
     EXPECT_EQ(spaceFigures("disk0", {}, {{"disk0", {{.used = -1, .total = 1}}}}),
               (SpaceFigures{.usedSpaceBytes = {}, .totalSpaceBytes = 1024}));
+}
+
+TEST(SpaceFigures, AreAbsentForASumThatLiesBelowTheSmallestNumber)
+{
+    const DiskUsage usage{{"disk0", {{.used = kLeast, .total = kLeast}, {.used = kLeast, .total = -1}}}};
+
+    EXPECT_EQ(spaceFigures("disk0", {}, usage), SpaceFigures());
 }
 
 TEST(SpaceFigures, StopAtTheLargestNumberInsteadOfOverflowing)

@@ -2,6 +2,7 @@
 
 #include <QAbstractEventDispatcher>
 #include <QEventLoop>
+#include <QThreadPool>
 
 #include <algorithm>
 #include <cstdint>
@@ -25,8 +26,12 @@ struct Entry {
 
 void drainEventLoop()
 {
-    while (QAbstractEventDispatcher::instance()->processEvents(QEventLoop::AllEvents)) {
-    }
+    QAbstractEventDispatcher *const dispatcher = QAbstractEventDispatcher::instance();
+    do {
+        while (dispatcher->processEvents(QEventLoop::AllEvents)) {
+        }
+        QThreadPool::globalInstance()->waitForDone(); // what a task has handed to another thread
+    } while (dispatcher->processEvents(QEventLoop::AllEvents));
 }
 
 struct ManualClock::State {

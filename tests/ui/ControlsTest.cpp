@@ -117,6 +117,43 @@ TEST(ScrollFrame, ScrollsToWhatIsRevealed)
     EXPECT_EQ(window.valueOf<double>(QStringLiteral("frame"), "contentY"), 250);
 }
 
+TEST(ScrollFrame, LeavesAirAroundWhatIsRevealed)
+{
+    QmlWindow window(R"(ScrollFrame {
+                            id: frame
+                            objectName: "frame"
+                            width: 500
+                            height: 100
+                            function showMiddle() { reveal(middle); }
+                            Column {
+                                Rectangle { width: 10; height: 300 }
+                                Rectangle { id: middle; width: 10; height: 50 }
+                                Rectangle { width: 10; height: 300 }
+                            }
+                        })");
+
+    QMetaObject::invokeMethod(&window.root(), "showMiddle");
+
+    EXPECT_EQ(window.valueOf<double>(QStringLiteral("frame"), "contentY"), 262); // 300 + 50 + 12 - 100
+}
+
+TEST(PushButton, HasTheFontOfTheTextAroundIt)
+{
+    QmlWindow window(R"(Column {
+                            PushButton { objectName: "button"; text: "Copy EFI" }
+                            CheckBox { objectName: "box"; text: "Overwrite" }
+                            InputField { objectName: "field"; text: "WORK" }
+                            PlainText { objectName: "text"; text: "Copy EFI" }
+                        })");
+
+    const auto family = [&](const char *item) {
+        return window.valueOf<QFont>(QString::fromLatin1(item), "font").family().toStdString();
+    };
+
+    for (const char *control : {"button", "box", "field"})
+        EXPECT_EQ(family(control), family("text")) << control;
+}
+
 TEST(PlainText, ObeysNoMarkup)
 {
     QmlWindow window(R"(PlainText { objectName: "text"; text: "<b>Stick</b>" })");

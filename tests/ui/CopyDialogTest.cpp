@@ -236,6 +236,7 @@ INSTANTIATE_TEST_SUITE_P(By, CopyConfirmationDismissed, testing::ValuesIn(kDismi
 INSTANTIATE_TEST_SUITE_P(
     ByButton, CopyConfirmationDismissed,
     testing::Values(Dismissal{"Cancel", [](QmlWindow &window) { window.click(QStringLiteral("option2")); }},
+                    Dismissal{"SpaceAtFirst", [](QmlWindow &window) { window.press(Qt::Key_Space); }},
                     Dismissal{"ReturnAtFirst", [](QmlWindow &window) { window.press(Qt::Key_Return); }},
                     Dismissal{"ReturnOnOverwrite",
                               [](QmlWindow &window) {
@@ -294,6 +295,21 @@ TEST_F(CopyDialogTest, CopiesNothingToADiskThatHasGone)
 
     EXPECT_EQ(manager.operationStatus(), "");
     EXPECT_FALSE(std::filesystem::exists(folder() / "destination/EFI"));
+}
+
+TEST_F(CopyDialogTest, AsksForThePlaceOfTheBackupWithSpaceOnTheOptionThatSaysSo)
+{
+    writeOldEFI();
+    open(578);
+    copyUntilConfirmation();
+
+    window().press(Qt::Key_Up);
+    window().press(Qt::Key_Up);
+    window().press(Qt::Key_Space);
+    waitForEnd();
+
+    EXPECT_EQ(dialogs.savePanels.size(), 1U);
+    EXPECT_TRUE(oldEFIIsThere()) << "the panel was cancelled";
 }
 
 TEST_F(CopyDialogTest, OverwritesWithSpaceOnTheOptionThatSaysSo)

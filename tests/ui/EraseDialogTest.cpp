@@ -27,6 +27,16 @@ TEST_F(EraseDialogTest, AsksForTheNameWithTheKeyboardInItsField)
     EXPECT_FALSE(window().shows(QStringLiteral("mismatchText")));
 }
 
+TEST_F(EraseDialogTest, IsNotScrolledWhereAllOfItHasRoom)
+{
+    openForDisk();
+    waitForStillness(window());
+
+    const QQuickItem &title = window().item(QStringLiteral("eraseTitle"));
+
+    EXPECT_GT(title.mapToScene({}).y(), 44); // the symbol's height
+}
+
 TEST_F(EraseDialogTest, ErasesTheVolumeOnceItsNameIsTyped)
 {
     openForDisk();
@@ -165,6 +175,25 @@ INSTANTIATE_TEST_SUITE_P(
                                   window.press(Qt::Key_Enter);
                               },
                               false},
+                    Dismissal{"ReturnOnErase",
+                              [](QmlWindow &window) {
+                                  window.tabTo("eraseButton");
+                                  window.press(Qt::Key_Return);
+                                  window.press(Qt::Key_Enter);
+                              },
+                              false},
+                    Dismissal{"ReturnOnCancel",
+                              [](QmlWindow &window) {
+                                  window.tabTo("cancelButton");
+                                  window.press(Qt::Key_Return);
+                              },
+                              true},
+                    Dismissal{"SpaceOnCancel",
+                              [](QmlWindow &window) {
+                                  window.tabTo("cancelButton");
+                                  window.press(Qt::Key_Space);
+                              },
+                              true},
                     Dismissal{"FocusLost",
                               [](QmlWindow &window) {
                                   QQuickWindow other;

@@ -107,6 +107,22 @@ TEST_F(QtDialogsTest, ShowsAnAlertOverTheWindowInFront)
     EXPECT_THAT(alertWindows(), IsEmpty());
 }
 
+TEST_F(QtDialogsTest, AsksTheDesktopForTheFrameOfADialogThatCanOnlyBeClosed)
+{
+    auto answer = dialogs.alert(question);
+    QQuickWindow &window = alertWindow();
+
+    EXPECT_EQ(window.type(), Qt::Dialog);
+    for (const Qt::WindowType button : {Qt::WindowMinimizeButtonHint, Qt::WindowMaximizeButtonHint})
+        EXPECT_FALSE(window.flags().testFlag(button));
+    EXPECT_TRUE(window.flags().testFlag(Qt::WindowCloseButtonHint));
+    EXPECT_TRUE(window.flags().testFlag(Qt::CustomizeWindowHint)) << "the desktop would add its own buttons";
+    EXPECT_EQ(window.minimumSize(), window.maximumSize());
+
+    window.close();
+    EXPECT_EQ(blockOn(std::move(answer), 5s), 2U);
+}
+
 struct AnswerCase {
     const char *name;
     std::function<void(QQuickWindow &)> answer;
@@ -228,10 +244,10 @@ protected:
         setColorScheme(main.engine(), GetParam());
         keepPicture(window.grabWindow(), name + (GetParam() == ColorScheme::dark ? "-dark" : "-light"));
         const QRectF frame(QPointF(), window.size());
+        ASSERT_TRUE(find(window, QStringLiteral("button0")));
         for (const QString &button : {QStringLiteral("button0"), QStringLiteral("button1")}) {
-            const QQuickItem *item = find(window, button);
-            ASSERT_TRUE(item);
-            EXPECT_TRUE(frame.contains(item->mapRectToScene(QRectF(0, 0, item->width(), item->height()))));
+            if (const QQuickItem *item = find(window, button))
+                EXPECT_TRUE(frame.contains(item->mapRectToScene(QRectF(0, 0, item->width(), item->height()))));
         }
         setColorScheme(main.engine(), ColorScheme::light);
         press(window, Qt::Key_Escape);
@@ -270,6 +286,20 @@ TEST_P(DialogPictures, ShowATextPromptWithALongName)
     expectPicture("prompt-rename");
 
     EXPECT_EQ(blockOn(std::move(answer), 5s), std::nullopt);
+}
+
+TEST_P(DialogPictures, ShowAWarning)
+{
+    auto answer = dialogs.alert(
+        {.messageText = "Administrator Password Required",
+         .informativeText = "Brindle requires administrator privileges to mount/unmount EFI partitions. You can set "
+                            "this up later in Settings.",
+         .style = AlertStyle::warning,
+         .buttons = {"OK"}});
+
+    expectPicture("alert-warning");
+
+    EXPECT_EQ(blockOn(std::move(answer), 5s), 0U);
 }
 
 TEST_P(DialogPictures, ShowAnAlertLongerThanTheScreen)

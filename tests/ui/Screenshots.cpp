@@ -6,6 +6,7 @@
 #include "ui/WindowBridge.h"
 
 #include "shell/ViewHeightCalculator.h"
+#include "shell/WindowHeight.h"
 
 #include <QApplication>
 #include <QDir>
@@ -28,8 +29,8 @@ protected:
     {
         if (!m_window) {
             const std::vector<PhysicalDisk> &disks = manager().disks();
-            const double height =
-                ViewHeightCalculator(defaults).contentHeight(disks.size(), manager().expandedDisks(), disks);
+            const double height = windowHeight(
+                ViewHeightCalculator(defaults).contentHeight(disks.size(), manager().expandedDisks(), disks), screen);
             m_window.emplace(QStringLiteral("WindowContentView { width: 500; height: %1 }").arg(height).toUtf8(),
                              qRound(height),
                              QVariantMap{{QStringLiteral("presenter"), QVariant::fromValue(&content())}});
@@ -42,6 +43,8 @@ protected:
         }
         return *m_window;
     }
+
+    double screen = 1080; ///< Its height.
 
     void save(const char *name)
     {
@@ -135,6 +138,22 @@ TEST_P(Screenshots, FullRows)
     one.smartStatus = SMARTStatus::verified;
     hold({one, full});
     save("full-rows");
+}
+
+TEST_P(Screenshots, ListOnALowScreen)
+{
+    screen = 600;
+    std::vector<PhysicalDisk> disks = machine();
+    for (PhysicalDisk disk : machine()) {
+        disk.identifier += "0";
+        disk.isBootDisk = false;
+        disks.push_back(disk);
+    }
+    hold(disks);
+    window().press(Qt::Key_Tab);
+    window().press(Qt::Key_Tab);
+    window().press(Qt::Key_PageDown);
+    save("list-600");
 }
 
 TEST_P(Screenshots, FirstScan)

@@ -3,11 +3,15 @@
 #include "views/WindowContentFixture.h"
 
 #include "shell/ViewHeightCalculator.h"
+#include "support/WaitUntil.h"
+#include "ui/WindowBridge.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QMenu>
+#include <QToolTip>
 
+#include <map>
 #include <set>
 
 namespace brindle {
@@ -56,6 +60,18 @@ protected:
                 texts.push_back(action->text().toStdString());
         }
         return texts;
+    }
+
+    /// How often something asks for the application's menu.
+    int menuRequestsBy(const std::function<void()> &something)
+    {
+        auto *bridge = window().engine().singletonInstance<WindowBridge *>(qmlTypeId("Brindle", 1, 0, "WindowBridge"));
+        int requests = 0;
+        const auto connection =
+            QObject::connect(bridge, &WindowBridge::applicationMenuRequested, [&requests] { ++requests; });
+        something();
+        QObject::disconnect(connection);
+        return requests;
     }
 
     static void choose(const QString &text)
@@ -227,6 +243,23 @@ TEST_F(WindowContentViewTest, MountsByItsButton)
     EXPECT_TRUE(shows("disk2/findButton"));
 }
 
+TEST_F(WindowContentViewTest, DisablesTheButtonsOfARowWhileItsActionRuns)
+{
+    holdOneStick();
+    launcher.hold(sudo("mount disk2s1"));
+
+    click("disk2/mountButton");
+    clock.advance(0ms);
+
+    for (const char *button : {"disk2/mountButton", "disk2/ejectButton"})
+        EXPECT_FALSE(window().valueOf<bool>(QString::fromLatin1(button), "enabled")) << button;
+    EXPECT_EQ(textOf("statusText"), "Mounting EFI partition of Disk disk2");
+    launcher.release(sudo("mount disk2s1"));
+    settle();
+    EXPECT_TRUE(window().valueOf<bool>(QStringLiteral("disk2/mountButton"), "enabled"));
+    EXPECT_EQ(textOf("statusText"), "Ready");
+}
+
 TEST_F(WindowContentViewTest, MountsByADoubleClickOnce)
 {
     holdOneStick();
@@ -274,6 +307,30 @@ TEST_F(WindowContentViewTest, ShowsTheMenuOfARowByTheRightButton)
     choose(QStringLiteral("Mount EFI"));
     settle();
     EXPECT_THAT(journal, Contains(sudo("mount disk2s1")));
+}
+
+TEST_F(WindowContentViewTest, DrawsTheSymbolsOfAMenuInTheColourOfItsText)
+{
+    holdOneStick();
+    setColorScheme(window().engine(), ColorScheme::dark);
+    const QColor text = QApplication::palette("QMenu").color(QPalette::Text);
+
+    click("disk2", Qt::RightButton);
+
+    const auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+    ASSERT_TRUE(menu);
+    const QImage symbol = menu->actions().constFirst()->icon().pixmap(16).toImage();
+    int drawn = 0;
+    for (int y = 0; y < symbol.height(); ++y) {
+        for (int x = 0; x < symbol.width(); ++x) {
+            if (symbol.pixelColor(x, y).alpha() == 255) {
+                EXPECT_EQ(symbol.pixelColor(x, y).rgb(), text.rgb());
+                ++drawn;
+            }
+        }
+    }
+    EXPECT_GT(drawn, 0);
+    choose({});
 }
 
 TEST_F(WindowContentViewTest, ShowsTheMenuOfAPartition)
@@ -373,6 +430,107 @@ TEST_F(WindowContentViewTest, AsksToQuit)
     EXPECT_EQ(quits, 1);
     click("quitButton");
     EXPECT_EQ(quits, 2);
+}
+
+TEST_F(WindowContentViewTest, KeepsARowMarkedWhileItsMenuIsOpen)
+{
+    holdOneStick();
+    window();
+    const auto color = [this] { return window().valueOf<QColor>(QStringLiteral("disk2/rowSurface"), "color"); };
+    const QColor before = color();
+
+    click("disk2", Qt::RightButton);
+
+    ASSERT_FALSE(openMenu().empty());
+    EXPECT_NE(color(), before);
+    choose({});
+}
+
+struct MenuRequest {
+    const char *name;
+    std::function<void(QmlWindow &)> ask;
+};
+
+class ApplicationMenuRequest : public WindowContentViewTest, public testing::WithParamInterface<MenuRequest> {};
+
+INSTANTIATE_TEST_SUITE_P(By, ApplicationMenuRequest,
+                         testing::Values(MenuRequest{"F10", [](QmlWindow &window) { window.press(Qt::Key_F10); }},
+                                         MenuRequest{"MenuKey", [](QmlWindow &window) { window.press(Qt::Key_Menu); }},
+                                         MenuRequest{"MenuKeyOnAButton",
+                                                     [](QmlWindow &window) {
+                                                         window.tabTo("refreshButton");
+                                                         window.press(Qt::Key_Menu);
+                                                     }},
+                                         MenuRequest{"RightClickOnTheHeader",
+                                                     [](QmlWindow &window) {
+                                                         window.click(QStringLiteral("header"), Qt::RightButton);
+                                                     }}),
+                         [](const auto &row) { return row.param.name; });
+
+TEST_P(ApplicationMenuRequest, IsHandedOnOnce)
+{
+    EXPECT_EQ(menuRequestsBy([this] { GetParam().ask(window()); }), 1);
+}
+
+TEST_F(WindowContentViewTest, TakesKeysAgainAfterADialogHasClosed)
+{
+    window();
+    row().perform(RowAction::eraseDisk);
+    QmlWindow::settle();
+    ASSERT_FALSE(shows("diskListFrame"));
+
+    window().press(Qt::Key_Escape);
+
+    EXPECT_TRUE(shows("diskListFrame"));
+    EXPECT_EQ(menuRequestsBy([this] { window().press(Qt::Key_Menu); }), 1);
+}
+
+TEST_F(WindowContentViewTest, PaintsMenusAndTipsInItsScheme)
+{
+    for (const auto &[scheme, isDark] : {std::pair(ColorScheme::dark, true), std::pair(ColorScheme::light, false)}) {
+        setColorScheme(window().engine(), scheme);
+        const QPalette menus = QApplication::palette("QMenu");
+        EXPECT_EQ(menus.color(QPalette::Text).lightness() > menus.color(QPalette::Window).lightness(), isDark);
+        const QPalette tips = QToolTip::palette();
+        EXPECT_EQ(tips.color(QPalette::ToolTipText).lightness() > tips.color(QPalette::ToolTipBase).lightness(),
+                  isDark);
+    }
+}
+
+// --- tool tips
+
+TEST_F(WindowContentViewTest, TellsWhatEachButtonDoesByItsTip)
+{
+    PhysicalDisk stick = externalDisk(
+        "disk2", {{.identifier = "disk2s1", .isMounted = true, .mountPoint = mountPoint()}, {.identifier = "disk2s3"}});
+    hold({stick});
+    manager().toggleExpanded("disk2");
+
+    for (const auto &[button, tip] :
+         std::map<const char *, const char *>{{"refreshButton", "Refresh Disks"},
+                                              {"quitButton", "Quit"},
+                                              {"disk2/copyButton", "Copy EFI folder to another disk"},
+                                              {"disk2/ejectButton", "Eject disk"},
+                                              {"disk2/configButton", "Quick Edit config.plist"},
+                                              {"disk2/findButton", "Open in Finder"},
+                                              {"disk2/mountButton", "Unmount EFI partition"},
+                                              {"disk2/chevron", "Collapse EFI List"},
+                                              {"disk2s1/copyButton", "Copy EFI"},
+                                              {"disk2s1/configButton", "Quick Edit config.plist"},
+                                              {"disk2s1/findButton", "Open in Finder"},
+                                              {"disk2s1/mountButton", "Unmount EFI partition"},
+                                              {"disk2s3/mountButton", "Mount EFI partition"}}) {
+        EXPECT_EQ(window().valueOf<QString>(QString::fromLatin1(button), "tip").toStdString(), tip) << button;
+        EXPECT_EQ(readAloud(window().item(QString::fromLatin1(button))).name, tip) << button;
+    }
+}
+
+TEST_F(WindowContentViewTest, TellsWhatADoubleClickDoesWhereThePointerRestsOnTheRow)
+{
+    holdOneStick();
+
+    window().hover(QStringLiteral("disk2/diskName"));
+    waitUntil([] { return QToolTip::text() == u"Double click to mount EFI"; });
 }
 
 // --- what a screen reader says

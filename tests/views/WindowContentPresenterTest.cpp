@@ -62,6 +62,23 @@ TEST_F(WindowContentPresenterTest, StaysOnTheFirstScanUntilThatIsOver)
     EXPECT_EQ(content().listState(), QStringLiteral("rows"));
 }
 
+TEST_F(WindowContentPresenterTest, StaysOnTheFirstScanWhenDisksArePublishedBeforeThatIsOver)
+{
+    defaults.set(DefaultsKeys::kIsModeSwitchRelaunch, false);
+    paths = ToolPaths::system();
+    plugIn({"disk2"});
+    content();
+    std::vector<std::string> states;
+    QObject::connect(&manager(), &DiskManager::disksChanged, [&] {
+        states.push_back(fmt::format("{} {}", manager().disks().size(), content().listState().toStdString()));
+    });
+
+    scan();
+
+    EXPECT_THAT(states, ElementsAre("1 firstScan"));
+    EXPECT_EQ(content().listState(), QStringLiteral("rows"));
+}
+
 TEST_F(WindowContentPresenterTest, ShowsTheRowsOfTheDisksInTheirOrder)
 {
     EXPECT_EQ(content().listState(), QStringLiteral("rows"));
@@ -278,6 +295,23 @@ TEST_F(WindowContentPresenterTest, FollowsTheSettingThatMakesRowsHigher)
     EXPECT_THAT(heights(), ElementsAre("height 1 249"));
     EXPECT_EQ(row(0).height(), 95);
     EXPECT_EQ(row(1).height(), 68);
+}
+
+TEST_F(WindowContentPresenterTest, TellsOfARowThatDiffersInItsHeightAlone)
+{
+    defaults.set(DefaultsKeys::kShowDiskSpaceIndicator, true);
+    PhysicalDisk disk = externalDisk("disk2");
+    hold({disk});
+    appear();
+    int changes = 0;
+    QObject::connect(&row(0), &DiskRowPresenter::changed, [&] { ++changes; });
+    ASSERT_EQ(row(0).height(), 68);
+
+    disk.totalSpaceBytes = 100; // of which nothing is known to be used
+    content().rows()->setDisks({disk}, {});
+
+    EXPECT_EQ(row(0).height(), 95);
+    EXPECT_EQ(changes, 1);
 }
 
 TEST_F(WindowContentPresenterTest, DoesNothingWithoutAWindow)

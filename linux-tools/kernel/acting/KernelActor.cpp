@@ -9,6 +9,7 @@
 #include "kernel/acting/DiskUse.h"
 #include "kernel/acting/Dissenters.h"
 #include "kernel/acting/FileSystemPrograms.h"
+#include "kernel/acting/IgnoredTermination.h"
 #include "text/Words.h"
 
 #include <fmt/format.h>
@@ -168,18 +169,33 @@ std::string KernelActor::rename(const Target &target, std::string_view name)
         throw renameFailure(target,
                             fmt::format("It is mounted at {}, where only its own name may lead: unmount it first",
                                         printable(elsewhere->entry->mountPoint)));
+    const IgnoredTermination untilItIsMountedAgain;
     for (const CarriedMount &mount : mounts | std::views::reverse)
         endMount(target, mount, false);
     const std::string label = fittedLabel(name, fileSystem);
-    {
+    try {
         const Descriptor lock = live.lock(m_calls);
         (void)live.open(live.device(), O_RDWR | O_EXCL, m_calls); // Nobody else makes use of it.
         m_roots.programs.run(program, labellerArguments(fileSystem, label, live.devices().file(live.device())));
+    } catch (const ActionError &error) {
+        if (mounts.empty() || mountAgain(live, fileSystem, nameOf(target.device)))
+            throw;
+        throw ActionError(fmt::format("{}\n{} is not mounted again", error.what(), target.argument));
     }
     letUdevRead(live, {live.device()});
-    if (!mounts.empty() && tryToMount(live, live.device(), fileSystem, label) != 0)
+    if (!mounts.empty() && !mountAgain(live, fileSystem, label))
         throw ActionError(fmt::format("Volume on {} renamed to {}, but not mounted again", target.argument, label));
     return label;
+}
+
+/// Whether the volume, which was unmounted to be changed, is mounted again.
+bool KernelActor::mountAgain(const LiveDevice &live, std::string_view fileSystem, std::string_view label)
+{
+    try {
+        return tryToMount(live, live.device(), fileSystem, label) == 0;
+    } catch (const ActionError &) {
+        return false; // What was done to the volume tells more.
+    }
 }
 
 void KernelActor::eject(const Target &target)

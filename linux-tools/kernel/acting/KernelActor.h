@@ -40,7 +40,7 @@ public:
     /// it; another never.
     std::string unmount(const Target &target, bool isForced) override;
 
-    /// A volume that is mounted is unmounted for it and mounted again.
+    /// A volume that is mounted is unmounted for it and mounted again, also where the rename fails.
     std::string rename(const Target &target, std::string_view name) override;
 
     /// Who isn't root asks UDisks2, where it runs. A disk image loses its file, a removable medium is given out, and
@@ -55,6 +55,7 @@ public:
 private:
     [[nodiscard]] int tryToMount(const LiveDevice &live, const BlockDevice &device, std::string_view fileSystem,
                                  std::string_view label);
+    [[nodiscard]] bool mountAgain(const LiveDevice &live, std::string_view fileSystem, std::string_view label);
     void endMount(const Target &target, const CarriedMount &mount, bool isForced);
     void endMountsToErase(const LiveDevice &live, const Target &target);
     void ejectAsUser(const LiveDevice &live, const std::vector<CarriedMount> &mounts) const;

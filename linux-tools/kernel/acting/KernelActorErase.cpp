@@ -7,6 +7,7 @@
 #include "kernel/PartitionTypes.h"
 #include "kernel/acting/DiskUse.h"
 #include "kernel/acting/FileSystemPrograms.h"
+#include "kernel/acting/IgnoredTermination.h"
 #include "kernel/acting/Signatures.h"
 #include "kernel/acting/TableWriter.h"
 
@@ -71,6 +72,7 @@ Erased KernelActor::eraseVolume(const Target &target, const Format &format, std:
     endMountsToErase(live, target);
     {
         const Descriptor lock = live.lock(m_calls);
+        const IgnoredTermination untilItIsWhole;
         {
             const Descriptor volume = live.open(live.device(), O_RDWR | O_EXCL, m_calls);
             setType(live, target.device, format);
@@ -101,6 +103,7 @@ Erased KernelActor::eraseDisk(const Target &target, const Format &format, std::s
                   .sizeBytes = layout.back().extent.sizeBytes};
     {
         const Descriptor lock = live.lock(m_calls);
+        const IgnoredTermination untilItIsWhole;
         makeTable(live, layout);
         makeFileSystem(live, efi, efiFormat, "EFI");
         announce(erased);

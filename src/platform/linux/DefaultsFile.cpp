@@ -131,6 +131,15 @@ private:
     FileDescriptor m_file;
 };
 
+/// Puts \a bytes in the place of \a target, or throws and leaves that as it is.
+FileDescriptor writeWhole(std::string_view bytes, const fs::path &target)
+{
+    TemporaryFile temporary(target.string() + ".new");
+    giveToOwnerOf(target.parent_path(), temporary.file());
+    writeAll(temporary.file(), bytes, target);
+    return temporary.renameTo(target);
+}
+
 } // namespace
 
 DamagedFile::DamagedFile(const fs::path &path, std::string_view reason)
@@ -153,6 +162,7 @@ bool DefaultsFile::hasChanged() const
 PropertyValue::Dictionary DefaultsFile::read()
 {
     m_seen = look(); // before opening: a file that comes in between is seen to be another one by the next look
+    m_isComplete = true;
     // A pipe in the file's place must not hold us up.
     m_open = FileDescriptor(::open(m_path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     if (!m_open) {
@@ -171,7 +181,9 @@ PropertyValue::Dictionary DefaultsFile::read()
     auto result = readPropertyList(readAll(m_open, m_path));
     if (const Error *damage = std::get_if<Error>(&result))
         throw DamagedFile(m_path, damage->localizedDescription());
-    return std::get<PropertyValue::Dictionary>(std::move(result));
+    PropertyList list = std::get<PropertyList>(std::move(result));
+    m_isComplete = list.isComplete;
+    return std::move(list.values);
 }
 
 FileDescriptor DefaultsFile::lock() const
@@ -191,24 +203,36 @@ FileDescriptor DefaultsFile::lock() const
 
 void DefaultsFile::replace(std::string_view bytes)
 {
-    const fs::path target = followed(m_path);
-    TemporaryFile temporary(target.string() + ".new");
-    giveToOwnerOf(target.parent_path(), temporary.file());
-    writeAll(temporary.file(), bytes, target);
-    m_open = temporary.renameTo(target);
+    m_open = writeWhole(bytes, followed(m_path));
     m_seen = look();
+    m_isComplete = true;
 }
 
 fs::path DefaultsFile::setAside()
+{
+    fs::path aside = nameAside();
+    if (::rename(m_path.c_str(), aside.c_str()) == -1)
+        throw Error::fromErrno(errno, m_path.string());
+    m_seen.reset();
+    return aside;
+}
+
+fs::path DefaultsFile::keepCopy()
+{
+    fs::path aside = nameAside();
+    ::lseek(m_open.value(), 0, SEEK_SET);
+    writeWhole(readAll(m_open, m_path), aside);
+    m_isComplete = true;
+    return aside;
+}
+
+fs::path DefaultsFile::nameAside() const
 {
     const std::string name =
         fmt::format("{}.damaged-{:%Y%m%dT%H%M%SZ}", m_path.string(), fmt::gmtime(std::time(nullptr)));
     fs::path aside = name;
     for (int count = 2; fs::exists(fs::symlink_status(aside)); ++count)
         aside = fmt::format("{}-{}", name, count);
-    if (::rename(m_path.c_str(), aside.c_str()) == -1)
-        throw Error::fromErrno(errno, m_path.string());
-    m_seen.reset();
     return aside;
 }
 

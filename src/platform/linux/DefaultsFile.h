@@ -41,6 +41,9 @@ public:
     /// format or kind, or not to be read by this user.
     [[nodiscard]] PropertyValue::Dictionary read();
 
+    /// Whether read() gave all that the file holds, or a copy of it is kept: replacing it loses nothing.
+    [[nodiscard]] bool isComplete() const { return m_isComplete; }
+
     /// Waits until no other process holds the lock, and holds it for the life of the result. Makes the folder.
     [[nodiscard]] FileDescriptor lock() const;
 
@@ -50,16 +53,21 @@ public:
     /// Renames what stands at path(), whatever it is, to "<path>.damaged-<UTC time>" and returns that name.
     std::filesystem::path setAside();
 
+    /// Copies the file that was read to such a name and returns that.
+    std::filesystem::path keepCopy();
+
 private:
     /// What tells one state of the file from another: the error of looking at it, device, inode, size, time of the last
     /// change of the content and of the inode.
     using Stamp = std::tuple<int, dev_t, ino_t, off_t, time_t, long, time_t, long>;
 
     [[nodiscard]] Stamp look() const;
+    [[nodiscard]] std::filesystem::path nameAside() const;
 
     std::filesystem::path m_path;
     std::optional<Stamp> m_seen;
     FileDescriptor m_open; ///< Of the file last seen: while it is open, no other file can have its inode number.
+    bool m_isComplete = true;
 };
 
 } // namespace brindle

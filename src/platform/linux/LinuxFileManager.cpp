@@ -9,6 +9,8 @@
 #include "base/Error.h"
 #include "base/OnWorker.h"
 
+#include <fmt/format.h>
+
 #include <cerrno>
 #include <stop_token>
 #include <utility>
@@ -19,6 +21,18 @@
 namespace brindle {
 
 namespace {
+
+// STATX_MNT_ID_UNIQUE of the kernel's interface since 6.8: an identifier that no later mount gets. An older kernel
+// gives one that it gives again, which the device and the folder's number are the safeguard against.
+constexpr unsigned kUniqueMountId = 0x4000;
+
+std::string volumeThatHolds(const std::string &folder)
+{
+    struct statx status {};
+    if (::statx(AT_FDCWD, folder.c_str(), 0, STATX_INO | STATX_MNT_ID | kUniqueMountId, &status) != 0)
+        return {};
+    return fmt::format("{}:{} {} {}", status.stx_dev_major, status.stx_dev_minor, status.stx_mnt_id, status.stx_ino);
+}
 
 std::vector<std::string> namesIn(const std::string &path)
 {
@@ -33,10 +47,17 @@ std::vector<std::string> namesIn(const std::string &path)
 
 LinuxFileManager::LinuxFileManager(std::filesystem::path comparer) : m_comparer(std::move(comparer)) {}
 
-bool LinuxFileManager::fileExists(const std::string &path) const
+QCoro::Task<bool> LinuxFileManager::fileExists(std::string path)
 {
-    struct stat status {};
-    return ::stat(path.c_str(), &status) == 0 || (errno != ENOENT && errno != ENOTDIR);
+    return onWorker([path = std::move(path)] {
+        struct stat status {};
+        return ::stat(path.c_str(), &status) == 0 || (errno != ENOENT && errno != ENOTDIR);
+    });
+}
+
+QCoro::Task<std::string> LinuxFileManager::volumeAt(std::string mountPoint)
+{
+    return onWorker([mountPoint = std::move(mountPoint)] { return volumeThatHolds(mountPoint); });
 }
 
 QCoro::Task<std::vector<std::string>> LinuxFileManager::contentsOfDirectory(std::string path)

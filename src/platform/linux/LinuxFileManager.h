@@ -13,7 +13,8 @@ public:
     /// a start more than half a millisecond. Without it compareItems() throws an Error.
     explicit LinuxFileManager(std::filesystem::path comparer = {});
 
-    [[nodiscard]] bool fileExists(const std::string &path) const override;
+    [[nodiscard]] QCoro::Task<bool> fileExists(std::string path) override;
+    [[nodiscard]] QCoro::Task<std::string> volumeAt(std::string mountPoint) override;
     [[nodiscard]] QCoro::Task<std::vector<std::string>> contentsOfDirectory(std::string path) override;
     QCoro::Task<> copyItem(std::string from, std::string to, CancellationToken token = {}) override;
     [[nodiscard]] QCoro::Task<TreeComparison> compareItems(std::string first, std::string second) override;

@@ -3,13 +3,15 @@
 #include <QFile>
 #include <QProcess>
 #include <QStandardPaths>
+#include <QThreadPool>
 
+#include <chrono>
 #include <filesystem>
+#include <map>
+#include <mutex>
 
 #include <pwd.h>
 #include <unistd.h>
-
-#include <chrono>
 
 namespace brindle {
 
@@ -37,23 +39,35 @@ void startOpener(const std::string &path)
 
 } // namespace
 
+/// When which folder was opened; for any thread.
+class LinuxWorkspace::OpenedFolders {
+public:
+    /// Notes that it is opened at \a now unless it was just before.
+    [[nodiscard]] bool wasJustOpened(const std::string &folder, Scheduler::Date now)
+    {
+        const std::lock_guard lock(m_mutex);
+        const auto [entry, isFirst] = m_openedAt.try_emplace(folder, now);
+        if (!isFirst && std::chrono::abs(now - entry->second) < kOnceWithin)
+            return true;
+        entry->second = now;
+        return false;
+    }
+
+private:
+    std::mutex m_mutex;
+    std::map<std::string, Scheduler::Date> m_openedAt;
+};
+
+LinuxWorkspace::LinuxWorkspace(const Scheduler &clock) : m_clock(clock), m_opened(std::make_shared<OpenedFolders>()) {}
+
 void LinuxWorkspace::openFile(const std::string &path)
 {
-    const std::string place = path == kVolumesFolder ? folderOfVolumes() : path;
-    std::error_code ignored;
-    if (!std::filesystem::is_directory(place, ignored) || !wasJustOpened(place))
-        startOpener(place);
-}
-
-/// Notes that it is opened now unless it was.
-bool LinuxWorkspace::wasJustOpened(const std::string &folder)
-{
-    const Scheduler::Date now = m_clock.date();
-    const auto [entry, isFirst] = m_openedAt.try_emplace(folder, now);
-    if (!isFirst && std::chrono::abs(now - entry->second) < kOnceWithin)
-        return true;
-    entry->second = now;
-    return false;
+    QThreadPool::globalInstance()->start([opened = m_opened, now = m_clock.date(), path] {
+        const std::string place = path == kVolumesFolder ? folderOfVolumes() : path;
+        std::error_code ignored;
+        if (!std::filesystem::is_directory(place, ignored) || !opened->wasJustOpened(place, now))
+            startOpener(place);
+    });
 }
 
 } // namespace brindle

@@ -3,7 +3,7 @@
 #include "platform/Scheduler.h"
 #include "platform/Workspace.h"
 
-#include <map>
+#include <memory>
 #include <string>
 
 namespace brindle {
@@ -12,17 +12,18 @@ namespace brindle {
 /// where the opener is not installed.
 class LinuxWorkspace final : public Workspace {
 public:
-    explicit LinuxWorkspace(const Scheduler &clock) : m_clock(clock) {} ///< Outlives the workspace.
+    explicit LinuxWorkspace(const Scheduler &clock); ///< Outlives the workspace.
 
     /// A folder that was asked for less than two seconds ago is passed over: a mount opens its folder, and so does the
-    /// row that asked for the mount. All volumes are in /run/media/USER.
+    /// row that asked for the mount. All volumes are in /run/media/USER. All of it is done on another thread, which the
+    /// end of the process waits for.
     void openFile(const std::string &path) override;
 
 private:
-    [[nodiscard]] bool wasJustOpened(const std::string &folder);
+    class OpenedFolders;
 
     const Scheduler &m_clock;
-    std::map<std::string, Scheduler::Date> m_openedAt; ///< By folder.
+    std::shared_ptr<OpenedFolders> m_opened;
 };
 
 } // namespace brindle

@@ -96,6 +96,8 @@ void MergedDefaults::merge()
 {
     if (m_isDamaged || m_file.hasChanged())
         adopt(readOrSetAside());
+    if (!m_file.isComplete())
+        Log::line("⚠️ User defaults hold values that can't be kept, copied to {}", m_file.keepCopy().string());
     m_file.replace(writePropertyList(m_values));
     m_changedKeys.clear();
     m_loggedFailures.clear();

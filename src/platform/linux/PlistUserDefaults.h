@@ -27,7 +27,9 @@ namespace brindle {
 ///
 /// A file that is truncated, of another format or not to be read is renamed to "<file>.damaged-<UTC time>", and the
 /// store begins empty; damage that comes while the store is in use is left until the next write, which writes the last
-/// good values. As long as the file can be neither read nor renamed, or the disk is full, all values live in memory.
+/// good values. Of a file with values that can't be held, or a key that stands twice, a copy of such a name is kept
+/// before the first write. As long as the file can be neither read nor renamed, or the disk is full, all values live in
+/// memory.
 class PlistUserDefaults final : public UserDefaults {
     Q_OBJECT
 

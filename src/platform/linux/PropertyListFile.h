@@ -16,13 +16,19 @@ namespace brindle {
 /// How deep arrays and dictionaries nest below the top: reading and writing recurse, and no text may exhaust the stack.
 inline constexpr std::size_t kMaxPropertyListDepth = 100;
 
-/// The dictionary that \a bytes hold, or what is wrong with them: domain "PropertyListError", the line and the reason.
+/// The dictionary at the top of a property list.
+struct PropertyList {
+    PropertyValue::Dictionary values;
+    bool isComplete = true; ///< Whether \a values are all that the text holds.
+};
+
+/// The list that \a bytes hold, or what is wrong with them: domain "PropertyListError", the line and the reason.
 ///
 /// Anything that is not a whole property list with a dictionary at its top is an error, a malformed number, date or
 /// data and a key without a value among it. What is well formed but cannot be held here (an element of another kind, a
 /// number or a date out of range) counts as missing: its key of the top dictionary is left out, and all others are
-/// read.
-[[nodiscard]] std::variant<PropertyValue::Dictionary, Error> readPropertyList(std::string_view bytes);
+/// read. Of a key that stands twice the last value counts.
+[[nodiscard]] std::variant<PropertyList, Error> readPropertyList(std::string_view bytes);
 
 /// The text of a property list that readPropertyList() takes.
 ///

@@ -76,7 +76,7 @@ public:
     {
     }
 
-    std::variant<PropertyValue::Dictionary, Error> read();
+    std::variant<PropertyList, Error> read();
 
 private:
     void fail(const QString &reason);
@@ -103,9 +103,10 @@ private:
 
     QXmlStreamReader m_xml;
     std::size_t m_depth = 0;
+    bool m_isComplete = true;
 };
 
-std::variant<PropertyValue::Dictionary, Error> Reader::read()
+std::variant<PropertyList, Error> Reader::read()
 {
     PropertyValue::Dictionary values;
     if (!nextElement() || m_xml.name() != "plist"_L1)
@@ -121,7 +122,7 @@ std::variant<PropertyValue::Dictionary, Error> Reader::read()
     if (m_xml.hasError())
         return Error("PropertyListError", 1,
                      fmt::format("line {}: {}", m_xml.lineNumber(), m_xml.errorString().toStdString()));
-    return values;
+    return PropertyList{.values = std::move(values), .isComplete = m_isComplete};
 }
 
 void Reader::fail(const QString &reason)
@@ -180,9 +181,9 @@ Reader::Members Reader::members()
         if (!nextElement())
             fail(u"a key without a value"_s);
         if (std::optional<PropertyValue> held = value())
-            result.held.insert_or_assign(key, *std::move(held));
+            m_isComplete &= result.held.insert_or_assign(key, *std::move(held)).second;
         else
-            result.areAll = false;
+            result.areAll = m_isComplete = false;
     }
     return result;
 }
@@ -288,7 +289,7 @@ std::optional<PropertyValue> Reader::dictionary()
 
 } // namespace
 
-std::variant<PropertyValue::Dictionary, Error> readPropertyList(std::string_view bytes)
+std::variant<PropertyList, Error> readPropertyList(std::string_view bytes)
 {
     return Reader(bytes).read();
 }

@@ -15,6 +15,7 @@ namespace brindle::tools {
 namespace {
 
 namespace fs = std::filesystem;
+using namespace std::string_view_literals;
 
 void write(const fs::path &path, std::string_view text)
 {
@@ -41,6 +42,19 @@ void putLittleEndian(std::string &bytes, std::size_t at, std::uint32_t value, st
 void put(std::string &bytes, std::size_t at, std::string_view text)
 {
     bytes.replace(at, text.size(), text);
+}
+
+/// The checksum of a GPT, as the UEFI specification has it.
+std::uint32_t crc32(std::string_view bytes)
+{
+    constexpr std::uint32_t kPolynomial = 0xEDB88320;
+    std::uint32_t checksum = ~0U;
+    for (const char byte : bytes) {
+        checksum ^= static_cast<unsigned char>(byte);
+        for (int bit = 0; bit < 8; ++bit)
+            checksum = (checksum >> 1) ^ ((checksum & 1) != 0 ? kPolynomial : 0);
+    }
+    return ~checksum;
 }
 
 } // namespace
@@ -150,6 +164,32 @@ std::string mbrWith(const std::vector<MbrEntry> &entries)
         putLittleEndian(bytes, at + 12, entries[index].sectors, 4);
     }
     put(bytes, 510, "\x55\xAA");
+    return bytes;
+}
+
+std::string gptWithEfi(std::uint32_t first, std::uint32_t last)
+{
+    constexpr std::size_t kHeader = 512;
+    constexpr std::size_t kHeaderSize = 92;
+    constexpr std::size_t kEntries = 2 * 512;
+    constexpr std::size_t kEntryCount = 128;
+    constexpr std::size_t kEntrySize = 128;
+    std::string bytes = mbrWith({{0xEE, 1, 8191}});
+    put(bytes, kEntries, "\x28\x73\x2A\xC1\x1F\xF8\xD2\x11\xBA\x4B\x00\xA0\xC9\x3E\xC9\x3B"sv);
+    put(bytes, kEntries + 16, "the entry's UUID");
+    putLittleEndian(bytes, kEntries + 32, first, 4);
+    putLittleEndian(bytes, kEntries + 40, last, 4);
+    put(bytes, kHeader, "EFI PART\x00\x00\x01\x00"sv); // with the version
+    putLittleEndian(bytes, kHeader + 12, kHeaderSize, 4);
+    putLittleEndian(bytes, kHeader + 24, 1, 4);    // where the header lies
+    putLittleEndian(bytes, kHeader + 32, 8191, 4); // where its copy lies
+    putLittleEndian(bytes, kHeader + 40, 34, 4);   // the first sector for partitions
+    putLittleEndian(bytes, kHeader + 48, 8158, 4); // the last one
+    putLittleEndian(bytes, kHeader + 72, 2, 4);    // where the entries lie
+    putLittleEndian(bytes, kHeader + 80, kEntryCount, 4);
+    putLittleEndian(bytes, kHeader + 84, kEntrySize, 4);
+    putLittleEndian(bytes, kHeader + 88, crc32(bytes.substr(kEntries, kEntryCount * kEntrySize)), 4);
+    putLittleEndian(bytes, kHeader + 16, crc32(bytes.substr(kHeader, kHeaderSize)), 4);
     return bytes;
 }
 

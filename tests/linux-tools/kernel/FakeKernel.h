@@ -60,6 +60,9 @@ struct MbrEntry {
 };
 [[nodiscard]] std::string mbrWith(const std::vector<MbrEntry> &entries);
 
+/// The first sectors of a disk with a GPT whose only entry, an EFI partition, begins and ends at these sectors.
+[[nodiscard]] std::string gptWithEfi(std::uint32_t first, std::uint32_t last);
+
 /// The boot sector of a FAT file system of \a sectors, with as much behind it as libblkid wants to see.
 [[nodiscard]] std::string fatWith(std::string_view label, std::uint32_t sectors);
 

@@ -181,6 +181,21 @@ TEST_F(KernelInventoryTest, SurvivesEntriesThatOverlapAndLeaveTheDisk)
     EXPECT_EQ(inventory.disks[0].scheme, "FDisk_partition_scheme");
 }
 
+TEST_F(KernelInventoryTest, TellsNoVolumeOfANeighbourInAnEntryWithoutSize)
+{
+    m_kernel.addDisk("7:0", kLoop, 8192, {{"diskseq", "11"}});
+    std::string image = gptWithEfi(2048, 2047);
+    image.replace(2048 * 512, 4096 * 512, fatWith("NEIGHBOUR", 4096));
+    m_kernel.writeNode("loop0", image);
+
+    const Inventory inventory = read();
+
+    ASSERT_EQ(inventory.disks.size(), 1U);
+    ASSERT_THAT(partitionTypes(inventory.disks[0]), ElementsAre("disk11s1 EFI"));
+    EXPECT_EQ(inventory.disks[0].partitions[0].sizeBytes, 0U);
+    EXPECT_FALSE(inventory.disks[0].partitions[0].volume);
+}
+
 TEST_F(KernelInventoryTest, LeavesOutTheEntryThatHoldsLogicalPartitions)
 {
     m_kernel.addDisk("8:16", kUsb, 8192, {{"diskseq", "5"}});

@@ -358,10 +358,10 @@ TEST_P(LinuxFileManagerTest, TakesALinkToNothingForNothing)
     writeFile(source() / "file", "x");
     fs::create_symlink("nowhere", source() / "link");
 
-    EXPECT_TRUE(files.fileExists(source()));
-    EXPECT_TRUE(files.fileExists(source() / "file"));
-    EXPECT_FALSE(files.fileExists(source() / "link"));
-    EXPECT_FALSE(files.fileExists(source() / "nowhere"));
+    EXPECT_TRUE(blockOn(files.fileExists(source())));
+    EXPECT_TRUE(blockOn(files.fileExists(source() / "file")));
+    EXPECT_FALSE(blockOn(files.fileExists(source() / "link")));
+    EXPECT_FALSE(blockOn(files.fileExists(source() / "nowhere")));
 }
 
 } // namespace

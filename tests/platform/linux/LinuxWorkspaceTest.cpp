@@ -6,6 +6,7 @@
 #include "support/WaitUntil.h"
 
 #include <QTemporaryDir>
+#include <QThreadPool>
 
 #include <gtest/gtest.h>
 
@@ -122,6 +123,7 @@ TEST_F(LinuxWorkspaceTest, OpensNothingWithoutAnOpener)
     qputenv("PATH", "/nonexistent");
 
     workspace.openFile("/media/one");
+    QThreadPool::globalInstance()->waitForDone();
 
     EXPECT_FALSE(fs::exists(root() + "/opened"));
 }

@@ -210,6 +210,95 @@ TEST_F(PlistUserDefaultsFailureTest, KeepsTheOldFileAndItsChangesWhenAFileMayNot
     EXPECT_EQ(endOf(child), 0);
 }
 
+struct UnheldCase {
+    const char *name;
+    const char *content; ///< Of the dictionary, besides LaunchMode.
+};
+
+class KeepsACopyBeforeItWrites : public testing::TestWithParam<UnheldCase>, protected PlistUserDefaultsFixture {
+protected:
+    KeepsACopyBeforeItWrites()
+    {
+        writeFile("<plist><dict><key>LaunchMode</key><string>window</string>" + std::string(GetParam().content) +
+                  "</dict></plist>");
+    }
+};
+
+TEST_P(KeepsACopyBeforeItWrites, OfAFileThatHoldsMoreThanCanBeWritten)
+{
+    const std::string before = contentsOf(file());
+
+    {
+        PlistUserDefaults store(file());
+        EXPECT_EQ(store.object("LaunchMode"), PropertyValue("window"));
+        EXPECT_THAT(otherFiles(), IsEmpty());
+        for (const bool isShown : {true, false}) {
+            store.set("ShowSMARTStatus", isShown);
+            store.synchronize();
+        }
+    }
+
+    EXPECT_EQ(valuesInFile().at("LaunchMode"), PropertyValue("window"));
+    EXPECT_EQ(valuesInFile().at("ShowSMARTStatus"), PropertyValue(false));
+    ASSERT_THAT(otherFiles(), ElementsAre(MatchesRegex("com\\.orlane\\.Brindle\\.plist\\.damaged-[0-9]{8}T[0-9]{6}Z")));
+    const fs::path copy = folder() / otherFiles().front();
+    EXPECT_EQ(contentsOf(copy), before);
+    EXPECT_EQ(fs::status(copy).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_THAT(log(), ElementsAre("⚠️ User defaults hold values that can't be kept, copied to " + copy.string()));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Files, KeepsACopyBeforeItWrites,
+    testing::Values(UnheldCase{"ANumberOutOfRange", "<key>Foreign</key><integer>99999999999999999999999</integer>"},
+                    UnheldCase{"ADateOutOfRange", "<key>Foreign</key><date>9999-01-01T00:00:00Z</date>"},
+                    UnheldCase{"AnotherKind", "<key>Foreign</key><uid>3</uid>"},
+                    UnheldCase{"AnotherKindFurtherDown",
+                               "<key>Foreign</key><array><dict><key>A</key><uid>3</uid></dict>"
+                               "</array>"},
+                    UnheldCase{"AKeyTwice", "<key>Foreign</key><true/><key>Foreign</key><false/>"},
+                    UnheldCase{"AKeyTwiceFurtherDown", "<key>Foreign</key><dict><key>A</key><true/><key>A</key><true/>"
+                                                       "</dict>"}),
+    [](const auto &row) { return row.param.name; });
+
+TEST_F(PlistUserDefaultsFailureTest, KeepsACopyOfWhatAnotherProgramHasWrittenMeanwhile)
+{
+    PlistUserDefaults store(file());
+    store.set("LaunchMode", "window");
+    store.synchronize();
+    const std::string foreign = "<plist><dict><key>Foreign</key><uid>3</uid></dict></plist>";
+    writeFile(foreign);
+
+    store.set("LaunchMode", "menubar");
+    store.synchronize();
+
+    ASSERT_THAT(otherFiles(), SizeIs(1));
+    EXPECT_EQ(contentsOf(folder() / otherFiles().front()), foreign);
+    EXPECT_EQ(valuesInFile(), (Dictionary{{"LaunchMode", "menubar"}}));
+}
+
+TEST_F(PlistUserDefaultsFailureTest, LeavesAFileAloneOfWhichItCanKeepNoCopy)
+{
+    const WithoutRootsRights rights(folder());
+    const fs::path target = folder() / "elsewhere/settings";
+    const std::string before = "<plist><dict><key>Foreign</key><uid>3</uid></dict></plist>";
+    fs::create_directory(target.parent_path());
+    std::ofstream(target) << before;
+    fs::create_symlink(target, file());
+    std::ofstream(file().string() + ".lock");
+    fs::permissions(folder(), fs::perms::owner_read | fs::perms::owner_exec);
+
+    PlistUserDefaults store(file());
+    store.set("LaunchMode", "window");
+    store.synchronize();
+    store.synchronize();
+
+    fs::permissions(folder(), fs::perms::owner_all);
+    EXPECT_EQ(contentsOf(target), before);
+    EXPECT_EQ(store.object("LaunchMode"), PropertyValue("window"));
+    EXPECT_THAT(log(), ElementsAre(AllOf(StartsWith("⚠️ User defaults not written: " + file().string() + ".damaged-"),
+                                         testing::EndsWith(": Permission denied"))));
+}
+
 constexpr int kNotPermitted = 77;
 
 /// In a child: lays a file system of a few blocks over \a folder, seen by this process alone; ends it where it may not.

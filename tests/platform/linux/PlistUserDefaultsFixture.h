@@ -32,7 +32,7 @@ protected:
             ADD_FAILURE() << error->localizedDescription();
             return {};
         }
-        return std::get<PropertyValue::Dictionary>(result);
+        return std::get<PropertyList>(result).values;
     }
 
     void writeFile(std::string_view bytes) const { std::ofstream(file(), std::ios::binary) << bytes; }

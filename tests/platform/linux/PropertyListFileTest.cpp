@@ -30,7 +30,7 @@ Dictionary dictionaryOf(const std::string &text)
         ADD_FAILURE() << error->localizedDescription() << " in " << text;
         return {};
     }
-    return std::get<Dictionary>(result);
+    return std::get<PropertyList>(result).values;
 }
 
 std::string listWith(const std::string &value)
@@ -249,7 +249,7 @@ TEST(PropertyListFile, RefusesEveryTruncatedList)
     for (std::size_t length = 0; length < end; ++length)
         EXPECT_TRUE(std::holds_alternative<Error>(readPropertyList(whole.substr(0, length)))) << "at " << length;
 
-    EXPECT_TRUE(std::holds_alternative<Dictionary>(readPropertyList(whole.substr(0, end))));
+    EXPECT_TRUE(std::holds_alternative<PropertyList>(readPropertyList(whole.substr(0, end))));
 }
 
 TEST(PropertyListFile, NamesTheLineOfTheDamage)

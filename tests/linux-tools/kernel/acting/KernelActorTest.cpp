@@ -194,6 +194,45 @@ TEST(KernelActor, RenamesAMountedVolumeAndMountsItAgainUnderItsNewName)
     EXPECT_FALSE(fs::exists(kernel.media() / "ann/STICK"));
 }
 
+TEST(KernelActor, MountsAVolumeAgainWhoseRenameFailed)
+{
+    ActingKernel kernel;
+    kernel.plugStick();
+    kernel.addProgram("fatlabel", "echo bad sector; exit 1");
+    ASSERT_EQ(kernel.run({"mount", "disk7s2"}).status, 0);
+
+    const Outcome outcome = kernel.run({"rename", "disk7s2", "X"});
+
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.errors, "fatlabel failed with status 1: bad sector\n");
+    EXPECT_THAT(kernel.mountPoints(), ElementsAre(kernel.media() / "ann/STICK"));
+}
+
+TEST(KernelActor, SaysSoWhereAVolumeCannotBeMountedAgain)
+{
+    ActingKernel kernel;
+    kernel.plugStick();
+    kernel.addProgram("fatlabel", "exit 1");
+    ASSERT_EQ(kernel.run({"mount", "disk7s2"}).status, 0);
+    kernel.mountError = EIO;
+
+    const Outcome outcome = kernel.run({"rename", "disk7s2", "X"});
+
+    EXPECT_THAT(outcome.errors, HasSubstr("fatlabel failed with status 1"));
+    EXPECT_THAT(outcome.errors, HasSubstr("disk7s2 is not mounted again"));
+}
+
+TEST(KernelActor, LeavesAnUnmountedVolumeUnmountedWhoseRenameFailed)
+{
+    ActingKernel kernel;
+    kernel.plugStick();
+    kernel.addProgram("fatlabel", "exit 1");
+
+    EXPECT_EQ(kernel.run({"rename", "disk7s2", "X"}).status, 1);
+
+    EXPECT_THAT(kernel.mounted, IsEmpty());
+}
+
 TEST(KernelActor, RenamesNothingThatTheSystemHasMountedElsewhere)
 {
     ActingKernel kernel;

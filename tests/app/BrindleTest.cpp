@@ -1,0 +1,107 @@
+#include <QDir>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <string>
+
+namespace brindle {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+constexpr int kPatience = 60'000; // milliseconds; nothing waits for so long but a failing test
+
+/// The program as a process without a screen, with a home and temporary files of its own.
+class BrindleTest : public testing::Test {
+protected:
+    ~BrindleTest() override
+    {
+        if (process.state() != QProcess::NotRunning)
+            process.kill();
+        process.waitForFinished(kPatience);
+    }
+
+    void start(const QStringList &arguments)
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        environment.insert(QStringLiteral("HOME"), home.path());
+        environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), home.path());
+        environment.insert(QStringLiteral("TMPDIR"), temporary.path());
+        for (const char *name : {"DBUS_SESSION_BUS_ADDRESS", "XDG_CONFIG_HOME", "BRINDLE_TOOL_ROOT"})
+            environment.remove(QString::fromLatin1(name));
+        process.setProcessEnvironment(environment);
+        process.start(QStringLiteral(BRINDLE), arguments);
+    }
+
+    void waitForLine(const char *line)
+    {
+        while (!output.contains(line) && process.waitForReadyRead(kPatience))
+            output += process.readAllStandardOutput();
+        ASSERT_THAT(output.toStdString(), HasSubstr(line));
+    }
+
+    void waitForEnd() { ASSERT_TRUE(process.waitForFinished(kPatience)); }
+
+    [[nodiscard]] QStringList demoMachines() const
+    {
+        return QDir(temporary.path()).entryList({QStringLiteral("brindle-demo-*")}, QDir::Dirs);
+    }
+
+    QTemporaryDir home;
+    QTemporaryDir temporary;
+    QProcess process;
+    QByteArray output;
+};
+
+TEST_F(BrindleTest, TellsHowItIsCalled)
+{
+    start({QStringLiteral("--help")});
+    waitForEnd();
+
+    EXPECT_EQ(process.exitCode(), 0);
+    EXPECT_THAT(process.readAllStandardOutput().toStdString(), StartsWith("Usage: brindle [--demo[=ask]]\n"));
+}
+
+TEST_F(BrindleTest, RefusesWhatItDoesNotKnow)
+{
+    start({QStringLiteral("--demon")});
+    waitForEnd();
+
+    EXPECT_EQ(process.exitCode(), 2);
+    EXPECT_EQ(process.readAllStandardError().toStdString(),
+              "brindle: --demon can't be understood; brindle --help tells what can\n");
+}
+
+struct SignalCase {
+    const char *name;
+    int number;
+};
+
+class DemoEndedBySignal : public BrindleTest, public testing::WithParamInterface<SignalCase> {};
+
+INSTANTIATE_TEST_SUITE_P(By, DemoEndedBySignal,
+                         testing::Values(SignalCase{"SIGTERM", SIGTERM}, SignalCase{"SIGINT", SIGINT},
+                                         SignalCase{"SIGHUP", SIGHUP}),
+                         [](const auto &row) { return row.param.name; });
+
+TEST_P(DemoEndedBySignal, LeavesNoMachineBehind)
+{
+    start({QStringLiteral("--demo"), QStringLiteral("-launchMode"), QStringLiteral("window")});
+    waitForLine("🚀 Brindle Starting...");
+    ASSERT_EQ(demoMachines().size(), 1);
+
+    ASSERT_EQ(::kill(static_cast<pid_t>(process.processId()), GetParam().number), 0);
+    waitForEnd();
+
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(demoMachines().size(), 0);
+}
+
+} // namespace
+} // namespace brindle
