@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Verdict.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -57,7 +59,7 @@ inline Comparison compare(const std::string &name, int rounds, double allowedRat
     }
     const Comparison result{median(std::move(oursMs)), median(std::move(peerMs))};
     fmt::print("{:<44} {:>10.3f} ms {:>10.3f} ms  {:>5.2f} x  allowed {:.2f} x  {}\n", name, result.oursMs,
-               result.peerMs, result.ratio(), allowedRatio, result.ratio() <= allowedRatio ? "ok" : "TOO SLOW");
+               result.peerMs, result.ratio(), allowedRatio, verdict(result.ratio() <= allowedRatio, "TOO SLOW"));
     std::fflush(stdout);
     return result;
 }

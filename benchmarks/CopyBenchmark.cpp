@@ -2,6 +2,8 @@
 // system calls; then copy, flush and verification over `rsync -a`, `sync -f` and `rsync -anc`. On a fresh ext4 of a
 // loop device, which is read past the memory of the machine.
 
+#include "Verdict.h"
+
 #include <fmt/format.h>
 
 #include <fcntl.h>
@@ -206,8 +208,7 @@ void print(const std::string &what, const char *unit, const Way &ours, double Co
     const auto &best = *std::ranges::min_element(peers, {}, [&](const Way &way) { return way.cost.*figure; });
     const double ratio = ours.cost.*figure / (best.cost.*figure);
     fmt::print("{:<34} {:>9.1f} {:<5} {:>9.1f} {:<5} {:<10} {:>5.2f} x  allowed {:.2f} x  {}\n", what,
-               ours.cost.*figure, unit, best.cost.*figure, unit, best.name, ratio, allowed,
-               ratio <= allowed ? "ok" : "TOO MUCH");
+               ours.cost.*figure, unit, best.cost.*figure, unit, best.name, ratio, allowed, verdict(ratio <= allowed));
     std::fflush(stdout);
 }
 
@@ -272,4 +273,5 @@ int main()
     }
     for (const Sample &sample : {Sample{600, 58'000'000}, Sample{4000, 153'000'000}})
         compareAt(sample, BRINDLECTL, COPY_FOLDER);
+    return verdictStatus();
 }

@@ -147,14 +147,15 @@ bool canAttachLoopDisks()
 /// Runs this program again in a mount and network namespace of its own, whose udevd nothing else notices.
 void compareWithUdev(const std::string &program)
 {
-    const std::string inside = fmt::format("mount -t tmpfs tmpfs /run && mkdir -p /run/udev && "
-                                           "{{ /lib/systemd/systemd-udevd >/dev/null 2>&1 & udevd=$!; "
-                                           "while ! [ -S /run/udev/control ]; do sleep 0.05; done; "
-                                           "udevadm trigger -s block; {} with-udev; kill $udevd; }}",
-                                           program);
+    const std::string inside =
+        fmt::format("mount -t tmpfs tmpfs /run && mkdir -p /run/udev && "
+                    "{{ /lib/systemd/systemd-udevd >/dev/null 2>&1 & udevd=$!; "
+                    "while ! [ -S /run/udev/control ]; do sleep 0.05; done; "
+                    "udevadm trigger -s block; {} with-udev; status=$?; kill $udevd; exit $status; }}",
+                    program);
     std::fflush(stdout);
     if (access("/lib/systemd/systemd-udevd", X_OK) == 0)
-        (void)std::system(fmt::format("unshare -m -n sh -c '{}'", inside).c_str());
+        (void)verdict(std::system(fmt::format("unshare -m -n sh -c '{}'", inside).c_str()) == 0);
     else
         fmt::print("with udev: not measured, there is no udevd\n");
 }
@@ -174,4 +175,5 @@ int main(int count, char **words)
         fmt::print("no loop devices: only the machine's own disks are measured\n");
         compareHere(firstLineOf("lsblk -dnpo NAME"), "");
     }
+    return verdictStatus();
 }

@@ -119,8 +119,9 @@ void reportOwnCost(int disks)
         cpuMs.push_back(usage.cpuMs);
         peakKilobytes = std::max(peakKilobytes, usage.peakKilobytes);
     }
-    fmt::print("brindlectl's own, {:>3} disks: {:>6.1f} ms of CPU, {:.1f} MB at most, allowed {} MB\n", disks,
-               median(std::move(cpuMs)), static_cast<double>(peakKilobytes) / 1024, kAllowedKilobytes / 1024);
+    fmt::print("brindlectl's own, {:>3} disks: {:>6.1f} ms of CPU, {:.1f} MB at most, allowed {} MB  {}\n", disks,
+               median(std::move(cpuMs)), static_cast<double>(peakKilobytes) / 1024, kAllowedKilobytes / 1024,
+               verdict(peakKilobytes <= kAllowedKilobytes));
 }
 
 } // namespace
@@ -132,7 +133,7 @@ int main(int count, char **words)
     using namespace brindle;
     if (count > 1) {
         compareAt(std::stoi(words[1]), "0", 31);
-        return 0;
+        return verdictStatus();
     }
     for (const int disks : {8, 32, 128}) {
         compareAt(disks, "0", 31);
@@ -140,4 +141,5 @@ int main(int count, char **words)
     }
     for (const int disks : {0, 8, 32, 128})
         reportOwnCost(disks);
+    return verdictStatus();
 }

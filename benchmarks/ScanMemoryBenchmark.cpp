@@ -1,5 +1,7 @@
 // Anonymous memory over 1,000 scans of unchanged disks in one process: what scan 1,000 holds beyond scan 100.
 
+#include "Verdict.h"
+
 #include "assembly/Assembly.h"
 #include "base/BlockOn.h"
 #include "base/Log.h"
@@ -64,5 +66,6 @@ int main(int argc, char **argv)
     }
     const long growth = anonymousKilobytes() - atFirst;
     fmt::print("memory of scan {} beyond scan {}: {} KB of {} KB, allowed {} KB  {}\n", kScans, kFirstMeasured, growth,
-               atFirst, kAllowedKilobytes, growth <= kAllowedKilobytes ? "ok" : "TOO MUCH");
+               atFirst, kAllowedKilobytes, verdict(growth <= kAllowedKilobytes));
+    return verdictStatus();
 }

@@ -188,4 +188,5 @@ int main()
     }
     for (const Reader &reader : readersOfEndlessLines())
         compareWithPieces(reader);
+    return verdictStatus();
 }

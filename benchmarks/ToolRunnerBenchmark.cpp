@@ -52,4 +52,5 @@ int main(int argc, char **argv)
     ToolRunner tools(launcher, scheduler);
     compare(
         "tool runner, 500 x true", 15, 1.5, [&] { blockOn(runAll(&tools)); }, startBare);
+    return verdictStatus();
 }

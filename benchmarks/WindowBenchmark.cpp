@@ -3,6 +3,7 @@
 // then scrolling through 500 disks. The peers are taken at the moment their window comes up, whatever it shows by then.
 
 #include "Compare.h"
+#include "Verdict.h"
 #include "support/SimulatedMachine.h"
 
 #include <fmt/format.h>
@@ -284,7 +285,7 @@ struct Contender {
 void print(const std::string &name, double ours, double allowed, const char *unit)
 {
     fmt::print("{:<60} {:>8.1f} {}  allowed {:>8.1f} {}  {}\n", name, ours, unit, allowed, unit,
-               ours <= allowed ? "ok" : "TOO MUCH");
+               verdict(ours <= allowed));
     std::fflush(stdout);
 }
 
@@ -401,5 +402,5 @@ int main(int count, char **words)
         compareStarts(screen);
     if (what != "starts")
         scrollThrough(500);
-    return 0;
+    return verdictStatus();
 }

@@ -14,6 +14,7 @@ Assembly::Assembly(Platform platform)
                         .userDefaults = *m_platform.userDefaults,
                         .toolPaths = m_platform.toolPaths,
                         .unfinishedWork = m_unfinishedWork,
+                        .service = m_platform.bundle.identifier.value_or(KeychainHelper::kService),
                         .isRoot = m_platform.isRoot,
                         .isSecretStoreTemporary = m_platform.isSecretStoreTemporary}),
       m_notificationManager(*m_platform.userNotifications, *m_platform.userDefaults, *m_platform.childProcesses,

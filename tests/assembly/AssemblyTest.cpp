@@ -2,6 +2,7 @@
 
 #include "base/BlockOn.h"
 #include "base/DefaultsKeys.h"
+#include "platform/MemorySecretStore.h"
 #include "support/FakeUserNotifications.h"
 #include "support/FakeWorkspace.h"
 #include "support/SimulatedMachine.h"
@@ -20,6 +21,22 @@ namespace brindle {
 namespace {
 
 using namespace std::chrono_literals;
+
+TEST(Assembly, StoresThePasswordUnderTheIdentifierOfItsBundle)
+{
+    SimulatedMachine machine;
+    Platform platform = machine.platform();
+    auto owned = std::make_unique<MemorySecretStore>();
+    MemorySecretStore &store = *owned;
+    platform.secretStore = std::move(owned);
+    platform.bundle.identifier = "org.example.Other";
+    Assembly assembly(std::move(platform));
+
+    ASSERT_TRUE(assembly.keychainHelper().storePassword(Secret("pass")));
+
+    EXPECT_TRUE(store.find({"org.example.Other", KeychainHelper::kAccount}));
+    EXPECT_FALSE(store.find({KeychainHelper::kService, KeychainHelper::kAccount}));
+}
 
 TEST(Assembly, TellsOfAMountByTheDesktopsNotifications)
 {
