@@ -32,8 +32,11 @@ Descriptor::~Descriptor()
 std::optional<std::string> readFile(const std::string &path)
 {
     const Descriptor file(path, O_RDONLY);
-    if (!file.isValid())
-        return std::nullopt;
+    return file.isValid() ? readOpened(file, std::string::npos) : std::nullopt;
+}
+
+std::optional<std::string> readOpened(const Descriptor &file, std::size_t most)
+{
     std::string bytes;
     std::array<char, 4096> chunk{};
     for (;;) {
@@ -45,6 +48,10 @@ std::optional<std::string> readFile(const std::string &path)
         bytes.append(chunk.data(), static_cast<std::size_t>(count));
         if (count == 0)
             return bytes;
+        if (bytes.size() > most) {
+            errno = EFBIG;
+            return std::nullopt;
+        }
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -30,7 +31,11 @@ private:
 /// The bytes of a file; `nullopt` when it can't be read. For the files of sysfs and procfs, which have no size.
 [[nodiscard]] std::optional<std::string> readFile(const std::string &path);
 
-/// The same; empty when it can't be read.
+/// What is left to read of an open file; `nullopt`, with the reason in errno, when that fails or is more than \a most
+/// bytes.
+[[nodiscard]] std::optional<std::string> readOpened(const Descriptor &file, std::size_t most);
+
+/// The same as readFile(); empty when it can't be read.
 [[nodiscard]] std::string fileBytes(const std::string &path);
 
 /// The number that a file begins with, in decimal or behind "0x"; `nullopt` for any other file.

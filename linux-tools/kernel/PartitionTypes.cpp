@@ -32,6 +32,7 @@ constexpr std::array kGuids{
     GuidName{"0F4868E9-9952-4706-979F-3ED3A473E947", "Linux Filesystem"}, // /usr, MIPS, little-endian
     GuidName{"0FC63DAF-8483-4772-8E79-3D69D8477DE4", "Linux Filesystem"},
     GuidName{"15BB03AF-77E7-4D4A-B12B-C0D084F7491C", "Linux Filesystem"}, // /usr, PowerPC 64, little-endian
+    GuidName{"1AACDB3B-5444-4138-BD9E-E5C2239B2346", "Linux Filesystem"}, // root, PA-RISC
     GuidName{"1DE3F1EF-FA98-47B5-8DCD-4A860A654D78", "Linux Filesystem"}, // root, PowerPC
     GuidName{"2C9739E2-F068-46B3-9FD0-01C5A9AFBCCA", "Linux Filesystem"}, // /usr, PowerPC 64
     GuidName{"37C58C8A-D913-4156-A25F-48B1B64E07F0", "Linux Filesystem"}, // root, MIPS, little-endian
@@ -41,6 +42,7 @@ constexpr std::array kGuids{
     GuidName{"4D21B016-B534-45C2-A9FB-5C16E091FD2D", "Linux Filesystem"}, // /var
     GuidName{"4F68BCE3-E8CD-4DB1-96E7-FBCAF984B709", "Linux Filesystem"}, // root, x86-64
     GuidName{"55497029-C7C1-44CC-AA39-815ED1558630", "Linux Filesystem"}, // /usr, TILE-Gx
+    GuidName{"57E13958-7331-4365-8E6E-35EEEE17C61B", "Linux Filesystem"}, // /usr, MIPS 64
     GuidName{"5EEAD9A9-FE09-4A1E-A1D7-520D00531306", "Linux Filesystem"}, // root, s390x
     GuidName{"60D5A7FE-8E7D-435C-B714-3DD8162144E1", "Linux Filesystem"}, // root, RISC-V 32
     GuidName{"6523F8AE-3EB1-4E2A-A05A-18B695AE656F", "Linux Filesystem"}, // root, Alpha
@@ -49,6 +51,7 @@ constexpr std::array kGuids{
     GuidName{"72EC70A6-CF74-40E6-BD49-4BDA08E8F224", "Linux Filesystem"}, // root, RISC-V 64
     GuidName{"75250D76-8CC6-458E-BD66-BD47CC81A812", "Linux Filesystem"}, // /usr, x86
     GuidName{"77055800-792C-4F94-B39A-98C91B762BB6", "Linux Filesystem"}, // root, LoongArch 64
+    GuidName{"773B2ABC-2A99-4398-8BF5-03BAAC40D02B", "Linux Filesystem"}, // /usr, MIPS
     GuidName{"773F91EF-66D4-49B5-BD83-D683BF40AD16", "Linux Filesystem"}, // a user's home
     GuidName{"7978A683-6316-4922-BBEE-38BFF5A2FECC", "Linux Filesystem"}, // /usr, ARC
     GuidName{"7D0359A3-02B3-4F0A-865C-654403E70625", "Linux Filesystem"}, // /usr, ARM
@@ -68,9 +71,12 @@ constexpr std::array kGuids{
     GuidName{"C50CDD70-3862-4CC3-90E1-809A8C93EE2C", "Linux Filesystem"}, // root, TILE-Gx
     GuidName{"C97C1F32-BA06-40B4-9F22-236061B08AA8", "Linux Filesystem"}, // /usr, MIPS 64, little-endian
     GuidName{"CD0F869B-D0FB-4CA0-B141-9EA87CC78D66", "Linux Filesystem"}, // /usr, s390
+    GuidName{"D113AF76-80EF-41B4-BDB6-0CFF4D3D4A25", "Linux Filesystem"}, // root, MIPS 64
     GuidName{"D27F46ED-2919-4CB8-BD25-9531F3C16534", "Linux Filesystem"}, // root, ARC
+    GuidName{"DC4A4480-6917-4262-A4EC-DB9384949F25", "Linux Filesystem"}, // /usr, PA-RISC
     GuidName{"E18CF08C-33EC-4C0D-8246-C6C6FB3DA024", "Linux Filesystem"}, // /usr, Alpha
     GuidName{"E611C702-575C-4CBE-9A46-434FA0BF7E3F", "Linux Filesystem"}, // /usr, LoongArch 64
+    GuidName{"E9434544-6E2C-47CC-BAE2-12D6DEAFB44C", "Linux Filesystem"}, // root, MIPS
     GuidName{"0657FD6D-A4AB-43C4-84E5-0933C84B4F4F", "Linux Swap"},
     GuidName{"7FFEC5C9-2D00-49B7-8941-3EA10A5586B7", "Linux dm-crypt"},
     GuidName{"A19D880F-05FC-4D3B-A006-743F0F84911E", "Linux RAID"},

@@ -19,6 +19,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr mode_t kNewFileMode = 0644;
+constexpr std::size_t kLargestFile = 64 << 20; // A machine of hundreds of disks takes less than 1 MiB.
 constexpr std::chrono::milliseconds kLockInterval{5};
 
 void require(bool isDone, const fs::path &path)
@@ -66,7 +67,12 @@ FolderLock::FolderLock(const fs::path &folder, std::chrono::milliseconds patienc
 
 std::string readWholeFile(const fs::path &path)
 {
-    std::optional<std::string> text = readFile(path);
+    const Descriptor file = opened(path, O_RDONLY | O_NONBLOCK | O_NOCTTY); // A pipe must not hold us up.
+    struct stat status {};
+    require(::fstat(file.get(), &status) == 0, path);
+    if (!S_ISREG(status.st_mode))
+        throw MachineFileError(fmt::format("{}: not a regular file", path.string()));
+    std::optional<std::string> text = readOpened(file, kLargestFile);
     require(text.has_value(), path);
     return std::move(*text);
 }

@@ -20,7 +20,8 @@ private:
     Descriptor m_folder;
 };
 
-/// The whole file; std::system_error.
+/// The whole file, of at most 64 MiB. Never waits: a MachineFileError where it is a pipe, a device or a folder;
+/// std::system_error for the rest.
 [[nodiscard]] std::string readWholeFile(const std::filesystem::path &path);
 
 /// Puts \a text in the place of the file in one step, with the file's permissions: a reader sees the old text or the

@@ -16,22 +16,20 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Where the program's own is, relative to it: bin/brindlectl, share/brindle/demo.
-fs::path shippedMachine()
-{
-    return fs::path(QCoreApplication::applicationDirPath().toStdString()) / "../share/brindle/demo";
-}
-
-/// Copies a folder. Its links to the tools, which lie beside it, become absolute: they hold at any place then.
+/// Copies a folder. Its links to the tools, which lie beside it, become absolute: they hold at any place then. What is
+/// installed for all may be read-only; the copy is there to be changed.
 void copyMachine(const fs::path &from, const fs::path &to)
 {
-    fs::copy(from, to, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
     for (const fs::directory_entry &entry : fs::recursive_directory_iterator(from)) {
-        if (!entry.is_symlink())
-            continue;
-        const fs::path link = to / fs::relative(entry.path().parent_path(), from) / entry.path().filename();
-        fs::remove(link);
-        fs::create_symlink(fs::canonical(entry.path()), link);
+        const fs::path copy = to / entry.path().lexically_relative(from);
+        if (entry.is_symlink()) {
+            fs::create_symlink(fs::canonical(entry.path()), copy);
+        } else if (entry.is_directory()) {
+            fs::create_directory(copy);
+        } else {
+            fs::copy_file(entry.path(), copy);
+            fs::permissions(copy, fs::perms::owner_write, fs::perm_options::add);
+        }
     }
 }
 
@@ -44,10 +42,12 @@ Secret passwordOf(const fs::path &machine)
 
 } // namespace
 
-DemoMachine::DemoMachine(Password password) : m_folder(makeTemporaryFolder("demo")), m_password(password)
+DemoMachine::DemoMachine(Password password, const fs::path &shipped)
+    : m_folder(makeTemporaryFolder("demo")),
+      m_password(password)
 {
     try {
-        copyMachine(shippedMachine(), m_folder);
+        copyMachine(shipped, m_folder);
     } catch (const fs::filesystem_error &error) {
         fs::remove_all(m_folder);
         throw Error("DemoMachine", error.code().value(),
@@ -67,6 +67,12 @@ PlatformChanges DemoMachine::platformChanges() const
     return {.toolRoot = m_folder.string(),
             .userDefaultsFile = m_folder / "settings.plist",
             .password = isStored ? std::optional(passwordOf(m_folder)) : std::nullopt};
+}
+
+/// Where the program's own is, relative to it: bin/brindlectl, share/brindle/demo.
+fs::path DemoMachine::shippedMachine()
+{
+    return fs::path(QCoreApplication::applicationDirPath().toStdString()) / "../share/brindle/demo";
 }
 
 } // namespace brindle

@@ -1,11 +1,16 @@
 #include "assembly/DemoMachine.h"
 
+#include "base/Error.h"
+
 #include <QProcess>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace brindle {
 namespace {
@@ -51,6 +56,59 @@ TEST(DemoMachine, IsGoneAtItsEnd)
     }
 
     EXPECT_FALSE(fs::exists(root));
+}
+
+/// Lets nobody write to a machine until its end.
+class ReadOnlyMachine {
+public:
+    explicit ReadOnlyMachine(fs::path root) : m_root(std::move(root)) { change(fs::perm_options::remove); }
+    ~ReadOnlyMachine() { change(fs::perm_options::add); }
+    ReadOnlyMachine(const ReadOnlyMachine &) = delete;
+    ReadOnlyMachine &operator=(const ReadOnlyMachine &) = delete;
+
+private:
+    void change(fs::perm_options options) const
+    {
+        for (const fs::directory_entry &entry : fs::recursive_directory_iterator(m_root)) {
+            if (!entry.is_symlink())
+                fs::permissions(entry, fs::perms::owner_write, options);
+        }
+    }
+
+    fs::path m_root;
+};
+
+std::vector<std::string> unwritableIn(const fs::path &machine)
+{
+    std::vector<std::string> names;
+    for (const fs::directory_entry &entry : fs::recursive_directory_iterator(machine)) {
+        if (!entry.is_symlink() && (entry.status().permissions() & fs::perms::owner_write) == fs::perms::none)
+            names.push_back(entry.path().lexically_relative(machine));
+    }
+    return names;
+}
+
+TEST(DemoMachine, MayBeChangedWhereTheShippedOneMayNot)
+{
+    const DemoMachine shipped;
+    const std::string root = shipped.platformChanges().toolRoot.value();
+    const ReadOnlyMachine readOnly(root);
+
+    const DemoMachine demo(DemoMachine::Password::stored, root);
+
+    ASSERT_THAT(unwritableIn(root), testing::Contains("machine.json"));
+    EXPECT_THAT(unwritableIn(*demo.platformChanges().toolRoot), testing::IsEmpty());
+}
+
+TEST(DemoMachine, NamesTheMachineThatIsNotInstalled)
+{
+    try {
+        const DemoMachine demo(DemoMachine::Password::stored, "/no-such-machine");
+        FAIL() << "nothing was copied";
+    } catch (const Error &error) {
+        EXPECT_THAT(error.localizedDescription(), testing::StartsWith("The demo machine can't be copied: "));
+        EXPECT_THAT(error.localizedDescription(), testing::HasSubstr("/no-such-machine"));
+    }
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "cli/ComputerFixture.h"
 #include "support/FileTree.h"
+#include "support/Sanitizer.h"
 #include "support/ToolGate.h"
 
 #include <fmt/format.h>
@@ -13,6 +14,7 @@
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -49,6 +51,7 @@ protected:
         for (const char *disk : {"disk2", "disk4", "disk5", "disk6"}) // a scan is short without them
             runMachine({"out", root(), disk});
         fs::rename(root(), pristine());
+        renewMachine();
         EXPECT_EQ(run({"settings", "set", "ShowDiskSpaceIndicator", "true"}).status, 0);
     }
     ~ProgramKilledAtATool() override { ::prctl(PR_SET_CHILD_SUBREAPER, 0); }
@@ -60,18 +63,21 @@ protected:
         runMachine({"new", root(), "--from", pristine()});
     }
 
-    /// Begins the action and kills the program once \a count tools stand or stood at the gate.
-    KilledAction killAtTool(std::size_t count)
+    /// Begins the action on the machine anew and kills the program at the \a count-th tool that \a counts.
+    KilledAction killAtTool(std::size_t count, const std::function<bool(const KilledAction &)> &counts)
     {
+        renewMachine();
         KilledAction action;
         QProcess program;
+        std::size_t counted = 0;
         {
             const ToolGate gate(root());
             startThere(program, GetParam().arguments);
             EXPECT_TRUE(program.waitForBytesWritten());
             while (auto tool = gate.next(static_cast<pid_t>(program.processId()))) {
                 action.calls.push_back(tool->call);
-                if (action.calls.size() < count)
+                counted += counts(action) ? 1 : 0;
+                if (counted < count)
                     continue;
                 program.kill();
                 EXPECT_TRUE(program.waitForFinished(60'000));
@@ -84,6 +90,18 @@ protected:
         for (pid_t tool = 0; (tool = ::waitpid(-1, &status, 0)) > 0;)
             action.toolEnds[tool] = status;
         return action;
+    }
+
+    /// Whether the action's own tools have begun: the first one is sudo.
+    static bool isActing(const KilledAction &action)
+    {
+        return std::ranges::any_of(action.calls, [](const std::string &call) { return call.starts_with("sudo "); });
+    }
+
+    void expectWholeSettings()
+    {
+        EXPECT_THAT(settingsFiles(), ElementsAre("com.orlane.Brindle.plist", "com.orlane.Brindle.plist.lock"));
+        EXPECT_EQ(run({"settings", "get", "ShowDiskSpaceIndicator"}).output, "true\n");
     }
 
     void expectList()
@@ -134,9 +152,25 @@ private:
     }
 };
 
-TEST_P(ProgramKilledAtATool, LeavesAllFilesWholeAndTheToolEndsByItself)
+TEST_P(ProgramKilledAtATool, ChangesNothingBeforeThePasswordIsUsed)
 {
-    renewMachine();
+    constexpr std::size_t kStride = kIsSanitized ? 6 : 1; // where each process takes long to start
+    const json before = state();
+
+    for (std::size_t count = 1;; count += kStride) {
+        const KilledAction action = killAtTool(count, [](const KilledAction &) { return true; });
+        if (isActing(action))
+            break;
+
+        SCOPED_TRACE(fmt::format("killed at {}: {}", count, action.calls.back()));
+        EXPECT_TRUE(action.held);
+        EXPECT_EQ(state(), before);
+        expectWholeSettings();
+    }
+}
+
+TEST_P(ProgramKilledAtATool, LeavesTheMachineAsBeforeOrAfterTheActionWhoseToolEndsByItself)
+{
     const json before = state();
     EXPECT_EQ(runThere(GetParam().arguments).status, 0);
     const json after = state();
@@ -144,23 +178,19 @@ TEST_P(ProgramKilledAtATool, LeavesAllFilesWholeAndTheToolEndsByItself)
 
     bool isOver = false;
     for (std::size_t count = 1; !isOver; ++count) {
-        renewMachine();
-
-        const KilledAction action = killAtTool(count);
+        const KilledAction action = killAtTool(count, isActing);
 
         SCOPED_TRACE(fmt::format("killed at {}: {}", count, action.calls.back()));
-        const bool isActing = action.calls.back() == GetParam().acting;
+        const bool isPrivileged = action.calls.back() == GetParam().acting;
         const bool hasActed = std::ranges::find(action.calls, GetParam().acting) != action.calls.end();
         EXPECT_EQ(state(), hasActed ? after : before);
-        if (isActing) {
+        if (isPrivileged) {
             ASSERT_TRUE(action.held);
             EXPECT_TRUE(WIFEXITED(action.toolEnds.at(*action.held))); // with a complaint that nobody reads its output
         }
-        EXPECT_THAT(settingsFiles(), ElementsAre("com.orlane.Brindle.plist", "com.orlane.Brindle.plist.lock"));
-        EXPECT_EQ(run({"settings", "get", "ShowDiskSpaceIndicator"}).output, "true\n");
-        if (hasActed)
-            expectList();
-        isOver = !action.held || (GetParam().isFollowedByAScan && hasActed && !isActing);
+        expectWholeSettings();
+        expectList();
+        isOver = !action.held || (GetParam().isFollowedByAScan && hasActed && !isPrivileged);
     }
 }
 

@@ -228,6 +228,39 @@ TEST(MachineFile, NamesTheFileThatIsMissing)
     EXPECT_THAT(errorOf(machine.file()), HasSubstr((machine.root() / "machine.json").string()));
 }
 
+struct NoFileCase {
+    const char *name;
+    const char *making; ///< What a shell makes in the place of the file.
+    const char *error;
+};
+
+class IsRefusedAtOnce : public testing::TestWithParam<NoFileCase> {};
+
+TEST_P(IsRefusedAtOnce, WhereItIsNoFileThatEnds)
+{
+    const TestMachine machine;
+    machine.install("usr/sbin/diskutil", DISKUTIL_TOOL);
+    const std::string file = machine.root() / "machine.json";
+    std::filesystem::remove(file);
+    ASSERT_EQ(runProgram({"/bin/sh", "-c", std::string(GetParam().making) + " \"$0\"", file}).status, 0);
+
+    const Outcome outcome = runProgram({(machine.root() / "usr/sbin/diskutil").string(), "list"});
+
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.errors, "diskutil: " + file + ": " + GetParam().error + "\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    MachineFile, IsRefusedAtOnce,
+    testing::Values(NoFileCase{"Pipe", "mkfifo", "not a regular file"},
+                    NoFileCase{"LinkToAPipe", "mkfifo \"$0.pipe\"; ln -s \"$0.pipe\"", "not a regular file"},
+                    NoFileCase{"DeviceWithoutEnd", "ln -s /dev/zero", "not a regular file"},
+                    NoFileCase{"Folder", "mkdir", "not a regular file"},
+                    NoFileCase{"LinkToItself", "ln -s machine.json", "Too many levels of symbolic links"},
+                    NoFileCase{"FileOfMoreThan64MiB", "truncate -s 65M", "File too large"}),
+    [](const auto &info) { return std::string(info.param.name); });
+
 TEST(MachineFile, KeepsUnknownKeysAndTheirOrder)
 {
     const TestMachine machine;

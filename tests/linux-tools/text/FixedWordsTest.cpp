@@ -10,8 +10,8 @@ namespace {
 
 using namespace std::string_view_literals;
 
-// The words by which readers of the tools' text tell what a disk holds. They look for them anywhere in it, without
-// regard to case, so that no label and no answer of ours may hold one.
+// The words by which readers of the tools' text tell what a disk holds, or that something is missing. They look for
+// them anywhere in it, without regard to case, so that no label and no answer of ours may hold one.
 constexpr std::array kTellingWords{
     "apfs"sv,
     "apple_hfs"sv,
@@ -38,6 +38,7 @@ constexpr std::array kTellingWords{
     "zfs"sv,
     "zpool"sv,
     "jfs"sv,
+    "jffs2"sv,
     "journaled"sv,
     "reiser"sv,
     "bcachefs"sv,
@@ -67,6 +68,7 @@ constexpr std::array kTellingWords{
     "paragon"sv,
     "not applicable"sv,
     "could not be found"sv,
+    "total size:"sv,
     "gpt"sv,
     "apple_partition_scheme"sv,
     "(synthesized)"sv,

@@ -181,17 +181,18 @@ TEST_P(NamesTheFileSystem, AsTheReaderOfTheTextKnowsIt)
 
 INSTANTIATE_TEST_SUITE_P(
     FileSystems, NamesTheFileSystem,
-    testing::Values(NameCase{"Fat32", "vfat", "FAT32", "MS-DOS FAT32", "msdos"},
-                    NameCase{"Fat16", "vfat", "FAT16", "MS-DOS FAT16", "msdos"},
-                    NameCase{"FatOfUnknownWidth", "vfat", "", "MS-DOS FAT", "msdos"},
-                    NameCase{"Ntfs", "ntfs", "", "NTFS", "ntfs"}, NameCase{"Exfat", "exfat", "1.0", "ExFAT", "exfat"},
-                    NameCase{"Hfs", "hfsplus", "", "HFS+", "hfs"}, NameCase{"Apfs", "apfs", "", "APFS", "apfs"},
-                    NameCase{"Ext4", "ext4", "1.0", "ext4", "ext4"}, NameCase{"Xfs", "xfs", "", "XFS", "xfs"},
-                    NameCase{"Luks", "crypto_LUKS", "2", "LUKS", "luks"},
-                    NameCase{"Lvm", "LVM2_member", "", "Linux LVM", "lvm"},
-                    NameCase{"Zfs", "zfs_member", "5000", "ZFS", "zfs"},
-                    NameCase{"Raid", "linux_raid_member", "1.2", "linux_raid_member", "linux_raid_member"},
-                    NameCase{"Swap", "swap", "1", "Linux Swap", "swap"}),
+    testing::Values(
+        NameCase{"Fat32", "vfat", "FAT32", "MS-DOS FAT32", "msdos"},
+        NameCase{"Fat16", "vfat", "FAT16", "MS-DOS FAT16", "msdos"},
+        NameCase{"FatOfUnknownWidth", "vfat", "", "MS-DOS FAT", "msdos"}, NameCase{"Ntfs", "ntfs", "", "NTFS", "ntfs"},
+        NameCase{"Exfat", "exfat", "1.0", "ExFAT", "exfat"}, NameCase{"HfsPlus", "hfsplus", "", "HFS+", "hfs"},
+        NameCase{"Hfs", "hfs", "", "HFS", "hfs"}, NameCase{"Btrfs", "btrfs", "", "Btrfs", "btrfs"},
+        NameCase{"Iso9660", "iso9660", "", "ISO 9660", "cd9660"}, NameCase{"Udf", "udf", "2.01", "UDF", "udf"},
+        NameCase{"Apfs", "apfs", "", "APFS", "apfs"}, NameCase{"Ext4", "ext4", "1.0", "ext4", "ext4"},
+        NameCase{"Xfs", "xfs", "", "XFS", "xfs"}, NameCase{"Luks", "crypto_LUKS", "2", "LUKS", "luks"},
+        NameCase{"Lvm", "LVM2_member", "", "Linux LVM", "lvm"}, NameCase{"Zfs", "zfs_member", "5000", "ZFS", "zfs"},
+        NameCase{"Raid", "linux_raid_member", "1.2", "linux_raid_member", "linux_raid_member"},
+        NameCase{"Swap", "swap", "1", "Linux Swap", "swap"}),
     [](const auto &info) { return info.param.name; });
 
 } // namespace
