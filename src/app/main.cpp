@@ -120,7 +120,11 @@ int run(const Arguments &options, const std::vector<std::string> &arguments)
         return Interruption::Then::endBySignal;
     });
     application.finishLaunching();
-    return QApplication::exec();
+    // While the first tools run: the window comes a while after the start, and is whole by then.
+    QMetaObject::invokeMethod(&windows, &QtWindowHost::prepare, Qt::QueuedConnection);
+    const int status = QApplication::exec();
+    windows.setMakeContent({}); // what was prepared refers to the shell
+    return status;
 }
 
 } // namespace

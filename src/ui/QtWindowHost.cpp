@@ -11,6 +11,12 @@
 
 namespace brindle {
 
+namespace {
+
+constexpr QSize kAnySize{500, 150}; // until somebody asks for the window
+
+} // namespace
+
 QtWindowHost::QtWindowHost(QQmlEngine &engine) : m_engine(engine)
 {
     for (QScreen *screen : QGuiApplication::screens())
@@ -33,7 +39,16 @@ void QtWindowHost::observeScreen(QScreen *screen)
 
 void QtWindowHost::setMakeContent(MakeContent makeContent)
 {
+    m_prepared.reset();
     m_makeContent = std::move(makeContent);
+}
+
+void QtWindowHost::prepare()
+{
+    if (m_prepared)
+        return;
+    m_prepared = makeWindow();
+    m_prepared->create(); // on the screen's side, still hidden
 }
 
 void QtWindowHost::setColorScheme(ColorScheme scheme)
@@ -42,6 +57,8 @@ void QtWindowHost::setColorScheme(ColorScheme scheme)
     brindle::setColorScheme(m_engine, scheme);
     for (const auto &[id, window] : m_windows)
         window->content().setColorScheme(scheme);
+    if (m_prepared)
+        m_prepared->content().setColorScheme(scheme);
 }
 
 MainWindow *QtWindowHost::find(WindowID window) const
@@ -67,15 +84,22 @@ std::optional<double> QtWindowHost::visibleScreenHeight() const
 WindowHost::WindowID QtWindowHost::create(double width, double height)
 {
     const WindowID id{++m_lastID};
-    auto content = m_makeContent();
-    content->setColorScheme(m_colorScheme);
-    connect(content.get(), &WindowContentPresenter::quitRequested, this, &QtWindowHost::quitRequested);
-    auto window = std::make_unique<MainWindow>(m_engine, std::move(content), QSize(qRound(width), qRound(height)));
+    prepare();
+    std::unique_ptr<MainWindow> window = std::move(m_prepared);
+    window->setFixedSize(QSize(qRound(width), qRound(height)));
     // Later, because the window is in the midst of it.
     connect(
         window.get(), &MainWindow::closedByUser, this, [this, id] { closedByUser(id); }, Qt::QueuedConnection);
     m_windows.emplace(id, std::move(window));
     return id;
+}
+
+std::unique_ptr<MainWindow> QtWindowHost::makeWindow()
+{
+    auto content = m_makeContent();
+    content->setColorScheme(m_colorScheme);
+    connect(content.get(), &WindowContentPresenter::quitRequested, this, &QtWindowHost::quitRequested);
+    return std::make_unique<MainWindow>(m_engine, std::move(content), kAnySize);
 }
 
 void QtWindowHost::closedByUser(WindowID window)

@@ -20,8 +20,13 @@ public:
     explicit QtWindowHost(QQmlEngine &engine);
     ~QtWindowHost() override;
 
-    void setMakeContent(MakeContent makeContent); ///< Before the first window; called for each.
-    void setColorScheme(ColorScheme scheme);      ///< Of all windows, and of those to come.
+    /// Before the first window; called for each. What was prepared goes.
+    void setMakeContent(MakeContent makeContent);
+
+    /// Makes the next window ahead, so that it comes up at once when it is asked for. Nobody is told of it until then.
+    void prepare();
+
+    void setColorScheme(ColorScheme scheme); ///< Of all windows, and of those to come.
 
     /// Null where there is none of that name.
     [[nodiscard]] MainWindow *find(WindowID window) const;
@@ -41,6 +46,7 @@ Q_SIGNALS:
     void quitRequested();    ///< By the user, in any of the windows.
 
 private:
+    [[nodiscard]] std::unique_ptr<MainWindow> makeWindow();
     void closedByUser(WindowID window);
     void observeScreen(QScreen *screen);
 
@@ -48,6 +54,7 @@ private:
     MakeContent m_makeContent;
     ColorScheme m_colorScheme = ColorScheme::light;
     std::map<WindowID, std::unique_ptr<MainWindow>> m_windows; ///< The oldest first.
+    std::unique_ptr<MainWindow> m_prepared;                    ///< The next one; null where it isn't made yet.
     unsigned m_lastID = 0;
 };
 

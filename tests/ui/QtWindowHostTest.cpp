@@ -33,7 +33,8 @@ protected:
                                                      .eraseFlow = eraseFlow,
                                                      .userDefaults = defaults,
                                                      .scheduler = clock,
-                                                     .windowHost = host});
+                                                     .windowHost = host,
+                                                     .unfinishedWork = unfinishedWork});
         });
         QObject::connect(&host, &QtWindowHost::lastWindowClosed, [this] { heard.emplace_back("last window closed"); });
         QObject::connect(&host, &QtWindowHost::quitRequested, [this] { heard.emplace_back("quit"); });
