@@ -8,6 +8,9 @@
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
 
+#include <QCoreApplication>
+#include <QThreadPool>
+
 #include <gtest/gtest.h>
 
 #include <deque>
@@ -47,6 +50,8 @@ private:
         auto [command, ended] = std::move(m_waiting.front());
         m_waiting.pop_front();
         m_running = m_real->launch(std::move(command), [this, ended = std::move(ended)](ChildProcessEnd end) {
+            QThreadPool::globalInstance()->waitForDone(); // a look at files is over before this end is told
+            QCoreApplication::sendPostedEvents();
             ended(std::move(end));
             startNext();
         });

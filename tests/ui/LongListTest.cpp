@@ -97,7 +97,7 @@ TEST_F(LongListTest, HoldsNoMoreRowsThanCanBeSeenSoon)
     list().setProperty("contentY", kDisks * 72 - 600);
     QmlWindow::settle();
     EXPECT_LT(rowsMade(), kInSightAndNear);
-    EXPECT_TRUE(window->shows(QStringLiteral("disk499")));
+    waitUntil([&] { return window->shows(QStringLiteral("disk499")); });
 }
 
 } // namespace
