@@ -23,10 +23,7 @@ public:
 
     void release() { m_release.complete(true); }
 
-    [[nodiscard]] QCoro::Task<bool> fileExists(std::string path) override
-    {
-        return m_real.fileExists(std::move(path));
-    }
+    [[nodiscard]] QCoro::Task<bool> fileExists(std::string path) override { return m_real.fileExists(std::move(path)); }
 
     [[nodiscard]] QCoro::Task<std::string> volumeAt(std::string mountPoint) override
     {
