@@ -22,6 +22,7 @@
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -70,7 +71,7 @@ protected:
         machine.addDisk("disk2").withEFI("BOOT");
         Platform platform = machine.platform();
         m_paths = platform.toolPaths;
-        platform.scheduler = std::make_unique<ManualClock>();
+        platform.scheduler = replacedBy(clock);
         platform.childProcesses = replacedBy(launcher);
         platform.fileManager = replacedBy(files);
         platform.dialogs = replacedBy(dialogs);
@@ -129,6 +130,7 @@ protected:
     FakeWindowHost windows{journal};
     FakeStatusItemHost statusItem;
     FakeAppearance appearance;
+    ManualClock *clock = nullptr;
     FakeLauncher *launcher = nullptr;
     HeldFileManager *files = nullptr;
     StandingDialogs *dialogs = nullptr;
@@ -379,6 +381,8 @@ TEST_P(QuitAmidAnAction, WaitsForTheEndOfTheTool)
     drainEventLoop();
     EXPECT_TRUE(hasEnded());
     EXPECT_EQ(launcher->terminations, 0);
+    clock->advance(std::chrono::seconds(2)); // an erase pauses and scans after its tool
+    EXPECT_TRUE(isOver());
 }
 
 TEST_F(QuitTest, WaitsForTheForcedUnmountThatFollowsARefusedOne)
