@@ -49,7 +49,11 @@ protected:
         scan();
         waitUntil([&] { return sudo() > 0; });
     }
-    ~EndOfAWatch() override { endSudo(); }
+    ~EndOfAWatch() override
+    {
+        endSudo();
+        drainEventLoop(); // whoever waits for the mount is told of its end
+    }
 
     /// Ends the watch, during which \a happens. What it says on standard error.
     std::string endWhile(const std::function<void()> &happens)
