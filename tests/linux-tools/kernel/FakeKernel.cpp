@@ -44,7 +44,7 @@ void put(std::string &bytes, std::size_t at, std::string_view text)
     bytes.replace(at, text.size(), text);
 }
 
-/// The checksum of a GPT, as the UEFI specification has it.
+/// The checksum of a GPT, the CRC-32 that UEFI defines.
 std::uint32_t crc32(std::string_view bytes)
 {
     constexpr std::uint32_t kPolynomial = 0xEDB88320;
