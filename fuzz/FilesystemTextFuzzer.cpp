@@ -73,13 +73,14 @@ void analyzeDisk(std::string_view text)
     require(implies(info.flags.hasExFAT, list.flags.hasExFAT), "an info's value is a part of its text");
 }
 
-/// But for Windows, which Basic Data with ExFAT takes back, more text never tells of less.
-void requireMore(const FilesystemFlags &whole, const FilesystemFlags &part)
+/// More text never tells of less, but for Windows: the type Basic Data takes back what a word behind it in the list
+/// told.
+void requireMore(const FilesystemFlags &whole, const FilesystemFlags &part, bool isBasicData)
 {
     require(implies(part.hasMacOS, whole.hasMacOS), "macOS stays");
     require(implies(part.hasLinux, whole.hasLinux), "Linux stays");
     require(implies(part.hasExFAT, whole.hasExFAT), "ExFAT stays");
-    require(implies(part.hasWindows, whole.hasWindows || whole.hasExFAT), "Windows stays, or gives way to ExFAT");
+    require(implies(part.hasWindows, whole.hasWindows || isBasicData), "Windows stays, or gives way to Basic Data");
 }
 
 void analyzePartition(std::string_view text)
@@ -99,8 +100,9 @@ void analyzePartition(std::string_view text)
                     contains(lowered, std::string_view(line).substr(word + 2)),
                 "a logged word stands in the text");
     }
-    requireMore(whole.flags, kAnalyze(text.substr(0, text.size() / 2), "disk0s1"));
-    requireMore(whole.flags, kAnalyze(text.substr(text.size() / 2), "disk0s1"));
+    const bool isBasicData = contains(lowered, "microsoft basic data");
+    requireMore(whole.flags, kAnalyze(text.substr(0, text.size() / 2), "disk0s1"), isBasicData);
+    requireMore(whole.flags, kAnalyze(text.substr(text.size() / 2), "disk0s1"), isBasicData);
 }
 
 void readPartitions(std::string_view section)

@@ -5,8 +5,6 @@
 #include "support/ChildOfTest.h"
 #include "support/CopyFaults.h"
 
-#include <QThreadPool>
-
 #include <cerrno>
 #include <csignal>
 #include <iostream>
@@ -141,7 +139,7 @@ protected:
                 continue;
             SCOPED_TRACE(fmt::format("killed at {} {}", function, which));
             EFICopyFlowRun run(GetParam().flow, bytes);
-            QThreadPool::globalInstance()->waitForDone(); // and no thread is left that the child would miss
+            endOtherThreads();
             const pid_t child = startChild([&] { run.perform(FileFault{{function, which}}); });
 
             EXPECT_EQ(endOf(child), -SIGKILL);

@@ -1,11 +1,16 @@
 #include "support/ChildOfTest.h"
 
+#include "support/WaitUntil.h"
+
 #include <gtest/gtest.h>
+
+#include <QThreadPool>
 
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
+#include <iterator>
 
 namespace brindle {
 
@@ -13,6 +18,13 @@ namespace {
 
 constexpr uid_t kNobody = 65534;
 
+}
+
+void endOtherThreads()
+{
+    using Threads = std::filesystem::directory_iterator;
+    QThreadPool::globalInstance()->waitForDone();
+    waitUntil([] { return std::distance(Threads("/proc/self/task"), Threads()) == 1; });
 }
 
 pid_t startChild(const std::function<void()> &body)

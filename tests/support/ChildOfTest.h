@@ -7,6 +7,10 @@
 
 namespace brindle {
 
+/// Ends the idle threads of Qt's pool and waits until the kernel has no other thread of this process any more. A thread
+/// that is still on its way out may hold the allocator's locks, and a child would wait for them for ever.
+void endOtherThreads();
+
 /// Starts a copy of this process that runs \a body and ends: with 0 where none of its expectations failed, else with 1.
 [[nodiscard]] pid_t startChild(const std::function<void()> &body);
 
