@@ -19,7 +19,7 @@ Row {
             frame: 22
             symbol: modelData.symbol
             tip: modelData.tip
-            focusPolicy: root.isCurrent ? Qt.TabFocus : Qt.NoFocus
+            activeFocusOnTab: root.isCurrent
             enabled: !root.presenter.isLoading
             onClicked: root.presenter.perform(modelData.action)
         }
