@@ -21,6 +21,9 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+/// Leaves numbers for the disks and containers that come to a machine here.
+constexpr std::uint64_t kLastDiskNumber = std::numeric_limits<std::uint32_t>::max() / 2;
+
 std::optional<Machine> described(const Json &json)
 {
     try {
@@ -32,14 +35,8 @@ std::optional<Machine> described(const Json &json)
 
 void eraseDisks(Json json, const Machine &machine, const Format &format)
 {
+    json["mounts"] = Json::array();
     for (const Disk &disk : machine.inventory.disks) {
-        for (const Partition &partition : disk.partitions)
-            removeMount(json, partition.identifier);
-        removeMount(json, disk.identifier);
-        for (const ApfsContainer &container : machine.inventory.containers) {
-            for (const ApfsVolume &volume : container.volumes)
-                removeMount(json, volume.identifier);
-        }
         if (disk.sizeBytes < kSmallestDiskBytes)
             continue;
         Json &partition = makeTable(*findObject(json, disk.identifier), format);
@@ -64,9 +61,9 @@ void replug(Json json, const Machine &machine)
 void rename(Json json, const Machine &machine)
 {
     for (const auto &[identifier, carrier] : machine.carriers) {
-        Json *const object = findObject(json, identifier);
-        if (object && !carrier.content.empty())
-            setName(*object, "NEW");
+        Json *const volume = findVolume(json, identifier);
+        if (volume && !carrier.content.empty())
+            setName(*volume, "NEW");
     }
     require(described(json).has_value(), "renamed volumes are volumes");
 }
@@ -81,7 +78,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         const Json json = Json::parse(text);
         require(positions.line("disks[0]") >= 1, "lines count from 1");
         const auto machine = described(json);
-        if (!machine || machine->nextDisk > std::numeric_limits<std::uint32_t>::max())
+        if (!machine || machine->nextDisk > kLastDiskNumber)
             return 0;
         require(described(Json::parse(json.dump(2))).has_value(), "what is written is read");
         rename(json, *machine);

@@ -88,21 +88,35 @@ Json freshPartition(const std::string &identifier, std::string_view type, std::u
         {"identifier", identifier}, {"type", type}, {"uuid", makeUuid()}, {"offsetBytes", offset}, {"sizeBytes", size}};
 }
 
+/// The APFS volume with the identifier, or what \a ofCarrier gives of the disk or partition with it.
+Json *find(Json &machine, std::string_view identifier, Json *(*ofCarrier)(Json &carrier))
+{
+    const auto volume = [&](Json &object) { return isCalled(object, identifier) ? &object : nullptr; };
+    const auto partition = [&](Json &object) -> Json * {
+        if (isCalled(object, identifier))
+            return ofCarrier(object);
+        const auto apfs = object.find("apfs");
+        return apfs == object.end() ? nullptr : findIn(*apfs, "volumes", volume);
+    };
+    const auto disk = [&](Json &object) {
+        return isCalled(object, identifier) ? ofCarrier(object) : findIn(object, "partitions", partition);
+    };
+    return findIn(machine, "disks", disk);
+}
+
 } // namespace
 
 Json *findObject(Json &machine, std::string_view identifier)
 {
-    const auto itself = [&](Json &object) { return isCalled(object, identifier) ? &object : nullptr; };
-    const auto partition = [&](Json &object) -> Json * {
-        if (isCalled(object, identifier))
-            return &object;
-        const auto apfs = object.find("apfs");
-        return apfs == object.end() ? nullptr : findIn(*apfs, "volumes", itself);
-    };
-    const auto disk = [&](Json &object) {
-        return isCalled(object, identifier) ? &object : findIn(object, "partitions", partition);
-    };
-    return findIn(machine, "disks", disk);
+    return find(machine, identifier, [](Json &carrier) { return &carrier; });
+}
+
+Json *findVolume(Json &machine, std::string_view identifier)
+{
+    return find(machine, identifier, [](Json &carrier) {
+        const auto volume = carrier.find("volume");
+        return volume == carrier.end() ? nullptr : &*volume;
+    });
 }
 
 void removeMount(Json &machine, std::string_view carrier)
@@ -119,12 +133,10 @@ void addMount(Json &machine, const std::string &carrier, const std::string &moun
     machine["mounts"].push_back(Json{{"carrier", carrier}, {"mountPoint", mountPoint}});
 }
 
-void setName(Json &carrier, const std::string &label)
+void setName(Json &volume, const std::string &label)
 {
-    const auto volume = carrier.find("volume");
-    Json &named = volume == carrier.end() ? carrier : *volume;
-    named.erase("nameHex");
-    named["name"] = label;
+    volume.erase("nameHex");
+    volume["name"] = label;
 }
 
 std::string format(Json &machine, Json &carrier, const Format &format, const std::string &label)

@@ -15,12 +15,14 @@ namespace brindle::tools {
 /// The object of a disk that is plugged in, of a partition or of an APFS volume; null when there is none.
 [[nodiscard]] nlohmann::ordered_json *findObject(nlohmann::ordered_json &machine, std::string_view identifier);
 
+/// The APFS volume, or the volume that a disk that is plugged in or a partition bears; null when there is none.
+[[nodiscard]] nlohmann::ordered_json *findVolume(nlohmann::ordered_json &machine, std::string_view identifier);
+
 /// Takes the mounts of \a carrier out.
 void removeMount(nlohmann::ordered_json &machine, std::string_view carrier);
 void addMount(nlohmann::ordered_json &machine, const std::string &carrier, const std::string &mountPoint);
 
-/// Names the volume that \a carrier, a disk, partition or APFS volume, is or bears.
-void setName(nlohmann::ordered_json &carrier, const std::string &label);
+void setName(nlohmann::ordered_json &volume, const std::string &label);
 
 /// Makes an empty file system on \a carrier, a disk or partition. APFS gets a container and a volume, whose identifier
 /// is given back; otherwise the carrier's own is.

@@ -167,7 +167,7 @@ std::string MachineFileActor::rename(const Target &target, std::string_view name
         requirePrivilege(now.device, [&] { return renameFailure(now, kNotPrivileged); });
         requireWritable(now.device);
         label = fittedLabel(name, fileSystem);
-        setName(*findObject(json, now.identifier()), label);
+        setName(*findVolume(json, now.identifier()), label);
     });
     return label;
 }

@@ -311,6 +311,18 @@ TEST(MachineFileActor, RenamesAnApfsVolume)
     EXPECT_EQ(machine.labelOf("disk1s3"), "Other name");
 }
 
+TEST(MachineFileActor, RenamesAnApfsVolumeWithAnUnknownKeyCalledVolume)
+{
+    const TestMachine machine;
+    auto json = machine.json();
+    json["disks"][0]["partitions"][1]["apfs"]["volumes"][2]["volume"] = 5;
+    machine.write(json.dump());
+
+    ASSERT_EQ(machine.diskutil({"rename", "disk1s3", "Other name"}).status, 0);
+
+    EXPECT_EQ(machine.labelOf("disk1s3"), "Other name");
+}
+
 TEST(MachineFileActor, LeavesAMountedVolumesFolderAtARename)
 {
     const TestMachine machine;
