@@ -46,17 +46,43 @@ BootloaderFlags flagsAt(const std::string &mountPoint)
             holdsOneOf(cloverFolder(mountPoint), {"CLOVERX64.efi", "config.plist"})};
 }
 
+void logLoaders(const BootloaderFlags &flags, const std::string &mountPoint)
+{
+    if (flags.hasOpenCore)
+        Log::line("   ✅ OpenCore confirmed at {}", openCoreFolder(mountPoint));
+    if (flags.hasClover)
+        Log::line("   ✅ Clover confirmed at {}", cloverFolder(mountPoint));
+}
+
 } // namespace
+
+void BootloaderDetector::forgetScans()
+{
+    scanCache.clear();
+    ++m_round;
+}
 
 QCoro::Task<BootloaderFlags> BootloaderDetector::detectBootloaders(std::string identifier, bool isBootDisk,
                                                                    bool isBootloaderDisk, bool efiMounted,
                                                                    std::optional<std::string> efiMountPoint)
 {
+    const std::optional<std::string> mountPoint = efiMounted ? std::move(efiMountPoint) : std::nullopt;
+    std::optional<BootloaderFlags> read;
+    if (mountPoint && !knownScan(identifier, *mountPoint)) {
+        auto reading = readAndKeep(identifier, *mountPoint);
+        read = co_await reading;
+    }
+    // From here on without a pause, so that the lines about a disk stand together.
     Log::line("🔍 Bootloader detection for {}: isBootDisk={} isBootloaderDisk={} efiMounted={}", identifier, isBootDisk,
               isBootloaderDisk, efiMounted);
-    if (efiMounted && efiMountPoint) {
-        auto reading = flagsOfFiles(std::move(identifier), *std::move(efiMountPoint));
-        co_return co_await reading;
+    if (read) {
+        logLoaders(*read, *mountPoint);
+        Log::line("   📂 File scan — OC: {}, Clover: {}", read->hasOpenCore, read->hasClover);
+        co_return *read;
+    }
+    if (mountPoint) {
+        Log::line("   💾 Bootloader scan cache hit for {}", identifier);
+        co_return *knownScan(identifier, *mountPoint);
     }
     // Once it is known where the boot loader came from, the disk with the system is no longer credited with it.
     if (isBootloaderDisk || (!bootloaderDiskIdentifier && isBootDisk))
@@ -65,17 +91,22 @@ QCoro::Task<BootloaderFlags> BootloaderDetector::detectBootloaders(std::string i
     co_return BootloaderFlags();
 }
 
-QCoro::Task<BootloaderFlags> BootloaderDetector::flagsOfFiles(std::string identifier, std::string mountPoint)
+std::optional<BootloaderFlags> BootloaderDetector::knownScan(const std::string &identifier,
+                                                             const std::string &mountPoint) const
 {
     const auto known = scanCache.find(identifier);
-    if (known != scanCache.end() && known->second.mountPoint == mountPoint) {
-        Log::line("   💾 Bootloader scan cache hit for {}", identifier);
-        co_return BootloaderFlags{known->second.hasOpenCore, known->second.hasClover};
-    }
+    if (known == scanCache.end() || known->second.mountPoint != mountPoint)
+        return std::nullopt;
+    return BootloaderFlags{known->second.hasOpenCore, known->second.hasClover};
+}
+
+QCoro::Task<BootloaderFlags> BootloaderDetector::readAndKeep(std::string identifier, std::string mountPoint)
+{
+    const int round = m_round;
     auto scan = scanEFIFiles(mountPoint);
     const BootloaderFlags flags = co_await scan;
-    scanCache.insert_or_assign(identifier, ScanEntry{mountPoint, flags.hasOpenCore, flags.hasClover});
-    Log::line("   📂 File scan — OC: {}, Clover: {}", flags.hasOpenCore, flags.hasClover);
+    if (round == m_round) // else it may be older than what the next scan wants to know
+        scanCache.insert_or_assign(identifier, ScanEntry{mountPoint, flags.hasOpenCore, flags.hasClover});
     co_return flags;
 }
 
@@ -89,12 +120,7 @@ BootloaderFlags BootloaderDetector::flagsOfRunningSystem() const
 QCoro::Task<BootloaderFlags> BootloaderDetector::scanEFIFiles(std::string mountPoint)
 {
     auto reading = onWorker([mountPoint] { return flagsAt(mountPoint); });
-    const BootloaderFlags flags = co_await reading;
-    if (flags.hasOpenCore)
-        Log::line("   ✅ OpenCore confirmed at {}", openCoreFolder(mountPoint));
-    if (flags.hasClover)
-        Log::line("   ✅ Clover confirmed at {}", cloverFolder(mountPoint));
-    co_return flags;
+    co_return co_await reading;
 }
 
 } // namespace brindle

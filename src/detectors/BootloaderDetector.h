@@ -42,12 +42,19 @@ public:
     std::optional<std::string> openCoreVersion;          ///< Present where OpenCore started the system.
     std::optional<std::string> cloverVersion;            ///< Present where Clover did.
 
-    /// By the whole disk's identifier. The owner empties it before each scan.
+    /// Empties scanCache, before each scan of the disks. What is still being read is not kept any more.
+    void forgetScans();
+
+    /// By the whole disk's identifier.
     std::map<std::string, ScanEntry> scanCache;
 
 private:
-    QCoro::Task<BootloaderFlags> flagsOfFiles(std::string identifier, std::string mountPoint);
+    [[nodiscard]] std::optional<BootloaderFlags> knownScan(const std::string &identifier,
+                                                           const std::string &mountPoint) const;
+    QCoro::Task<BootloaderFlags> readAndKeep(std::string identifier, std::string mountPoint);
     [[nodiscard]] BootloaderFlags flagsOfRunningSystem() const;
+
+    int m_round = 0; ///< How often scanCache was emptied.
 };
 
 } // namespace brindle

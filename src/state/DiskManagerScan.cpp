@@ -87,7 +87,7 @@ QCoro::Task<> DiskManager::scanDisks(bool force, CancellationToken token)
         endWithoutDisks();
         co_return;
     }
-    m_bootloaderDetector.scanCache.clear();
+    m_bootloaderDetector.forgetScans();
     syncBootloaderInfo();
     auto usageReading = readUsage(token);
     DiskUsage usage = co_await usageReading;

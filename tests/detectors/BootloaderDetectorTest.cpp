@@ -3,6 +3,7 @@
 #include "base/BlockOn.h"
 #include "support/LogCapture.h"
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -13,6 +14,7 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace brindle {
@@ -74,14 +76,18 @@ TEST_P(EFIFiles, TellTheBootLoaders)
     const LogCapture log;
     const MountedEFI efi(GetParam().paths);
 
-    const BootloaderFlags flags = blockOn(BootloaderDetector::scanEFIFiles(efi.mountPoint()));
+    BootloaderDetector detector;
+
+    const BootloaderFlags flags = blockOn(detector.detectBootloaders("disk0", false, false, true, efi.mountPoint()));
 
     EXPECT_EQ(flags, GetParam().flags);
-    std::vector<std::string> lines;
+    std::vector<std::string> lines{
+        "🔍 Bootloader detection for disk0: isBootDisk=false isBootloaderDisk=false efiMounted=true"};
     if (GetParam().flags.hasOpenCore)
         lines.push_back("   ✅ OpenCore confirmed at " + efi.mountPoint() + "/EFI/OC");
     if (GetParam().flags.hasClover)
         lines.push_back("   ✅ Clover confirmed at " + efi.mountPoint() + "/EFI/CLOVER");
+    lines.push_back(fmt::format("   📂 File scan — OC: {}, Clover: {}", flags.hasOpenCore, flags.hasClover));
     EXPECT_EQ(log.lines(), lines);
 }
 
@@ -103,22 +109,18 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(BootloaderDetector, FindsNothingAtAMountPointThatHasGone)
 {
-    const LogCapture log;
     const MountedEFI efi({"EFI/OC/OpenCore.efi"});
     efi.removeAll();
 
     EXPECT_EQ(blockOn(BootloaderDetector::scanEFIFiles(efi.mountPoint())), kNeither);
-    EXPECT_THAT(log.lines(), IsEmpty());
 }
 
 TEST(BootloaderDetector, PutsTheMountPointInFrontOfThePathAsItIs)
 {
-    const LogCapture log;
     const MountedEFI efi({"a b%20$(c)/EFI/OC/OpenCore.efi"});
     const std::string mountPoint = efi.mountPoint() + "//a b%20$(c)";
 
     EXPECT_EQ(blockOn(BootloaderDetector::scanEFIFiles(mountPoint)), kOpenCore);
-    EXPECT_THAT(log.lines(), ElementsAre("   ✅ OpenCore confirmed at " + mountPoint + "/EFI/OC"));
 }
 
 // --- one disk
@@ -181,8 +183,38 @@ TEST_F(BootloaderDetectorTest, KeepsThatAMountPointHadGone)
 
     EXPECT_EQ(detect(mountedAt(efi)), kNeither);
 
-    detector.scanCache.clear();
+    detector.forgetScans();
     EXPECT_EQ(detect(mountedAt(efi)), kOpenCore);
+}
+
+TEST_F(BootloaderDetectorTest, KeepsNothingThatWasBeingReadWhenTheScansWereForgotten)
+{
+    const MountedEFI efi({"EFI/OC/OpenCore.efi"});
+    auto detection = detector.detectBootloaders("disk0", false, false, true, efi.mountPoint());
+
+    detector.forgetScans();
+
+    EXPECT_EQ(blockOn(std::move(detection)), kOpenCore);
+    EXPECT_THAT(detector.scanCache, IsEmpty());
+}
+
+TEST_F(BootloaderDetectorTest, TellsOfOneDiskAfterTheOther)
+{
+    const MountedEFI first({"EFI/OC/OpenCore.efi"});
+    const MountedEFI second({"EFI/CLOVER/CLOVERX64.efi"});
+
+    auto detectionOfFirst = detector.detectBootloaders("disk0", false, false, true, first.mountPoint());
+    auto detectionOfSecond = detector.detectBootloaders("disk1", false, false, true, second.mountPoint());
+    (void)blockOn(std::move(detectionOfFirst));
+    (void)blockOn(std::move(detectionOfSecond));
+
+    const std::vector<std::string> ofFirst{
+        "🔍 Bootloader detection for disk0: isBootDisk=false isBootloaderDisk=false efiMounted=true",
+        "   ✅ OpenCore confirmed at " + first.mountPoint() + "/EFI/OC", "   📂 File scan — OC: true, Clover: false"};
+    ASSERT_EQ(log.lines().size(), 6U);
+    const bool isFirstSooner = log.lines()[0] == ofFirst[0];
+    const auto begin = log.lines().begin() + (isFirstSooner ? 0 : 3);
+    EXPECT_EQ(std::vector(begin, begin + 3), ofFirst);
 }
 
 TEST_F(BootloaderDetectorTest, TestsTheFilesAgainAtANewMountPointAndReplacesTheEntry)
