@@ -16,7 +16,7 @@ std::unique_ptr<DiskEvents::Observation> LinuxDiskEvents::observeVolumes(VolumeC
 std::unique_ptr<DiskEvents::Observation> LinuxDiskEvents::createSession(DiskChanged callback)
 {
     try {
-        return std::make_unique<UdevDiskSession>(isPhysicalDisk, std::move(callback));
+        return std::make_unique<UdevDiskSession>(isListedDisk, std::move(callback));
     } catch (const Error &) {
         return nullptr;
     }

@@ -60,6 +60,8 @@ std::string modelOf(udev_device *disk, std::string_view name)
         return isUsb && !vendor.empty() ? fmt::format("{} {}", vendor, model) : std::string(model);
     if (const std::string_view card = attribute(disk, "device/name"); !card.empty())
         return std::string(card);
+    if (name.starts_with("loop"))
+        return "Disk Image";
     return name.starts_with("vd") ? "Virtio Disk" : name.starts_with("xvd") ? "Xen Disk" : "Disk";
 }
 
@@ -91,14 +93,15 @@ std::string contentsOf(udev_device *disk, const fs::path &sysPath, std::string_v
 
 } // namespace
 
-bool isPhysicalDisk(std::string_view sysPath)
+bool isListedDisk(std::string_view sysPath)
 {
     constexpr std::array kNoDisks{"fd"sv, "mtdblock"sv};
     const std::string_view name = lastPart(sysPath);
     const bool isNoDisk =
         std::ranges::any_of(kNoDisks, [name](std::string_view prefix) { return name.starts_with(prefix); });
     const bool isBootArea = name.starts_with("mmcblk") && contains(name, "boot");
-    return !contains(sysPath, "/devices/virtual/block/") && !isNoDisk && !isBootArea;
+    const bool isMadeOfOthers = contains(sysPath, "/devices/virtual/block/") && !name.starts_with("loop");
+    return !isMadeOfOthers && !isNoDisk && !isBootArea;
 }
 
 std::optional<UdevDisk> readUdevDisk(udev_device *disk)

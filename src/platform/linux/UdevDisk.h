@@ -14,10 +14,10 @@ struct UdevDisk {
     std::string contents;  ///< Differs whenever the medium, the partition table or what lies on a bare disk does.
 };
 
-/// Whether a disk is one that `diskutil list physical` lists, by its path in sysfs
-/// ("/sys/devices/pci0000:00/…/block/sda"): not loop devices, ram, zram, device-mapper and md, which are made out of
-/// something else, nor floppy drives, flash without a controller and the boot areas of eMMC chips.
-[[nodiscard]] bool isPhysicalDisk(std::string_view sysPath);
+/// Whether a disk is one that `diskutil list` lists, by its path in sysfs ("/sys/devices/pci0000:00/…/block/sda"): not
+/// ram, zram, device-mapper and md, which are made out of something else, nor floppy drives, flash without a controller
+/// and the boot areas of eMMC chips. A loop device is a disk image, and without one it has no medium.
+[[nodiscard]] bool isListedDisk(std::string_view sysPath);
 
 /// What there is of \a disk at this moment; nullopt where there is no medium in the drive. Opens no device.
 [[nodiscard]] std::optional<UdevDisk> readUdevDisk(udev_device *disk);

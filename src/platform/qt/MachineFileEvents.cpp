@@ -36,7 +36,7 @@ Things disksOf(const Json &machine)
     Things disks;
     for (const Json &disk : valueOf(machine, "disks", Json::array_t())) {
         const std::string identifier = valueOf(disk, "identifier", std::string());
-        if (!identifier.empty() && !valueOf(disk, "isImage", false))
+        if (!identifier.empty())
             disks.emplace(identifier, valueOf(disk, "mediaName", std::string()));
     }
     return disks;

@@ -10,14 +10,14 @@ namespace {
 struct PathCase {
     const char *name;
     const char *sysPath;
-    bool isPhysical;
+    bool isListed;
 };
 
 class SysPath : public testing::TestWithParam<PathCase> {};
 
-TEST_P(SysPath, TellsAPhysicalDisk)
+TEST_P(SysPath, TellsADiskThatIsListed)
 {
-    EXPECT_EQ(isPhysicalDisk(GetParam().sysPath), GetParam().isPhysical);
+    EXPECT_EQ(isListedDisk(GetParam().sysPath), GetParam().isListed);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -29,7 +29,7 @@ INSTANTIATE_TEST_SUITE_P(
         PathCase{"NvmeOfTwoPaths", "/sys/devices/virtual/nvme-subsystem/nvme-subsys0/nvme0n1", true},
         PathCase{"Optical", "/sys/devices/pci0000:00/ata2/host1/target1:0:0/1:0:0:0/block/sr0", true},
         PathCase{"Card", "/sys/devices/pci0000:00/mmc_host/mmc0/mmc0:aaaa/block/mmcblk0", true},
-        PathCase{"Loop", "/sys/devices/virtual/block/loop0", false},
+        PathCase{"Loop", "/sys/devices/virtual/block/loop0", true},
         PathCase{"Ram", "/sys/devices/virtual/block/ram0", false},
         PathCase{"Zram", "/sys/devices/virtual/block/zram0", false},
         PathCase{"DeviceMapper", "/sys/devices/virtual/block/dm-0", false},

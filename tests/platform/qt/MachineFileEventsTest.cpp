@@ -113,16 +113,18 @@ TEST_F(MachineFileEventsTest, TellsMountsByTheirPlaceBelowTheRootOrAsItIsWritten
     EXPECT_THAT(seen, ElementsAre("mounted /", "mounted " + data, "unmounted " + data));
 }
 
-TEST_F(MachineFileEventsTest, LeavesDiskImagesOut)
+TEST_F(MachineFileEventsTest, TellsOfDiskImagesToo)
 {
     write("{}");
     events = std::make_unique<MachineFileEvents>(root);
     observe();
 
-    write(R"({"disks": [{"identifier": "disk3", "mediaName": "Image", "isImage": true}, )" + kStick + "]}");
+    write(R"({"disks": [{"identifier": "disk3", "mediaName": "Image", "isImage": true}]})");
     waitFor(1);
+    write("{}");
+    waitFor(2);
 
-    EXPECT_THAT(seen, ElementsAre("appeared Stick"));
+    EXPECT_THAT(seen, ElementsAre("appeared Image", "disappeared Image"));
 }
 
 TEST_F(MachineFileEventsTest, KeepsWhatItKnewWhileTheFileCannotBeUnderstood)
