@@ -69,20 +69,23 @@ protected:
         return poll(&waiting, 1, 0) == 1;
     }
 
-    /// What the terminal shows by the time that it is quiet: the kernel hands it over when it has the time.
+    /// What the terminal shows, read until a mark behind it comes: the kernel hands it over when it has the time.
     std::string shown() const
     {
-        constexpr int kQuiet = 300; // milliseconds
+        constexpr std::string_view kMark = "<all of it>";
+        EXPECT_EQ(write(m_terminal, kMark.data(), kMark.size()), static_cast<ssize_t>(kMark.size()));
         std::string text;
-        pollfd waiting{.fd = m_keyboard, .events = POLLIN, .revents = 0};
-        while (poll(&waiting, 1, kQuiet) == 1) {
+        std::size_t end = std::string::npos;
+        while ((end = text.find(kMark)) == std::string::npos) {
             std::string part(65536, '\0');
             const ssize_t count = read(m_keyboard, part.data(), part.size());
-            if (count <= 0)
-                break;
+            if (count <= 0) {
+                ADD_FAILURE() << "the terminal has gone: " << text;
+                return text;
+            }
             text.append(part, 0, static_cast<std::size_t>(count));
         }
-        return text;
+        return text.erase(end, kMark.size());
     }
 
     std::optional<TerminalDialogs> dialogs;

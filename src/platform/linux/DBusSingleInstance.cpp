@@ -58,7 +58,7 @@ QCoro::Task<bool> DBusSingleInstance::requestName()
     QDBusMessage call = QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
                                                        u"org.freedesktop.DBus"_s, u"RequestName"_s);
     call << m_name << kDoNotQueue;
-    auto answer = replyTo(call, *m_connection, m_patience);
+    auto answer = replyTo(call, *m_connection, kPatience);
     const QDBusMessage reply = co_await answer;
     co_return reply.signature() != u"u"_s || reply.arguments().at(0).toUInt() != kExists;
 }
