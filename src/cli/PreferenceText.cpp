@@ -1,11 +1,15 @@
 #include "cli/PreferenceText.h"
 
+#include "base/Error.h"
+#include "records/SerializablePhysicalDisk.h"
+
 #include <QDateTime>
 #include <QTimeZone>
 
 #include <fmt/chrono.h>
 #include <fmt/ranges.h>
 
+#include <algorithm>
 #include <charconv>
 #include <chrono>
 
@@ -74,18 +78,33 @@ std::optional<PropertyValue> dateFrom(const std::string &text)
         QDateTime::fromString(QString::fromStdString(text), QStringLiteral("yyyy-MM-dd'T'HH:mm:ss'Z'"));
     if (!date.isValid())
         return std::nullopt;
-    const qint64 seconds = QDateTime(date.date(), date.time(), QTimeZone::utc()).toSecsSinceEpoch();
-    return PropertyValue::Date(std::chrono::seconds(seconds));
+    using Date = PropertyValue::Date;
+    const std::chrono::sys_seconds second{
+        std::chrono::seconds(QDateTime(date.date(), date.time(), QTimeZone::utc()).toSecsSinceEpoch())};
+    const bool isHeldByClock = second >= std::chrono::ceil<std::chrono::seconds>(Date::min()) &&
+                               second <= std::chrono::floor<std::chrono::seconds>(Date::max());
+    return isHeldByClock ? std::optional<PropertyValue>(Date(second)) : std::nullopt;
 }
 
+/// The one key of this type holds the list of disks.
 std::optional<PropertyValue> dataFrom(const std::string &text)
 {
-    if (!Json::accept(text))
+    try {
+        (void)decodeDisks(text);
+    } catch (const Error &) {
         return std::nullopt;
+    }
     PropertyValue::Data data;
     for (const char character : text)
         data.push_back(static_cast<std::byte>(character));
     return data;
+}
+
+/// A property list has no place for control characters.
+bool isText(const Json &value)
+{
+    constexpr auto kIsControl = [](char character) { return static_cast<unsigned char>(character) < ' '; };
+    return value.is_string() && std::ranges::none_of(value.get_ref<const std::string &>(), kIsControl);
 }
 
 std::optional<PropertyValue> textsFrom(const std::string &text)
@@ -95,7 +114,7 @@ std::optional<PropertyValue> textsFrom(const std::string &text)
         return std::nullopt;
     PropertyValue::Array values;
     for (const Json &value : json) {
-        if (!value.is_string())
+        if (!isText(value))
             return std::nullopt;
         values.emplace_back(value.get<std::string>());
     }
@@ -109,7 +128,7 @@ std::optional<PropertyValue> textsByTextFrom(const std::string &text)
         return std::nullopt;
     PropertyValue::Dictionary values;
     for (const auto &[key, value] : json.items()) {
-        if (!value.is_string())
+        if (!isText(key) || !isText(value))
             return std::nullopt;
         values.insert_or_assign(key, value.get<std::string>());
     }
@@ -176,7 +195,7 @@ std::string legalValues(const Preference &preference)
     case Type::date:
         return "a date such as 2026-01-31T08:00:00Z";
     case Type::data:
-        return "JSON";
+        return "a JSON array of disks";
     case Type::texts:
         return "a JSON array of texts";
     case Type::textsByText:
