@@ -132,7 +132,6 @@ int run(const Arguments &options, const std::vector<std::string> &arguments)
 int main(int argc, char **argv)
 {
     prepareProcess();
-    std::signal(SIGPIPE, SIG_IGN); // nobody needs to read the log
     const std::vector<std::string> arguments(argv, argv + argc);
     const Arguments options = readArguments(arguments);
     if (!options.unknown.empty()) {

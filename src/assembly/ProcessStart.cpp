@@ -2,6 +2,7 @@
 
 #include "platform/CoreImages.h"
 
+#include <csignal>
 #include <initializer_list>
 
 #include <fcntl.h>
@@ -26,6 +27,7 @@ void openStandardDescriptors()
 void prepareProcess()
 {
     openStandardDescriptors();
+    std::signal(SIGPIPE, SIG_IGN); // a reader that goes stops no work, which may have something to clean up
     forbidCoreImages();
 }
 

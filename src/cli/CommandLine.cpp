@@ -37,6 +37,7 @@
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 namespace brindle {
@@ -135,18 +136,22 @@ CLI::Validator isKindOfDemo()
     return {complaint, ""};
 }
 
-/// Runs \a command and tells why it failed; output that can't be written is a failure too.
+/// Runs \a command and tells why it failed; output that can't be written is a failure too, unless its reader has gone.
 ExitStatus run(const Command &command)
 {
     try {
         const ExitStatus status = command();
-        if (std::fflush(stdout) != 0)
+        if (std::fflush(stdout) != 0 && errno != EPIPE)
             throw Error::fromErrno(errno, "standard output");
         return status;
+    } catch (const std::system_error &error) {
+        if (error.code() == std::errc::broken_pipe) // of a print
+            return ExitStatus::done;
+        tellError(error.what());
     } catch (const std::exception &error) {
         tellError(error.what());
-        return ExitStatus::failed;
     }
+    return ExitStatus::failed;
 }
 
 /// Help and version are what was asked for; for each wrong usage CLI11 has a status of its own.

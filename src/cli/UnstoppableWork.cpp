@@ -15,7 +15,6 @@ UnstoppableWork::UnstoppableWork(std::string complaint, std::function<bool()> st
       m_stop(std::move(stop)),
       m_interruption([this](int signalNumber) { return interrupt(signalNumber); })
 {
-    std::signal(SIGPIPE, SIG_IGN); // a reader that goes stops nothing either
 }
 
 Interruption::Then UnstoppableWork::interrupt(int signalNumber)

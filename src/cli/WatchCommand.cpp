@@ -20,7 +20,6 @@
 
 #include <cerrno>
 #include <chrono>
-#include <csignal>
 #include <cstdio>
 #include <memory>
 #include <optional>
@@ -82,7 +81,6 @@ struct WatchOptions {
 
 ExitStatus watch(Platform platform, bool asJson)
 {
-    std::signal(SIGPIPE, SIG_IGN); // a reader that goes ends the watch, which has something to clean up
     Scheduler &clock = *platform.scheduler;
     auto ownDialogs = std::make_unique<TerminalDialogs>();
     TerminalDialogs &dialogs = *ownDialogs;

@@ -7,8 +7,14 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <array>
 #include <filesystem>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace brindle {
@@ -26,6 +32,44 @@ struct Outcome {
             result.push_back(disk.at("identifier"));
         return result;
     }
+};
+
+/// Reads what a program prints, until it goes away.
+class Reader {
+public:
+    /// Of \a process, which has not started.
+    explicit Reader(QProcess &process)
+    {
+        EXPECT_EQ(pipe2(m_ends.data(), O_CLOEXEC), 0);
+        process.setChildProcessModifier([end = m_ends[1]] {
+            dup2(end, STDOUT_FILENO);
+            dup2(end, STDERR_FILENO);
+        });
+    }
+    ~Reader()
+    {
+        for (const int end : m_ends)
+            close(end);
+    }
+    Reader(const Reader &) = delete;
+    Reader &operator=(const Reader &) = delete;
+
+    /// Of a program that has started; fails the test where it ends before.
+    void readUntil(std::string_view text)
+    {
+        close(std::exchange(m_ends[1], -1));
+        std::string read;
+        for (char character = 0; read.find(text) == std::string::npos; read += character) {
+            if (::read(m_ends[0], &character, 1) != 1) {
+                ADD_FAILURE() << text << " is not in " << read;
+                return;
+            }
+        }
+    }
+    void go() { close(std::exchange(m_ends[0], -1)); }
+
+private:
+    std::array<int, 2> m_ends{-1, -1};
 };
 
 /// brindlectl as a process on a simulated machine, with settings and temporary files of its own.

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
+#include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -354,6 +355,35 @@ TEST_F(Brindlectl, FailsWhenMoreThanABufferOfOutputCannotBeWritten)
 
     EXPECT_EQ(list.status, 1);
     EXPECT_THAT(list.error, HasSubstr("No space left on device"));
+}
+
+TEST_F(Brindlectl, DoesAllItsWorkWhenItsReaderHasGone)
+{
+    for (int number = 0; number < 12; ++number)
+        machine.addDisk(fmt::format("disk{}", number)).named(std::string(400, 'x'));
+    QProcess process;
+    Reader reader(process);
+    reader.go();
+    start(process, {"list", "--json"});
+
+    ASSERT_TRUE(process.waitForFinished(60'000));
+
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(process.exitCode(), 0);
+    EXPECT_THAT(run({"settings", "get", "DiskManager.PersistedDisks"}).output, HasSubstr("disk11"));
+}
+
+TEST_F(Brindlectl, LeavesNothingOfTheDemoMachineWhenItsReaderHasGone)
+{
+    QProcess process;
+    Reader reader(process);
+    reader.go();
+    start(process, {"list", "--json", "--demo"});
+
+    ASSERT_TRUE(process.waitForFinished(60'000));
+
+    EXPECT_EQ(process.exitCode(), 0);
+    EXPECT_TRUE(std::filesystem::is_empty(temporary));
 }
 
 TEST_F(Brindlectl, TellsAWrongArgumentWithoutObeyingIt)

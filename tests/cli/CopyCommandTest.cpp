@@ -294,10 +294,12 @@ TEST_F(InterruptedCopy, GoesOnWhenItIsToldToEndMoreThanOnceByAnotherSignal)
 TEST_F(InterruptedCopy, GoesOnWhenNobodyReadsWhatItTells)
 {
     QProcess process;
-    startCopy(process);
+    Reader reader(process);
+    start(process, {"copy", "disk1s1", "disk2s1"});
+    ASSERT_TRUE(process.waitForStarted(60'000));
+    reader.readUntil("Copying files...");
 
-    process.closeReadChannel(QProcess::StandardOutput);
-    process.closeReadChannel(QProcess::StandardError);
+    reader.go();
     interrupt(process);
 
     expectWhole(process);

@@ -249,11 +249,12 @@ TEST_F(EraseCommands, GoOnToTheEndWhenTheyAreInterrupted)
 TEST_F(EraseCommands, GoOnToTheEndWhenTheirTerminalHangsUpTwiceAndNobodyReads)
 {
     QProcess process;
+    Reader reader(process);
     start(process, {"erase-efi", "disk3s1", "--confirm", "OPENCORE", "--password-stdin"}, root());
     process.write("brindle\n");
-    ASSERT_TRUE(process.waitForReadyRead(60'000)); // it has begun
-    process.closeReadChannel(QProcess::StandardOutput);
-    process.closeReadChannel(QProcess::StandardError);
+    ASSERT_TRUE(process.waitForBytesWritten(60'000));
+    reader.readUntil("Erasing and reformatting...");
+    reader.go();
 
     for (int i = 0; i < 2; ++i)
         ::kill(static_cast<pid_t>(process.processId()), SIGHUP);
