@@ -20,6 +20,16 @@ Item {
         (list.itemAtIndex(index) as WindowDiskRowView)?.focusRow(identifier);
     }
 
+    // Gives the keyboard to the current row, if there is any.
+    function takeFocus(): void {
+        keyboard.chooseCurrent();
+        focusRow(keyboard.currentIdentifier);
+    }
+
+    // A row that goes leaves the keyboard to the list.
+    readonly property bool hasLostItsRow: Window.activeFocusItem === list
+    onHasLostItsRowChanged: if (hasLostItsRow) Qt.callLater(takeFocus)
+
     ListFocus {
         id: keyboard
         rows: root.rows

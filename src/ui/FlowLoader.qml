@@ -7,5 +7,4 @@ Loader {
     anchors.margins: WindowBridge.isComposited ? 0 : 1 // the window's own line
     visible: active
     focus: active
-    onActiveChanged: if (!active) parent.forceActiveFocus(Qt.OtherFocusReason) // keys find somebody again
 }

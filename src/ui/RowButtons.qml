@@ -5,7 +5,8 @@ import Brindle
 Row {
     id: root
     required property RowPresenter presenter
-    property bool isCurrent: false // Tab goes on to them
+    required property ListFocus list
+    readonly property bool isCurrent: list.currentIdentifier === presenter.identifier // Tab goes on to them
     readonly property bool isHovered: hover.hovered
 
     HoverHandler { id: hover }
@@ -21,7 +22,10 @@ Row {
             tip: modelData.tip
             focusPolicy: root.isCurrent ? Qt.TabFocus : Qt.NoFocus
             enabled: !root.presenter.isLoading
-            onClicked: root.presenter.perform(modelData.action)
+            onClicked: {
+                root.list.currentIdentifier = root.presenter.identifier;
+                root.presenter.perform(modelData.action);
+            }
         }
     }
 }

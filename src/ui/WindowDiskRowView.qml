@@ -43,7 +43,7 @@ Column {
         RowButtons {
             id: buttons
             presenter: root.row
-            isCurrent: frame.isCurrent
+            list: root.list
             anchors.right: chevron.left
             anchors.verticalCenter: parent.verticalCenter
         }
@@ -64,6 +64,10 @@ Column {
     Repeater {
         id: partitions
         model: root.row.partitions
+        onItemRemoved: (index, item) => {
+            if (!root.row.isExpanded && (item as WindowEFIPartitionRowView)?.isCurrent)
+                root.list.currentIdentifier = root.row.identifier;
+        }
         WindowEFIPartitionRowView {
             required property EFIPartitionRowPresenter modelData
             partition: modelData

@@ -18,11 +18,11 @@ namespace brindle {
 /// of content(). The window is there, 150 points high; what its host is asked stands in windowJournal.
 class WindowContentFixture : public DiskActionsFixture {
 protected:
-    WindowContentPresenter::Surroundings surroundings(EraseFlow &flow)
+    WindowContentPresenter::Surroundings surroundings(EraseFlow &flow, Dialogs &shown)
     {
         return {.model = {.diskManager = manager(),
                           .efiOperations = efiOperations(),
-                          .dialogs = dialogs,
+                          .dialogs = shown,
                           .workspace = workspace,
                           .userDefaults = defaults},
                 .efiCopyManager = copyManager,
@@ -37,7 +37,7 @@ protected:
     WindowContentPresenter &content()
     {
         if (!m_content)
-            m_content.emplace(surroundings(eraseFlow));
+            m_content.emplace(surroundings(eraseFlow, dialogs));
         return *m_content;
     }
 
