@@ -8,9 +8,11 @@ Item {
     required property string listState
     required property DiskRowsModel rows
 
+    // With the air that stands between rows, so that a focus ring touches nothing.
     function reveal(item: Item): void {
-        const top = item.mapToItem(list.contentItem, 0, 0).y;
-        list.contentY = Math.max(top + item.height - list.height, Math.min(list.contentY, top));
+        const top = item.mapToItem(list.contentItem, 0, 0).y - list.spacing;
+        const lowest = top + item.height + 2 * list.spacing - list.height;
+        list.contentY = Math.max(lowest, list.originY, Math.min(list.contentY, top));
     }
     function focusRow(identifier: string): void {
         const index = rows.indexOf(identifier);

@@ -11,6 +11,7 @@ Column {
     function focusRow(identifier: string): void {
         if (frame.presenter.identifier === identifier) {
             frame.forceActiveFocus(Qt.TabFocusReason);
+            list.revealRequested(frame);
             return;
         }
         for (let i = 0; i < partitions.count; ++i) {
