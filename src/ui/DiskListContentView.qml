@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Templates as T
 import Brindle
 
 // The rows of the disks, or what there is to say instead.
@@ -66,11 +65,16 @@ Item {
             list: keyboard
             width: ListView.view.width
         }
-        T.ScrollBar.vertical: ScrollBar {
-            parent: root
-            anchors.right: parent.right
-            height: list.height
-        }
+    }
+    Loader {
+        id: scrollBar
+        anchors.right: parent.right
+        height: list.height
+    }
+    Timer { // few lists are that long, and a window takes a moment to become as high as its list
+        interval: 300
+        running: list.visible && list.interactive && scrollBar.status === Loader.Null
+        onTriggered: scrollBar.setSource("ScrollBar.qml", { objectName: "listScrollBar", flickable: list })
     }
     ListNotice {
         objectName: "firstScan"

@@ -1,40 +1,50 @@
 import QtQuick
-import QtQuick.Templates as T
 
-// A symbol to press, without a border. Its tip is also its accessible name.
-T.AbstractButton {
+// A symbol to press, without a border. Its tip is also its accessible name. Made of plain items: every row has some, and
+// a window without a dialog needs no other control.
+Item {
     id: root
     required property string symbol
     required property string tip
     property color color: Theme.secondary
     property real size: 13
     property real frame: 24
+    readonly property bool hovered: hover.hovered
+    signal clicked
 
     implicitWidth: frame
     implicitHeight: frame
-    hoverEnabled: true
-    focusPolicy: Qt.TabFocus
+    activeFocusOnTab: true
     opacity: enabled ? 1 : Theme.disabledPercent / 100
 
     Accessible.role: Accessible.Button
     Accessible.name: tip
     Accessible.onPressAction: root.clicked()
-    Keys.onReturnPressed: root.clicked()
-    Keys.onEnterPressed: root.clicked()
+    Keys.onPressed: event => {
+        if (![Qt.Key_Space, Qt.Key_Return, Qt.Key_Enter].includes(event.key))
+            return;
+        event.accepted = true;
+        if (!event.isAutoRepeat)
+            clicked();
+    }
 
-    ToolTipArea { tip: root.tip }
+    TapHandler {
+        id: pointer
+        gesturePolicy: TapHandler.ReleaseWithinBounds
+        onTapped: root.clicked()
+    }
+    ToolTipArea { id: hover; tip: root.tip }
 
-    background: Rectangle {
+    Rectangle {
+        anchors.fill: parent
         radius: 5
-        color: root.down ? Theme.controlPressed : root.hovered ? Theme.controlHover : "transparent"
+        color: pointer.pressed ? Theme.controlPressed : root.hovered ? Theme.controlHover : "transparent"
         FocusRing { control: root; anchors.margins: 0; radius: 5 }
     }
-    contentItem: Item {
-        Symbol {
-            anchors.centerIn: parent
-            name: root.symbol
-            color: root.hovered && root.color === Theme.secondary ? Theme.primary : root.color
-            size: root.size
-        }
+    Symbol {
+        anchors.centerIn: parent
+        name: root.symbol
+        color: root.hovered && root.color === Theme.secondary ? Theme.primary : root.color
+        size: root.size
     }
 }

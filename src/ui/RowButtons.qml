@@ -20,7 +20,7 @@ Row {
             frame: 22
             symbol: modelData.symbol
             tip: modelData.tip
-            focusPolicy: root.isCurrent ? Qt.TabFocus : Qt.NoFocus
+            activeFocusOnTab: root.isCurrent || activeFocus
             enabled: !root.presenter.isLoading
             onClicked: {
                 root.list.currentIdentifier = root.presenter.identifier;

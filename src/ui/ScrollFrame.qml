@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Templates as T
 
 // Content that scrolls up and down where it is higher than the frame; it is as wide as the frame.
 Flickable {
@@ -41,5 +40,5 @@ Flickable {
         height: childrenRect.height
     }
 
-    T.ScrollBar.vertical: ScrollBar { parent: root }
+    ScrollBar { flickable: root }
 }

@@ -12,7 +12,7 @@ Item {
     Accessible.name: "Busy"
 
     Repeater {
-        model: 8
+        model: root.visible ? 8 : 0
         Rectangle {
             required property int index
             readonly property real angle: index * Math.PI / 4

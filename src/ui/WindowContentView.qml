@@ -68,16 +68,14 @@ Rectangle {
         }
     }
     FlowLoader {
-        active: root.presenter.copy.dialog !== null
-        sourceComponent: EFIDestinationSelectionView {
-            dialog: root.presenter.copy.dialog
-        }
+        view: "EFIDestinationSelectionView.qml"
+        role: "dialog"
+        presenter: root.presenter.copy.dialog
     }
     FlowLoader {
-        active: root.presenter.content === "erase"
-        sourceComponent: EraseProgressView {
-            erase: root.presenter.erase
-        }
+        view: "EraseProgressView.qml"
+        role: "erase"
+        presenter: root.presenter.content === "erase" ? root.presenter.erase : null
     }
     QuitNotice {
         // Beneath what goes on, and above the line that tells of it.

@@ -58,7 +58,7 @@ Column {
             size: 10
             symbol: root.row.chevron
             tip: root.row.isExpanded ? "Collapse EFI List" : "Expand EFI List"
-            focusPolicy: frame.isCurrent ? Qt.TabFocus : Qt.NoFocus
+            activeFocusOnTab: frame.isCurrent || activeFocus
             onClicked: root.row.activate()
         }
     }

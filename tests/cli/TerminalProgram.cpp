@@ -16,7 +16,7 @@ namespace brindle {
 
 namespace {
 
-constexpr int kPatience = 30'000; // milliseconds
+constexpr int kPatience = 60'000; // milliseconds
 
 /// Texts as exec takes them; they stand in \a texts.
 std::vector<char *> pointersTo(std::vector<std::string> &texts)

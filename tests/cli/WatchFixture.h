@@ -15,7 +15,7 @@ namespace brindle {
 
 using Identifiers = std::vector<std::string>;
 
-inline constexpr int kPatience = 30'000; // a hanging test fails; none waits for this
+inline constexpr int kPatience = 60'000; // a hanging test fails; none waits for this
 
 /// `brindlectl watch` as a process that a test follows.
 class Watch : public Brindlectl {

@@ -19,7 +19,7 @@
 
 namespace brindle {
 
-constexpr auto kPatience = std::chrono::seconds(30); // a hanging test fails; none waits for this
+constexpr auto kPatience = std::chrono::seconds(60); // a hanging test fails; none waits for this
 
 inline const SecretKey kPasswordKey{"com.orlane.Brindle", "admin-password"};
 inline const SecretKey kFirstLegacyKey{"com.orlane.Tansy", "admin-password"};

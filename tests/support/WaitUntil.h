@@ -14,7 +14,7 @@ namespace brindle {
 inline void waitUntil(const std::function<bool()> &isTrue)
 {
     using namespace std::chrono_literals;
-    const auto end = std::chrono::steady_clock::now() + 30s;
+    const auto end = std::chrono::steady_clock::now() + 60s;
     while (!isTrue() && std::chrono::steady_clock::now() < end) {
         QCoreApplication::processEvents();
         std::this_thread::sleep_for(100us);

@@ -136,6 +136,25 @@ TEST_F(WindowContentViewTest, ScrollsTheListOnAShortScreen)
     EXPECT_EQ(last.mapToScene(QPointF(0, last.height())).y(), 300 - heightOf("footer") - 4) << "the ring wants air";
 }
 
+TEST_F(WindowContentViewTest, ScrollsTheListByItsBar)
+{
+    std::vector<PhysicalDisk> disks;
+    for (int i = 1; i <= 9; ++i)
+        disks.push_back(externalDisk(fmt::format("disk{}", i)));
+    hold(disks);
+    window(300);
+    waitUntil([this] { return shows("listScrollBar"); });
+    QQuickItem &bar = window().item(QStringLiteral("listScrollBar"));
+    const QPoint top = bar.mapToScene(QPointF(bar.width() / 2, 5)).toPoint();
+
+    QTest::mousePress(&window().window(), Qt::LeftButton, Qt::NoModifier, top);
+    for (int distance = 20; distance <= 200; distance += 20)
+        QTest::mouseMove(&window().window(), top + QPoint(0, distance));
+    QTest::mouseRelease(&window().window(), Qt::LeftButton, Qt::NoModifier, top + QPoint(0, 200));
+
+    EXPECT_TRUE(window().valueOf<bool>(QStringLiteral("diskList"), "atYEnd"));
+}
+
 // --- words
 
 TEST_F(WindowContentViewTest, SaysThatItScansForTheFirstTime)
@@ -445,6 +464,17 @@ INSTANTIATE_TEST_SUITE_P(By, ApplicationMenuRequest,
 TEST_P(ApplicationMenuRequest, IsHandedOnOnce)
 {
     EXPECT_EQ(menuRequestsBy([this] { GetParam().ask(window()); }), 1);
+}
+
+TEST_F(WindowContentViewTest, GivesTheKeyboardToTheFirstDestinationOfACopy)
+{
+    hold({externalDisk("disk2", {{.identifier = "disk2s1", .isMounted = true, .mountPoint = mountPoint()}}),
+          externalDisk("disk3", {{.identifier = "disk3s1", .isMounted = true, .mountPoint = mountPoint()}})});
+    window();
+
+    row().perform(RowAction::copyEFI);
+
+    waitUntil([this] { return focused() == "destination0"; });
 }
 
 TEST_F(WindowContentViewTest, PaintsMenusAndTipsInItsScheme)
