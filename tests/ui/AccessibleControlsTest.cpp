@@ -62,16 +62,18 @@ protected:
         return *m_window;
     }
 
+    static inline const std::vector<std::string> kControls = {
+        "refreshButton", "disk2",   "copyButton",  "ejectButton", "configButton", "findButton",
+        "mountButton",   "disk4",   "ejectButton", "mountButton", "chevron",      "disk4s1",
+        "mountButton",   "disk4s2", "mountButton", "quitButton"};
+
 private:
     std::optional<QmlWindow> m_window;
 };
 
 TEST_F(AccessibleControlsOfList, MissNothing)
 {
-    expectControlsThatMissNothing(open().window(),
-                                  {"refreshButton", "disk2", "copyButton", "ejectButton", "configButton", "findButton",
-                                   "mountButton", "disk4", "ejectButton", "mountButton", "chevron", "disk4s1",
-                                   "mountButton", "disk4s2", "mountButton", "quitButton"});
+    expectControlsThatMissNothing(open().window(), kControls);
 }
 
 TEST_F(AccessibleControlsOfList, MissNothingOnceAMenuHasClosed)
@@ -80,10 +82,7 @@ TEST_F(AccessibleControlsOfList, MissNothingOnceAMenuHasClosed)
     window.click(QStringLiteral("disk4s1"), Qt::RightButton);
     closeMenu(window);
 
-    expectControlsThatMissNothing(window.window(),
-                                  {"refreshButton", "disk2", "copyButton", "ejectButton", "configButton", "findButton",
-                                   "mountButton", "disk4", "ejectButton", "mountButton", "chevron", "disk4s1",
-                                   "mountButton", "disk4s2", "mountButton", "quitButton"});
+    expectControlsThatMissNothing(window.window(), kControls);
 }
 
 TEST_F(AccessibleControlsOfList, MissNothingWhereThereAreNoDisks)

@@ -28,7 +28,7 @@ public:
     QmlWindow &window()
     {
         if (!m_window) {
-            m_content.emplace(surroundings(eraseFlow, m_alerts));
+            m_content.emplace(surroundings(eraseFlow, m_alerts, windowHost));
             m_window.emplace("WindowContentView { width: 500; height: 600 }", 600,
                              QVariantMap{{QStringLiteral("presenter"), QVariant::fromValue(&*m_content)}});
         }

@@ -25,7 +25,7 @@ public:
     WindowContentPresenter &erasing()
     {
         if (!m_erasing)
-            m_erasing.emplace(surroundings(*eraseFlowOfModel(), dialogs));
+            m_erasing.emplace(surroundings(*eraseFlowOfModel(), dialogs, windowHost));
         return *m_erasing;
     }
 

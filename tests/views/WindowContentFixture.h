@@ -18,7 +18,7 @@ namespace brindle {
 /// of content(). The window is there, 150 points high; what its host is asked stands in windowJournal.
 class WindowContentFixture : public DiskActionsFixture {
 protected:
-    WindowContentPresenter::Surroundings surroundings(EraseFlow &flow, Dialogs &shown)
+    WindowContentPresenter::Surroundings surroundings(EraseFlow &flow, Dialogs &shown, WindowHost &host)
     {
         return {.model = {.diskManager = manager(),
                           .efiOperations = efiOperations(),
@@ -30,14 +30,14 @@ protected:
                 .eraseFlow = flow,
                 .userDefaults = defaults,
                 .scheduler = clock,
-                .windowHost = windowHost,
+                .windowHost = host,
                 .unfinishedWork = unfinishedWork};
     }
 
     WindowContentPresenter &content()
     {
         if (!m_content)
-            m_content.emplace(surroundings(eraseFlow, dialogs));
+            m_content.emplace(surroundings(eraseFlow, dialogs, windowHost));
         return *m_content;
     }
 
