@@ -7,9 +7,11 @@ Item {
     required property string listState
     required property DiskRowsModel rows
 
+    // With the air that stands between rows, so that a focus ring touches nothing.
     function reveal(item: Item): void {
-        const top = item.mapToItem(list.contentItem, 0, 0).y;
-        list.contentY = Math.max(top + item.height - list.height, Math.min(list.contentY, top));
+        const top = item.mapToItem(list.contentItem, 0, 0).y - list.spacing;
+        const lowest = top + item.height + 2 * list.spacing - list.height;
+        list.contentY = Math.max(lowest, list.originY, Math.min(list.contentY, top));
     }
     function focusRow(identifier: string): void {
         const index = rows.indexOf(identifier);
@@ -18,6 +20,16 @@ Item {
         list.positionViewAtIndex(index, ListView.Contain);
         (list.itemAtIndex(index) as WindowDiskRowView)?.focusRow(identifier);
     }
+
+    // Gives the keyboard to the current row, if there is any.
+    function takeFocus(): void {
+        keyboard.chooseCurrent();
+        focusRow(keyboard.currentIdentifier);
+    }
+
+    // A row that goes leaves the keyboard to the list.
+    readonly property bool hasLostItsRow: Window.activeFocusItem === list
+    onHasLostItsRowChanged: if (hasLostItsRow) Qt.callLater(takeFocus)
 
     ListFocus {
         id: keyboard

@@ -14,71 +14,75 @@ FocusScope {
         anchors.fill: parent
         anchors.margins: 32
 
+        // Always in sight, and at the same place in every stage.
+        Column {
+            id: head
+            width: parent.width
+            spacing: 4
+            Symbol {
+                objectName: "eraseSymbol"
+                anchors.horizontalCenter: parent.horizontalCenter
+                name: root.erase.symbol
+                color: Theme.color(root.erase.symbolColor)
+                size: 44
+            }
+            PlainText {
+                objectName: "eraseTitle"
+                topPadding: 8
+                width: parent.width
+                text: root.erase.title
+                font.pixelSize: Theme.title3
+                font.weight: Font.DemiBold
+                horizontalAlignment: Text.AlignHCenter
+                Accessible.role: Accessible.Heading
+            }
+            PlainText {
+                objectName: "eraseName"
+                width: parent.width
+                visible: text !== ""
+                text: root.erase.name
+                font.pixelSize: Theme.title2
+                font.weight: Font.DemiBold
+                horizontalAlignment: Text.AlignHCenter
+                wrapMode: Text.Wrap
+                maximumLineCount: 2
+                elide: Text.ElideRight
+                ToolTipArea { tip: (parent as Text).truncated ? root.erase.name : "" }
+            }
+            PlainText {
+                objectName: "eraseLine"
+                width: parent.width
+                visible: text !== ""
+                text: root.erase.line
+                color: Theme.secondary
+                font.pixelSize: Theme.callout
+                horizontalAlignment: Text.AlignHCenter
+                wrapMode: Text.Wrap
+                maximumLineCount: 2
+                elide: Text.ElideRight
+                ToolTipArea { tip: (parent as Text).truncated ? root.erase.line : "" }
+            }
+        }
         ScrollFrame {
             id: frame
+            objectName: "eraseBody"
             anchors.left: parent.left
             anchors.right: parent.right
-            anchors.top: parent.top
+            anchors.top: head.bottom
+            anchors.topMargin: 20
             anchors.bottom: buttons.visible ? buttons.top : parent.bottom
             anchors.bottomMargin: buttons.visible ? 20 : 0
-            Column {
-                y: Math.max(0, (frame.height - height) / 2)
+            Loader {
                 width: frame.width
-                spacing: 20
-
-                Column {
-                    width: parent.width
-                    spacing: 4
-                    Symbol {
-                        anchors.horizontalCenter: parent.horizontalCenter
-                        name: root.erase.symbol
-                        color: Theme.color(root.erase.symbolColor)
-                        size: 44
-                    }
-                    PlainText {
-                        objectName: "eraseTitle"
-                        topPadding: 8
-                        width: parent.width
-                        text: root.erase.title
-                        font.pixelSize: Theme.title3
-                        font.weight: Font.DemiBold
-                        horizontalAlignment: Text.AlignHCenter
-                        Accessible.role: Accessible.Heading
-                    }
-                    PlainText {
-                        objectName: "eraseName"
-                        width: parent.width
-                        visible: text !== ""
-                        text: root.erase.name
-                        font.pixelSize: Theme.title2
-                        font.weight: Font.DemiBold
-                        horizontalAlignment: Text.AlignHCenter
-                        wrapMode: Text.Wrap
-                    }
-                    PlainText {
-                        objectName: "eraseLine"
-                        width: parent.width
-                        visible: text !== ""
-                        text: root.erase.line
-                        color: Theme.secondary
-                        font.pixelSize: Theme.callout
-                        horizontalAlignment: Text.AlignHCenter
-                        wrapMode: Text.Wrap
-                    }
-                }
-                Loader {
-                    id: body
-                    width: parent.width
-                    sourceComponent: root.erase.stage === EraseProgressPresenter.Confirming ? confirming
-                                   : root.erase.stage === EraseProgressPresenter.InProgress ? inProgress : ended
-                    onSourceComponentChanged: fadeIn.restart()
-                    NumberAnimation on opacity {
-                        id: fadeIn
-                        from: 0
-                        to: 1
-                        duration: 200
-                        easing.type: Easing.InOutQuad
-                    }
+                sourceComponent: root.erase.stage === EraseProgressPresenter.Confirming ? confirming
+                               : root.erase.stage === EraseProgressPresenter.InProgress ? inProgress : ended
+                onSourceComponentChanged: fadeIn.restart()
+                NumberAnimation on opacity {
+                    id: fadeIn
+                    from: 0
+                    to: 1
+                    duration: 200
+                    easing.type: Easing.InOutQuad
                 }
             }
         }

@@ -14,11 +14,9 @@ Loader {
     onPresenterChanged: {
         visible = presenter !== null; // before the view comes, which chooses what gets the keyboard
         focus = visible;
-        if (visible) {
+        if (visible)
             setSource(view, { [role]: presenter });
-        } else {
+        else
             source = "";
-            parent.forceActiveFocus(Qt.OtherFocusReason); // keys find somebody again
-        }
     }
 }

@@ -40,6 +40,8 @@ FocusScope {
             }
             GridLayout {
                 Layout.alignment: Qt.AlignHCenter
+                Layout.fillWidth: true
+                Layout.maximumWidth: implicitWidth
                 visible: root.dialog.progressEnds.length > 0
                 columns: 2
                 Repeater {
@@ -47,7 +49,11 @@ FocusScope {
                     PlainText {
                         required property string modelData
                         required property int index
+                        objectName: "progressEnd" + index
+                        Layout.fillWidth: index % 2 === 1
                         text: modelData
+                        elide: Text.ElideMiddle
+                        ToolTipArea { tip: (parent as Text).truncated ? (parent as Text).text : "" }
                         color: index % 2 === 0 ? Theme.secondary : Theme.primary
                         font.pixelSize: Theme.caption
                         font.weight: index % 2 === 0 ? Font.Normal : Font.Medium

@@ -5,7 +5,8 @@ import Brindle
 Row {
     id: root
     required property RowPresenter presenter
-    property bool isCurrent: false // Tab goes on to them
+    required property ListFocus list
+    readonly property bool isCurrent: list.currentIdentifier === presenter.identifier // Tab goes on to them
     readonly property bool isHovered: hover.hovered
 
     HoverHandler { id: hover }
@@ -19,9 +20,12 @@ Row {
             frame: 22
             symbol: modelData.symbol
             tip: modelData.tip
-            activeFocusOnTab: root.isCurrent
+            activeFocusOnTab: root.isCurrent || activeFocus
             enabled: !root.presenter.isLoading
-            onClicked: root.presenter.perform(modelData.action)
+            onClicked: {
+                root.list.currentIdentifier = root.presenter.identifier;
+                root.presenter.perform(modelData.action);
+            }
         }
     }
 }

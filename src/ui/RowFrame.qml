@@ -16,7 +16,7 @@ Item {
     }
 
     objectName: presenter.identifier
-    activeFocusOnTab: isCurrent
+    activeFocusOnTab: isCurrent || activeFocus
     onActiveFocusChanged: if (activeFocus) list.currentIdentifier = presenter.identifier
 
     Accessible.role: Accessible.ListItem

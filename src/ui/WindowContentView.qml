@@ -36,6 +36,12 @@ Rectangle {
         objectName: "diskListFrame"
         anchors.fill: parent
         visible: root.presenter.content === "diskList"
+        onVisibleChanged: {
+            if (visible) { // again, after a dialog: keys find somebody
+                root.forceActiveFocus(Qt.OtherFocusReason);
+                list.takeFocus();
+            }
+        }
 
         DiskListHeaderView {
             id: header
@@ -46,6 +52,7 @@ Rectangle {
             onRefreshTapped: root.presenter.refresh()
         }
         DiskListContentView {
+            id: list
             anchors.top: header.bottom
             anchors.bottom: footer.top
             width: parent.width

@@ -11,6 +11,7 @@ Column {
     function focusRow(identifier: string): void {
         if (frame.presenter.identifier === identifier) {
             frame.forceActiveFocus(Qt.TabFocusReason);
+            list.revealRequested(frame);
             return;
         }
         for (let i = 0; i < partitions.count; ++i) {
@@ -43,7 +44,7 @@ Column {
         RowButtons {
             id: buttons
             presenter: root.row
-            isCurrent: frame.isCurrent
+            list: root.list
             anchors.right: chevron.left
             anchors.verticalCenter: parent.verticalCenter
         }
@@ -57,13 +58,17 @@ Column {
             size: 10
             symbol: root.row.chevron
             tip: root.row.isExpanded ? "Collapse EFI List" : "Expand EFI List"
-            activeFocusOnTab: frame.isCurrent
+            activeFocusOnTab: frame.isCurrent || activeFocus
             onClicked: root.row.activate()
         }
     }
     Repeater {
         id: partitions
         model: root.row.partitions
+        onItemRemoved: (index, item) => {
+            if (!root.row.isExpanded && (item as WindowEFIPartitionRowView)?.isCurrent)
+                root.list.currentIdentifier = root.row.identifier;
+        }
         WindowEFIPartitionRowView {
             required property EFIPartitionRowPresenter modelData
             partition: modelData

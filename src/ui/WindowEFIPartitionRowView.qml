@@ -46,7 +46,7 @@ RowFrame {
     RowButtons {
         id: buttons
         presenter: root.presenter
-        isCurrent: root.isCurrent
+        list: root.list
         anchors.right: parent.right
         anchors.rightMargin: 20
         anchors.verticalCenter: parent.verticalCenter

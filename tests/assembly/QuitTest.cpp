@@ -1,20 +1,11 @@
 #include "HeldFileManager.h"
+#include "assembly/ShellFixture.h"
 
-#include "assembly/ShellAssembly.h"
 #include "base/Completion.h"
-#include "base/DefaultsKeys.h"
 #include "base/Spawn.h"
-#include "support/FakeAppearance.h"
-#include "support/FakeApplicationHost.h"
 #include "support/FakeDialogs.h"
 #include "support/FakeLauncher.h"
-#include "support/FakeStatusItemHost.h"
-#include "support/FakeWindowHost.h"
 #include "support/FileTree.h"
-#include "support/LogCapture.h"
-#include "support/ManualClock.h"
-#include "support/SimulatedMachine.h"
-#include "support/WaitUntil.h"
 
 #include <QTemporaryDir>
 #include <QTimer>
@@ -64,35 +55,23 @@ private:
 
 /// The application in the window mode without its pictures, whose file work and tools with root's rights go on only
 /// when they are let.
-class QuitTest : public testing::Test {
+class QuitTest : public ShellFixture {
 protected:
     QuitTest()
     {
         machine.addDisk("disk2").withEFI("BOOT");
-        Platform platform = machine.platform();
-        m_paths = platform.toolPaths;
-        platform.scheduler = replacedBy(clock);
-        platform.childProcesses = replacedBy(launcher);
-        platform.fileManager = replacedBy(files);
-        platform.dialogs = replacedBy(dialogs);
-        platform.userDefaults->set(DefaultsKeys::kLaunchMode, "window");
-        (void)platform.secretStore->add({"com.orlane.Brindle", "admin-password"}, Secret("open sesame"));
-        m_shell.emplace(
-            std::move(platform),
-            ShellHosts{
-                .application = application, .windows = windows, .statusItem = statusItem, .appearance = appearance},
-            std::vector<std::string>{"brindle"});
+        Platform replaced = platform();
+        m_paths = replaced.toolPaths;
+        replaced.childProcesses = replacedBy(launcher);
+        replaced.fileManager = replacedBy(files);
+        replaced.dialogs = replacedBy(dialogs);
+        (void)replaced.secretStore->add({"com.orlane.Brindle", "admin-password"}, Secret("open sesame"));
+        start(std::move(replaced));
     }
 
-    ~QuitTest() override { end(); }
+    ~QuitTest() override { end(); } // before the work that it has begun
 
-    Assembly &assembly() { return m_shell->assembly(); }
-
-    void end()
-    {
-        m_shell.reset();
-        drainEventLoop();
-    }
+    Assembly &assembly() { return startedShell().assembly(); }
 
     [[nodiscard]] bool hasEnded() const { return std::ranges::find(journal, "quit") != journal.end(); }
 
@@ -123,31 +102,13 @@ protected:
         ASSERT_THAT(launcher->commandLines(), Contains(sudo("eraseVolume FAT32 BOOT disk2s1")));
     }
 
-    LogCapture log;
-    SimulatedMachine machine;
-    std::vector<std::string> journal;
-    FakeApplicationHost application{journal};
-    FakeWindowHost windows{journal};
-    FakeStatusItemHost statusItem;
-    FakeAppearance appearance;
-    ManualClock *clock = nullptr;
     FakeLauncher *launcher = nullptr;
     HeldFileManager *files = nullptr;
     StandingDialogs *dialogs = nullptr;
 
 private:
-    /// A new fake, owned by what is returned and named by \a place.
-    template <typename Fake>
-    static std::unique_ptr<Fake> replacedBy(Fake *&place)
-    {
-        auto fake = std::make_unique<Fake>();
-        place = fake.get();
-        return fake;
-    }
-
     ToolPaths m_paths = ToolPaths::system();
     QCoro::Task<> m_work;
-    std::optional<ShellAssembly> m_shell;
 };
 
 // --- a copy

@@ -1,14 +1,4 @@
-#include "assembly/ShellAssembly.h"
-
-#include "base/DefaultsKeys.h"
-#include "support/FakeAppearance.h"
-#include "support/FakeApplicationHost.h"
-#include "support/FakeStatusItemHost.h"
-#include "support/FakeWindowHost.h"
-#include "support/LogCapture.h"
-#include "support/ManualClock.h"
-#include "support/SimulatedMachine.h"
-#include "support/WaitUntil.h"
+#include "assembly/ShellFixture.h"
 
 #include <gmock/gmock.h>
 
@@ -27,51 +17,12 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-/// The real application in the window mode, without pictures, on a simulated machine with one disk.
-class ShellAssemblyTest : public testing::Test {
+/// With one disk.
+class ShellAssemblyTest : public ShellFixture {
 protected:
     ShellAssemblyTest() { machine.addDisk("disk2").withEFI("EFI"); }
 
-    ~ShellAssemblyTest() override { end(); }
-
-    ShellAssembly &shell()
-    {
-        if (!m_shell)
-            m_shell.emplace(
-                platform(),
-                ShellHosts{
-                    .application = application, .windows = windows, .statusItem = statusItem, .appearance = appearance},
-                std::vector<std::string>{"brindle"});
-        return *m_shell;
-    }
-
-    void end()
-    {
-        m_shell.reset();
-        drainEventLoop();
-    }
-
-    LogCapture log;
-    SimulatedMachine machine;
-    std::vector<std::string> journal;
-    FakeApplicationHost application{journal};
-    FakeWindowHost windows{journal};
-    FakeStatusItemHost statusItem;
-    FakeAppearance appearance;
-    ManualClock *clock = nullptr;
-
-private:
-    Platform platform()
-    {
-        Platform platform = machine.platform();
-        auto owned = std::make_unique<ManualClock>();
-        clock = owned.get();
-        platform.scheduler = std::move(owned);
-        platform.userDefaults->set(DefaultsKeys::kLaunchMode, "window");
-        return platform;
-    }
-
-    std::optional<ShellAssembly> m_shell;
+    ShellAssembly &shell() { return isStarted() ? startedShell() : start(platform()); }
 };
 
 TEST_F(ShellAssemblyTest, ReportsTheLaunchBeforeItMakesAnythingElse)

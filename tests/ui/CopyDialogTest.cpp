@@ -3,12 +3,15 @@
 
 #include "support/LogCapture.h"
 
+#include <QToolTip>
+
 #include <gmock/gmock.h>
 
 namespace brindle {
 namespace {
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 
@@ -324,6 +327,29 @@ TEST_F(CopyDialogTest, OverwritesWithSpaceOnTheOptionThatSaysSo)
 
     EXPECT_EQ(manager.operationStatus(), "EFI copy completed successfully");
     EXPECT_FALSE(oldEFIIsThere());
+}
+
+TEST_F(CopyDialogTest, CutsTheNamesOfSourceAndDestinationAndTellsAllOfThem)
+{
+    const std::string name(255, 'W');
+    disks[0].efiPartitions[0].volumeName = disks[1].efiPartitions[0].volumeName = name;
+    writeOldEFI();
+    open();
+    copyUntilConfirmation(); // as long as the choice is awaited, there are ends
+    QmlWindow progress("OperationProgressView { anchors.fill: parent }", kHeightOfOneDestination,
+                       {{QStringLiteral("dialog"), QVariant::fromValue(presenter.dialog())}});
+    (void)progress.picture(); // lays it out
+
+    EXPECT_EQ(progress.textOf(QStringLiteral("progressEnd0")), "From:");
+    EXPECT_FALSE(progress.valueOf<bool>(QStringLiteral("progressEnd0"), "truncated"));
+    for (const char *end : {"progressEnd1", "progressEnd3"}) {
+        const QQuickItem &item = progress.item(QString::fromLatin1(end));
+        EXPECT_TRUE(item.property("truncated").toBool()) << end;
+        EXPECT_LE(item.mapToScene(QPointF(item.width(), 0)).x(), QmlWindow::kWidth - 32) << end;
+        EXPECT_THAT(readAloud(progress.item(QString::fromLatin1(end))).name, HasSubstr(name));
+    }
+    progress.hover(QStringLiteral("progressEnd1"));
+    waitUntil([&] { return QToolTip::text().contains(QString::fromStdString(name)); });
 }
 
 } // namespace

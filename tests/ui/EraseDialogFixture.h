@@ -15,6 +15,7 @@ namespace brindle {
 class EraseDialogFixture : public testing::Test {
 protected:
     static constexpr int kHeightOfConfirmation = 578;
+    static constexpr int kHeightOfLaterStages = 428;
 
     QmlWindow &openForDisk(int height = kHeightOfConfirmation)
     {

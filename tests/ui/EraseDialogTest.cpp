@@ -1,12 +1,15 @@
 #include "ui/EraseDialogFixture.h"
 #include "ui/ReadAloud.h"
 
+#include <QToolTip>
+
 #include <gmock/gmock.h>
 
 namespace brindle {
 namespace {
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using Stage = EraseOperationManager::Stage;
 
@@ -29,12 +32,61 @@ TEST_F(EraseDialogTest, AsksForTheNameWithTheKeyboardInItsField)
 
 TEST_F(EraseDialogTest, IsNotScrolledWhereAllOfItHasRoom)
 {
+    for (const int height : {kHeightOfConfirmation, QmlWindow::kHeightOn600Points}) {
+        openForDisk(height);
+        waitForStillness(window());
+
+        EXPECT_FALSE(window().valueOf<bool>(QStringLiteral("eraseBody"), "interactive")) << height;
+        EXPECT_EQ(window().valueOf<double>(QStringLiteral("eraseBody"), "contentY"), 0) << height;
+    }
+}
+
+TEST_F(EraseDialogTest, KeepsItsHeadInPlaceFromStageToStage)
+{
     openForDisk();
+    const auto placeOfHead = [this] { return window().item(QStringLiteral("eraseSymbol")).mapToScene({}); };
+    const QPointF place = placeOfHead();
+    EXPECT_EQ(place.y(), 32);
+
+    for (const Stage stage : {Stage::inProgress, Stage::completed, Stage::failed}) {
+        window().window().resize(QmlWindow::kWidth, kHeightOfLaterStages);
+        manager.finish(stage, "The end.");
+        waitForStillness(window());
+
+        EXPECT_EQ(placeOfHead(), place);
+    }
+}
+
+TEST_F(EraseDialogTest, KeepsHeadAndButtonsInSightOnALowScreen)
+{
+    stick.volumeName = stick.name = std::string(255, 'W');
+    openForDisk(QmlWindow::kHeightOn600Points);
+    window().click(QStringLiteral("eraseButton"));
     waitForStillness(window());
 
-    const QQuickItem &title = window().item(QStringLiteral("eraseTitle"));
+    const QRectF frame(QPointF(), window().window().size());
+    for (const char *name : {"eraseSymbol", "eraseTitle", "eraseName", "eraseLine", "cancelButton", "eraseButton"}) {
+        const QQuickItem &item = window().item(QString::fromLatin1(name));
+        EXPECT_TRUE(frame.contains(item.mapRectToScene(item.boundingRect()))) << name;
+    }
+    const QQuickItem &body = window().item(QStringLiteral("eraseBody"));
+    const QRectF bodyFrame = body.mapRectToScene(body.boundingRect());
+    const QQuickItem &mismatch = window().item(QStringLiteral("mismatchText"));
+    EXPECT_TRUE(bodyFrame.contains(mismatch.mapRectToScene(mismatch.boundingRect())));
+}
 
-    EXPECT_GT(title.mapToScene({}).y(), 44); // the symbol's height
+TEST_F(EraseDialogTest, CutsANameThatIsTooLongAndTellsAllOfIt)
+{
+    stick.volumeName = stick.name = std::string(255, 'W');
+
+    openForDisk();
+
+    for (const char *name : {"eraseName", "eraseLine"}) {
+        EXPECT_TRUE(window().valueOf<bool>(QString::fromLatin1(name), "truncated")) << name;
+        EXPECT_THAT(readAloud(window().item(QString::fromLatin1(name))).name, HasSubstr(std::string(255, 'W')));
+    }
+    window().hover(QStringLiteral("eraseName"));
+    waitUntil([] { return QToolTip::text().contains(QString(255, QLatin1Char('W'))); });
 }
 
 TEST_F(EraseDialogTest, ErasesTheVolumeOnceItsNameIsTyped)

@@ -6,8 +6,6 @@
 namespace brindle {
 namespace {
 
-constexpr int kHeightOn600Points = 540; // nine tenths of the screen
-
 /// Whatever the window's height: each button below is whole in sight, and no text sticks out of the window's sides.
 void expectInSight(QmlWindow &window)
 {
@@ -79,7 +77,7 @@ TEST_P(CopyPictures, ShowTheSelectionWithTheLongestNamesAndAllWarnings)
 TEST_P(CopyPictures, ShowTheSelectionOnALowScreen)
 {
     addDisks();
-    open(kHeightOn600Points);
+    open(QmlWindow::kHeightOn600Points);
     presenter.dialog()->select(0);
     presenter.dialog()->setOverwriteWithoutBackup(true);
 
@@ -109,7 +107,7 @@ TEST_P(CopyPictures, ShowTheConfirmationOfTheBootDiskOnALowScreen)
 {
     writeOldEFI();
     disks[1].isBootDisk = true;
-    open(kHeightOn600Points);
+    open(QmlWindow::kHeightOn600Points);
     copyUntilConfirmation();
 
     expectPicture(window(), GetParam(), "copy-confirmation-600");
@@ -183,7 +181,7 @@ TEST_P(ErasePictures, ShowTheQuestionForAnEFIPartition)
 TEST_P(ErasePictures, ShowTheLongestNamesOnALowScreen)
 {
     lengthenNames();
-    openForDisk(kHeightOn600Points);
+    openForDisk(QmlWindow::kHeightOn600Points);
     window().click(QStringLiteral("eraseButton"));
 
     expectPicture(window(), GetParam(), "erase-long-600");
@@ -191,7 +189,7 @@ TEST_P(ErasePictures, ShowTheLongestNamesOnALowScreen)
 
 TEST_P(ErasePictures, ShowTheWork)
 {
-    openForDisk(428);
+    openForDisk(kHeightOfLaterStages);
     window().type(QStringLiteral("WORK"));
     window().click(QStringLiteral("eraseButton"));
     manager.finish(EraseOperationManager::Stage::inProgress, "");
@@ -202,7 +200,7 @@ TEST_P(ErasePictures, ShowTheWork)
 TEST_P(ErasePictures, ShowTheResult)
 {
     lengthenNames();
-    openForDisk(428);
+    openForDisk(kHeightOfLaterStages);
     presenter.setConfirmInput(QString::fromStdString(stick.volumeName.value()));
     window().click(QStringLiteral("eraseButton"));
     waitForResult();
@@ -213,7 +211,7 @@ TEST_P(ErasePictures, ShowTheResult)
 TEST_P(ErasePictures, ShowAFailure)
 {
     operations.failure = Error("SudoError", 1, "Resource busy");
-    openForEFIPartition(428);
+    openForEFIPartition(kHeightOfLaterStages);
     window().type(QStringLiteral("BOOT"));
     window().click(QStringLiteral("eraseButton"));
     waitForResult();

@@ -20,6 +20,7 @@ namespace brindle {
 class QmlWindow {
 public:
     static constexpr int kWidth = 500;
+    static constexpr int kHeightOn600Points = 540; ///< On a screen so high: nine tenths of it.
 
     /// \a qml is a document's text after its imports. Fails the test where it can't be loaded or warns.
     explicit QmlWindow(const QByteArray &qml, int height = 400, const QVariantMap &properties = {})

@@ -21,21 +21,8 @@ protected:
     QtWindowHostTest()
     {
         setUpEngine(m_engine);
-        host.setMakeContent([this] {
-            return std::make_unique<WindowContentPresenter>(
-                WindowContentPresenter::Surroundings{.model = {.diskManager = manager(),
-                                                               .efiOperations = efiOperations(),
-                                                               .dialogs = dialogs,
-                                                               .workspace = workspace,
-                                                               .userDefaults = defaults},
-                                                     .efiCopyManager = copyManager,
-                                                     .eraseManager = eraseManager,
-                                                     .eraseFlow = eraseFlow,
-                                                     .userDefaults = defaults,
-                                                     .scheduler = clock,
-                                                     .windowHost = host,
-                                                     .unfinishedWork = unfinishedWork});
-        });
+        host.setMakeContent(
+            [this] { return std::make_unique<WindowContentPresenter>(surroundings(eraseFlow, dialogs, host)); });
         QObject::connect(&host, &QtWindowHost::lastWindowClosed, [this] { heard.emplace_back("last window closed"); });
         QObject::connect(&host, &QtWindowHost::quitRequested, [this] { heard.emplace_back("quit"); });
         QObject::connect(&host, &WindowHost::screenParametersChanged, [this] { heard.emplace_back("screen"); });

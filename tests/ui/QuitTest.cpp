@@ -24,7 +24,8 @@ protected:
     MainWindow &window()
     {
         if (!m_window) {
-            m_window.emplace(m_engine, std::make_unique<WindowContentPresenter>(surroundings(eraseFlow)),
+            m_window.emplace(m_engine,
+                             std::make_unique<WindowContentPresenter>(surroundings(eraseFlow, dialogs, windowHost)),
                              QSize(500, 600));
             m_window->show();
             m_window->requestActivate();

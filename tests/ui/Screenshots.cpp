@@ -154,6 +154,8 @@ TEST_P(Screenshots, ListOnALowScreen)
     window().press(Qt::Key_Tab);
     window().press(Qt::Key_PageDown);
     save("list-600");
+    window().press(Qt::Key_End);
+    save("list-600-end");
 }
 
 TEST_P(Screenshots, FirstScan)

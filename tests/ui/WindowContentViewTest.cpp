@@ -1,4 +1,4 @@
-#include "ui/QmlWindow.h"
+#include "ui/Menus.h"
 #include "ui/ReadAloud.h"
 #include "views/WindowContentFixture.h"
 
@@ -8,7 +8,6 @@
 
 #include <QApplication>
 #include <QClipboard>
-#include <QMenu>
 #include <QToolTip>
 
 #include <map>
@@ -50,18 +49,6 @@ protected:
         return item ? item->objectName().toStdString() : "";
     }
 
-    /// The texts of the menu that is open, without dividers.
-    [[nodiscard]] static std::vector<std::string> openMenu()
-    {
-        std::vector<std::string> texts;
-        const auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-        for (const QAction *action : menu ? menu->actions() : QList<QAction *>()) {
-            if (!action->isSeparator())
-                texts.push_back(action->text().toStdString());
-        }
-        return texts;
-    }
-
     /// How often something asks for the application's menu.
     int menuRequestsBy(const std::function<void()> &something)
     {
@@ -72,17 +59,6 @@ protected:
         something();
         QObject::disconnect(connection);
         return requests;
-    }
-
-    static void choose(const QString &text)
-    {
-        auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-        ASSERT_TRUE(menu);
-        for (QAction *action : menu->actions()) {
-            if (action->text() == text)
-                action->trigger();
-        }
-        menu->close();
     }
 
     void holdOneStick()
@@ -157,7 +133,7 @@ TEST_F(WindowContentViewTest, ScrollsTheListOnAShortScreen)
 
     EXPECT_EQ(focused(), "disk9");
     const QQuickItem &last = window().item(QStringLiteral("disk9"));
-    EXPECT_LE(last.mapToScene(QPointF(0, last.height())).y(), 300 - heightOf("footer"));
+    EXPECT_EQ(last.mapToScene(QPointF(0, last.height())).y(), 300 - heightOf("footer") - 4) << "the ring wants air";
 }
 
 TEST_F(WindowContentViewTest, ScrollsTheListByItsBar)
@@ -320,10 +296,10 @@ TEST_F(WindowContentViewTest, ShowsTheMenuOfARowByTheRightButton)
 
     click("disk2", Qt::RightButton);
 
-    EXPECT_THAT(openMenu(),
+    EXPECT_THAT(textsOfOpenMenu(),
                 ElementsAre("Mount EFI", "Erase EFI Partition...", "Enable EFI Auto-Mount", "View SMART Details...",
                             "Eject Disk", "Erase Disk...", "Refresh Disks", "Disk disk2", "16.0 GB"));
-    choose(QStringLiteral("Mount EFI"));
+    chooseFromMenu(window(), QStringLiteral("Mount EFI"));
     settle();
     EXPECT_THAT(journal, Contains(sudo("mount disk2s1")));
 }
@@ -336,9 +312,8 @@ TEST_F(WindowContentViewTest, DrawsTheSymbolsOfAMenuInTheColourOfItsText)
 
     click("disk2", Qt::RightButton);
 
-    const auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-    ASSERT_TRUE(menu);
-    const QImage symbol = menu->actions().constFirst()->icon().pixmap(16).toImage();
+    ASSERT_TRUE(openMenu());
+    const QImage symbol = openMenu()->actions().constFirst()->icon().pixmap(16).toImage();
     int drawn = 0;
     for (int y = 0; y < symbol.height(); ++y) {
         for (int x = 0; x < symbol.width(); ++x) {
@@ -349,7 +324,7 @@ TEST_F(WindowContentViewTest, DrawsTheSymbolsOfAMenuInTheColourOfItsText)
         }
     }
     EXPECT_GT(drawn, 0);
-    choose({});
+    closeMenu(window());
 }
 
 TEST_F(WindowContentViewTest, ShowsTheMenuOfAPartition)
@@ -358,8 +333,8 @@ TEST_F(WindowContentViewTest, ShowsTheMenuOfAPartition)
 
     click("disk2s3", Qt::RightButton);
 
-    EXPECT_THAT(openMenu(), ElementsAre("Mount EFI", "Erase EFI Partition...", "Stick"));
-    choose({});
+    EXPECT_THAT(textsOfOpenMenu(), ElementsAre("Mount EFI", "Erase EFI Partition...", "Stick"));
+    closeMenu(window());
 }
 
 // --- keys
@@ -426,8 +401,8 @@ TEST_F(WindowContentViewTest, ShowsTheMenuByTheMenuKey)
 
     window().press(Qt::Key_Menu);
 
-    EXPECT_THAT(openMenu(), Contains("Expand EFI List"));
-    choose({});
+    EXPECT_THAT(textsOfOpenMenu(), Contains("Expand EFI List"));
+    closeMenu(window());
 }
 
 TEST_F(WindowContentViewTest, CopiesTheIdentifierOfTheRow)
@@ -460,9 +435,9 @@ TEST_F(WindowContentViewTest, KeepsARowMarkedWhileItsMenuIsOpen)
 
     click("disk2", Qt::RightButton);
 
-    ASSERT_FALSE(openMenu().empty());
+    ASSERT_FALSE(textsOfOpenMenu().empty());
     EXPECT_NE(color(), before);
-    choose({});
+    closeMenu(window());
 }
 
 struct MenuRequest {
@@ -500,19 +475,6 @@ TEST_F(WindowContentViewTest, GivesTheKeyboardToTheFirstDestinationOfACopy)
     row().perform(RowAction::copyEFI);
 
     waitUntil([this] { return focused() == "destination0"; });
-}
-
-TEST_F(WindowContentViewTest, TakesKeysAgainAfterADialogHasClosed)
-{
-    window();
-    row().perform(RowAction::eraseDisk);
-    QmlWindow::settle();
-    ASSERT_FALSE(shows("diskListFrame"));
-
-    window().press(Qt::Key_Escape);
-
-    EXPECT_TRUE(shows("diskListFrame"));
-    EXPECT_EQ(menuRequestsBy([this] { window().press(Qt::Key_Menu); }), 1);
 }
 
 TEST_F(WindowContentViewTest, PaintsMenusAndTipsInItsScheme)

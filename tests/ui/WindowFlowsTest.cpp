@@ -1,9 +1,6 @@
-#include "ui/QmlWindow.h"
+#include "ui/Menus.h"
 #include "ui/Stillness.h"
 #include "views/WindowContentFixture.h"
-
-#include <QApplication>
-#include <QMenu>
 
 #include <gmock/gmock.h>
 
@@ -28,27 +25,13 @@ public:
     WindowContentPresenter &erasing()
     {
         if (!m_erasing)
-            m_erasing.emplace(surroundings(*eraseFlowOfModel()));
+            m_erasing.emplace(surroundings(*eraseFlowOfModel(), dialogs, windowHost));
         return *m_erasing;
     }
 
     void click(const char *path, Qt::MouseButton button = Qt::LeftButton)
     {
         window().click(QString::fromLatin1(path), button);
-    }
-
-    void chooseFromMenu(const QString &text)
-    {
-        auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-        ASSERT_TRUE(menu);
-        QAction *chosen = nullptr;
-        for (QAction *action : menu->actions())
-            chosen = action->text() == text ? action : chosen;
-        ASSERT_TRUE(chosen) << text.toStdString();
-        chosen->trigger();
-        menu->close();
-        window().window().requestActivate(); // what a window manager does
-        QmlWindow::settle();
     }
 
     /// A stick with an EFI partition, and its erase dialog with the name typed.
@@ -58,7 +41,8 @@ public:
         stick.volumeName = "WORK";
         hold({stick});
         click("disk2", Qt::RightButton);
-        chooseFromMenu(ofEFIPartition ? QStringLiteral("Erase EFI Partition...") : QStringLiteral("Erase Disk..."));
+        chooseFromMenu(window(),
+                       ofEFIPartition ? QStringLiteral("Erase EFI Partition...") : QStringLiteral("Erase Disk..."));
         ASSERT_EQ(window().focused(), "nameField");
         window().type(ofEFIPartition ? QStringLiteral("BOOT") : QStringLiteral("WORK"));
     }

@@ -18,11 +18,11 @@ namespace brindle {
 /// of content(). The window is there, 150 points high; what its host is asked stands in windowJournal.
 class WindowContentFixture : public DiskActionsFixture {
 protected:
-    WindowContentPresenter::Surroundings surroundings(EraseFlow &flow)
+    WindowContentPresenter::Surroundings surroundings(EraseFlow &flow, Dialogs &shown, WindowHost &host)
     {
         return {.model = {.diskManager = manager(),
                           .efiOperations = efiOperations(),
-                          .dialogs = dialogs,
+                          .dialogs = shown,
                           .workspace = workspace,
                           .userDefaults = defaults},
                 .efiCopyManager = copyManager,
@@ -30,14 +30,14 @@ protected:
                 .eraseFlow = flow,
                 .userDefaults = defaults,
                 .scheduler = clock,
-                .windowHost = windowHost,
+                .windowHost = host,
                 .unfinishedWork = unfinishedWork};
     }
 
     WindowContentPresenter &content()
     {
         if (!m_content)
-            m_content.emplace(surroundings(eraseFlow));
+            m_content.emplace(surroundings(eraseFlow, dialogs, windowHost));
         return *m_content;
     }
 
