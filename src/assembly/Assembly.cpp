@@ -30,6 +30,7 @@ Assembly::Assembly(Platform platform)
                      .keychain = m_keychainHelper,
                      .efiOperations = m_efiOperations,
                      .workspace = *m_platform.workspace,
+                     .unfinishedWork = m_unfinishedWork,
                      .mountsMarkedDisks = m_platform.mountsMarkedDisks}),
       m_efiCopyManager(*m_platform.fileManager, *m_platform.dialogs, *m_platform.scheduler, m_unfinishedWork),
       m_eraseFlow(m_eraseOperationManager, m_diskManager),

@@ -67,8 +67,8 @@ ShellAssembly::~ShellAssembly()
         m_hosts.windows.close(window.id);
     m_hosts.application.setDelegate(nullptr);
     m_appDelegate.reset();
-    endScan(m_assembly);
     blockOn(m_assembly.unfinishedWork().end()); // of an event loop that something else has ended
+    endScan(m_assembly);
 }
 
 void ShellAssembly::reopen()

@@ -19,6 +19,7 @@ DiskManager::DiskManager(const Surroundings &surroundings)
       m_keychain(surroundings.keychain),
       m_efiOperations(surroundings.efiOperations),
       m_workspace(surroundings.workspace),
+      m_unfinishedWork(surroundings.unfinishedWork),
       m_mountsMarkedDisks(surroundings.mountsMarkedDisks)
 {
     initializePreferences(m_defaults);

@@ -6,6 +6,7 @@
 
 #include "base/CancellationToken.h"
 #include "base/Completion.h"
+#include "base/UnfinishedWork.h"
 #include "detectors/BootloaderDetector.h"
 #include "detectors/DiskDetector.h"
 #include "detectors/FilesystemDetector.h"
@@ -57,6 +58,7 @@ public:
         KeychainHelper &keychain;
         EFIOperations &efiOperations;
         Workspace &workspace;
+        UnfinishedWork &unfinishedWork;
         /// Marked disks (AutoMountMarks.h) are mounted by themselves when a scan finds them that didn't find them
         /// before.
         bool mountsMarkedDisks = true;
@@ -124,7 +126,7 @@ public:
     QCoro::Task<> openConfigPlist(std::string identifier);
 
     /// Lets the whole disk go and takes it off the list before any scan, then refreshes. Gives what the tool printed.
-    /// Throws the tool's Error, and nothing has changed then.
+    /// Throws the tool's Error, and nothing has changed then. Unfinished work until the disk is off the list.
     [[nodiscard]] QCoro::Task<std::string> ejectDisk(std::string identifier);
 
     QCoro::Task<> requireVolumeOn(std::string diskIdentifier, std::string volume) override;
@@ -184,6 +186,7 @@ private:
 
     QCoro::Task<> replaceEFIPartition(EFIPartition partition);
     void setEFIState(const std::string &identifier, bool isMounted);
+    QCoro::Task<std::string> letDiskGo(std::string identifier);
     void forgetDisk(const std::string &identifier);
     QCoro::Task<> erase(std::vector<std::string> arguments);
 
@@ -204,6 +207,7 @@ private:
     KeychainHelper &m_keychain;
     EFIOperations &m_efiOperations;
     Workspace &m_workspace;
+    UnfinishedWork &m_unfinishedWork;
     bool m_mountsMarkedDisks;
     std::optional<BootloaderInfo> m_cachedBootloaderInfo;
 

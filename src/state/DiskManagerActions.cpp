@@ -109,7 +109,19 @@ QCoro::Task<> DiskManager::openConfigPlist(std::string identifier)
 
 QCoro::Task<std::string> DiskManager::ejectDisk(std::string identifier)
 {
+    auto lettingGo = letDiskGo(std::move(identifier));
+    std::string output = co_await lettingGo;
+    auto pause = m_scheduler.sleep(500ms); // the system takes notice of what has gone
+    co_await pause;
+    auto refreshing = refresh(false);
+    co_await refreshing;
+    co_return output;
+}
+
+QCoro::Task<std::string> DiskManager::letDiskGo(std::string identifier)
+{
     Log::line("🔄 Ejecting disk: {}", identifier);
+    const UnfinishedWork::Piece piece(m_unfinishedWork);
     const PhysicalDisk *const disk = findDisk(m_disks, identifier);
     const bool hadMountedEFI = disk && mountedEFIPartition(*disk);
     auto ejecting = m_tools.run(m_paths.diskutil(), {"eject", identifier});
@@ -117,10 +129,6 @@ QCoro::Task<std::string> DiskManager::ejectDisk(std::string identifier)
     forgetDisk(identifier);
     if (hadMountedEFI)
         Log::line("   📢 Disk with mounted EFI ejected — forcing icon update");
-    auto pause = m_scheduler.sleep(500ms); // the system takes notice of what has gone
-    co_await pause;
-    auto refreshing = refresh(false);
-    co_await refreshing;
     co_return output;
 }
 

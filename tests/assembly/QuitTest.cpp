@@ -53,7 +53,7 @@ private:
     Completion<std::optional<std::string>> m_answer;
 };
 
-/// The application in the window mode without its pictures, whose file work and tools with root's rights go on only
+/// The application in the window mode without its pictures, whose file work and tools that change a disk go on only
 /// when they are let.
 class QuitTest : public ShellFixture {
 protected:
@@ -75,10 +75,15 @@ protected:
 
     [[nodiscard]] bool hasEnded() const { return std::ranges::find(journal, "quit") != journal.end(); }
 
+    [[nodiscard]] std::string diskutil(const std::string &arguments) const
+    {
+        return fmt::format("{} {}", m_paths.diskutil(), arguments);
+    }
+
     /// The command line by which the disk tool gets root's rights.
     [[nodiscard]] std::string sudo(const std::string &arguments) const
     {
-        return fmt::format("{} -S -k {} {}", m_paths.sudo(), m_paths.diskutil(), arguments);
+        return fmt::format("{} -S -k {}", m_paths.sudo(), diskutil(arguments));
     }
 
     /// Begins \a work, whose failure is its own affair. It ends within the test.
@@ -305,7 +310,7 @@ protected:
     QuitAmidAnAction()
     {
         const bool isMounted = std::string_view(GetParam().name) == "Unmount";
-        launcher->answer(machine.root().string() + "/usr/sbin/diskutil info disk2s1",
+        launcher->answer(diskutil("info disk2s1"),
                          {.standardOutput = isMounted ? "   Mount Point:   /Volumes/BOOT\n" : ""});
     }
 };
@@ -348,8 +353,7 @@ TEST_P(QuitAmidAnAction, WaitsForTheEndOfTheTool)
 
 TEST_F(QuitTest, WaitsForTheForcedUnmountThatFollowsARefusedOne)
 {
-    launcher->answer(machine.root().string() + "/usr/sbin/diskutil info disk2s1",
-                     {.standardOutput = "   Mount Point:   /Volumes/BOOT\n"});
+    launcher->answer(diskutil("info disk2s1"), {.standardOutput = "   Mount Point:   /Volumes/BOOT\n"});
     launcher->hold(sudo("unmount disk2s1"));
     launcher->hold(sudo("unmount force disk2s1"));
     begin([this] { return assembly().efiOperations().unmount("disk2s1", "Stick"); });
@@ -385,6 +389,65 @@ TEST_F(QuitTest, TellsOfAnEraseThatFailsMeanwhile)
 
     EXPECT_THAT(log.lines(), Contains(testing::StartsWith("EFI erase failed: ")));
     EXPECT_TRUE(hasEnded());
+}
+
+// --- an eject
+
+/// A disk that is being let go when the application is to quit.
+class QuitAmidAnEject : public QuitTest {
+protected:
+    QuitAmidAnEject()
+    {
+        launcher->hold(tool);
+        launcher->answer(tool, {.standardOutput = "Disk disk2 ejected\n"});
+        begin([this] { return eject(); });
+        EXPECT_THAT(launcher->commandLines(), Contains(tool));
+    }
+
+    QCoro::Task<> eject()
+    {
+        auto ejecting = assembly().diskManager().ejectDisk("disk2");
+        (void)co_await ejecting;
+    }
+
+    const std::string tool = diskutil("eject disk2");
+};
+
+TEST_F(QuitAmidAnEject, WaitsForTheEndOfTheTool)
+{
+    application.terminate();
+    drainEventLoop();
+    EXPECT_FALSE(hasEnded());
+
+    launcher->release(tool);
+    drainEventLoop();
+    EXPECT_TRUE(hasEnded());
+    EXPECT_EQ(launcher->terminations, 0);
+}
+
+TEST_F(QuitAmidAnEject, WaitsForItsEndAlsoWhereItFails)
+{
+    launcher->answer(tool, {.terminationStatus = 1, .standardError = "busy\n"});
+    application.terminate();
+
+    launcher->release(tool);
+    drainEventLoop();
+
+    EXPECT_TRUE(hasEnded());
+    EXPECT_TRUE(isOver());
+}
+
+TEST_F(QuitAmidAnEject, LetsTheToolEndAlsoWhereTheEventLoopWasEndedByOthers)
+{
+    std::optional<int> terminations;
+    QTimer::singleShot(0, [&] {
+        terminations = launcher->terminations;
+        launcher->release(tool);
+    });
+
+    end();
+
+    EXPECT_EQ(terminations, 0);
 }
 
 // --- by whatever way

@@ -19,7 +19,7 @@
 namespace brindle {
 
 /// A password that stands nowhere by chance, and is another than maskedPassword(): these tests leave it in memory.
-inline constexpr const char *kAdminPassword = "Gr4n-dmother-Sky";
+inline constexpr const char *kAdminPassword = "Gr4n-dM0ther-Sky";
 
 /// brindlectl as an ordinary user on a copy of the demo machine, whose own programs and sudo run. Root takes the rights
 /// of "nobody" for it.
@@ -95,6 +95,16 @@ protected:
     {
         if (::geteuid() == 0 && (::setgid(kNobody) != 0 || ::setuid(kNobody) != 0))
             ::_exit(126);
+    }
+
+    /// Lets \a script run before the machine's program at \a path, which it becomes then.
+    void putBefore(const std::string &path, const std::string &script) const
+    {
+        const std::filesystem::path program = root() + "/" + path;
+        std::filesystem::rename(program, program.string() + ".real");
+        writeFile(program, fmt::format("#!/bin/sh\n{}\nexec \"$0.real\" \"$@\"\n", script));
+        std::filesystem::permissions(program, std::filesystem::perms(0755));
+        giveAllToOrdinaryUser();
     }
 
     /// The EFI partition's record as the list tells it.

@@ -1,7 +1,8 @@
 // Run by real-sudo-test alone, as a user of its making: RealSudo as one whom sudo obeys, RealSudoWithoutARule as one
-// whom it doesn't. Both have the password kPassword.
+// whom it doesn't.
 
 #include "privileged/KeychainFixture.h"
+#include "privileged/RealSudoUser.h"
 
 #include "platform/linux/FileDescriptor.h"
 #include "platform/linux/LinuxChildProcess.h"
@@ -26,15 +27,13 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr const char *kPassword = "open sesame";
-
 class RealSudo : public KeychainFixture {
 protected:
     void SetUp() override
     {
         ASSERT_NE(geteuid(), 0U) << "this test is no program to be run by hand";
         ASSERT_EQ(std::system("sudo -K"), 0); // forgets the proofs of the tests before
-        (void)store.add(kPasswordKey, Secret(kPassword));
+        (void)store.add(kPasswordKey, Secret(kSudoPassword));
     }
 
     KeychainHelper::Surroundings realProcesses()
@@ -89,7 +88,7 @@ private:
 
 TEST_F(RealSudo, ProvesTheRightPassword)
 {
-    EXPECT_TRUE(resultOf(helper.validateAdminPassword(Secret(kPassword))));
+    EXPECT_TRUE(resultOf(helper.validateAdminPassword(Secret(kSudoPassword))));
 }
 
 TEST_F(RealSudo, RefusesAWrongAndAnEmptyPassword)
@@ -102,7 +101,7 @@ TEST_F(RealSudo, RefusesAWrongAndAnEmptyPassword)
 // is run with -k and proves its password each time.
 TEST_F(RealSudo, TakesAnyPasswordAsProvedWhileSudoRemembersTheLastProof)
 {
-    const bool wasRight = resultOf(helper.validateAdminPassword(Secret(kPassword)));
+    const bool wasRight = resultOf(helper.validateAdminPassword(Secret(kSudoPassword)));
 
     EXPECT_TRUE(wasRight);
     EXPECT_TRUE(resultOf(helper.validateAdminPassword(Secret("wrong"))));
@@ -133,7 +132,7 @@ TEST_F(RealSudo, GivesTheStatusAndTheErrorTextOfTheTool)
 
 TEST_F(RealSudo, RefusesAWrongStoredPasswordEvenAfterAProofAndKeepsIt)
 {
-    const bool wasRight = resultOf(helper.validateAdminPassword(Secret(kPassword)));
+    const bool wasRight = resultOf(helper.validateAdminPassword(Secret(kSudoPassword)));
     (void)store.add(kPasswordKey, Secret("wrong"));
 
     const Error error = errorOf(helper.runPrivileged("/usr/bin/id", {}));
@@ -179,12 +178,12 @@ TEST_F(RealSudo, ShowsThePasswordInNoCommandLine)
 
     EXPECT_EQ(output, "");
     EXPECT_THAT(commandLine, HasSubstr("sudo"));
-    EXPECT_THAT(commandLine, Not(HasSubstr("sesame")));
+    EXPECT_THAT(commandLine, Not(HasSubstr(kSudoPassword)));
 }
 
 TEST_F(RealSudoWithoutARule, ProvesNothing)
 {
-    EXPECT_FALSE(resultOf(helper.validateAdminPassword(Secret(kPassword))));
+    EXPECT_FALSE(resultOf(helper.validateAdminPassword(Secret(kSudoPassword))));
 }
 
 TEST_F(RealSudoWithoutARule, RunsNothingAndTellsWhy)

@@ -48,7 +48,8 @@ protected:
                 .systemInfoDetector = systemInfoDetector,
                 .keychain = keychain(),
                 .efiOperations = efiOperations(),
-                .workspace = workspace};
+                .workspace = workspace,
+                .unfinishedWork = unfinishedWork};
     }
 
     /// Made at the first call; its migration is over and told to nobody.

@@ -1,14 +1,9 @@
 #include "support/MaskedPassword.h"
 
+#include "support/ProcessMemory.h"
+
 #include <algorithm>
 #include <array>
-#include <fstream>
-#include <string>
-#include <string_view>
-#include <vector>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace brindle {
 
@@ -23,7 +18,7 @@ constexpr std::array kMaskedPassword = [] {
     return masked;
 }();
 
-bool holdsPassword(std::string_view bytes)
+bool holdsPassword(std::span<const char> bytes)
 {
     const auto isUnmasked = [](char byte, char masked) { return byte == static_cast<char>(masked ^ kMask); };
     return std::ranges::search(bytes, kMaskedPassword, isUnmasked).begin() != bytes.end();
@@ -42,24 +37,8 @@ Secret maskedPassword()
 
 bool isMaskedPasswordInMemory()
 {
-    constexpr std::size_t kLargestHeap = 256UL * 1024 * 1024; // larger ones are a sanitizer's own, and nearly all empty
-    const int memory = open("/proc/self/mem", O_RDONLY | O_CLOEXEC);
-    std::ifstream maps("/proc/self/maps");
     bool isFound = false;
-    std::vector<char> bytes;
-    for (std::string line; std::getline(maps, line);) {
-        std::size_t separator = 0;
-        const std::size_t begin = std::stoull(line, &separator, 16);
-        const std::size_t end = std::stoull(line.substr(separator + 1), nullptr, 16);
-        const bool isWritable = line.find(" rw") != std::string::npos;
-        if (!isWritable || end - begin > kLargestHeap)
-            continue;
-        bytes.resize(end - begin);
-        const ssize_t count = pread(memory, bytes.data(), bytes.size(), static_cast<off_t>(begin));
-        isFound = isFound || (count > 0 && holdsPassword({bytes.data(), static_cast<std::size_t>(count)}));
-        std::ranges::fill(bytes, '\0'); // or the copy would be found next
-    }
-    close(memory);
+    lookAtMemory("self", [&isFound](std::span<const char> region) { isFound = isFound || holdsPassword(region); });
     return isFound;
 }
 
