@@ -38,14 +38,16 @@ using namespace brindle;
 constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
 
-constexpr const char *kHelp = R"(Usage: brindle [--demo[=ask]]
+constexpr const char *kHelp = R"(Usage: brindle [--demo[=ask]] [-launchMode menubar|window]
 
 Lists the disks of this machine with their EFI system partitions in a window.
 
-  --demo      works on a simulated machine, which is gone afterwards; its
-              password is stored, with --demo=ask it has to be typed
-  --help      prints this
-  --version   prints the version
+  --demo            works on a simulated machine, which is gone afterwards; its
+                    password is stored, with --demo=ask it has to be typed
+  -launchMode MODE  begins in the mode menubar or window instead of the stored
+                    one; a desktop without status items gets the window
+  --help            prints this
+  --version         prints the version
 )";
 
 std::unique_ptr<WindowContentPresenter> makeContent(Assembly &assembly, WindowHost &windows)
