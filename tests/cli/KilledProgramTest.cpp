@@ -100,8 +100,11 @@ protected:
 
     void expectWholeSettings()
     {
-        EXPECT_THAT(settingsFiles(), ElementsAre("com.orlane.Brindle.plist", "com.orlane.Brindle.plist.lock"));
         EXPECT_EQ(run({"settings", "get", "ShowDiskSpaceIndicator"}).output, "true\n");
+        // The program goes on while its tool is held: what it was writing when it was killed goes with the next change.
+        for (const char *value : {"false", "true"})
+            EXPECT_EQ(run({"settings", "set", "ShowDiskSpaceIndicator", value}).status, 0);
+        EXPECT_THAT(settingsFiles(), ElementsAre("com.orlane.Brindle.plist", "com.orlane.Brindle.plist.lock"));
     }
 
     void expectList()
