@@ -2,12 +2,12 @@
 // system calls; then copy, flush and verification over `rsync -a`, `sync -f` and `rsync -anc`. On a fresh ext4 of a
 // loop device, which is read past the memory of the machine.
 
+#include "Spawn.h"
 #include "Verdict.h"
 
 #include <fmt/format.h>
 
 #include <fcntl.h>
-#include <spawn.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -27,8 +27,6 @@
 #include <string>
 #include <utility>
 #include <vector>
-
-extern char **environ; // NOLINT
 
 namespace brindle {
 namespace {
@@ -60,21 +58,12 @@ double millisecondsOf(const timeval &time)
 }
 
 /// Runs \a words with what they print thrown away; the CPU time of the process and of what it waited for.
-double run(Words words)
+double run(const Words &words)
 {
-    std::vector<char *> argv;
-    for (std::string &word : words)
-        argv.push_back(word.data());
-    argv.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    pid_t process = 0;
-    const int error = posix_spawnp(&process, argv[0], &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
+    const pid_t process = start(words);
     int status = 0;
     rusage usage{};
-    if (error != 0 || wait4(process, &status, 0, &usage) != process || status != 0)
+    if (wait4(process, &status, 0, &usage) != process || status != 0)
         throw std::runtime_error(words.front() + " failed");
     return millisecondsOf(usage.ru_utime) + millisecondsOf(usage.ru_stime);
 }

@@ -3,11 +3,10 @@
 // udevd can run, with it.
 
 #include "Compare.h"
+#include "Spawn.h"
 
 #include <fmt/format.h>
 
-#include <fcntl.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -22,8 +21,6 @@
 #include <string_view>
 #include <vector>
 
-extern char **environ; // NOLINT
-
 namespace brindle {
 namespace {
 
@@ -31,21 +28,11 @@ constexpr double kAllowedRatio = 1.0;
 constexpr int kRounds = 41;
 
 /// Runs \a words with what they print thrown away.
-void run(std::vector<std::string> words)
+void run(const std::vector<std::string> &words)
 {
-    std::vector<char *> argv;
-    for (std::string &word : words)
-        argv.push_back(word.data());
-    argv.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
-    pid_t process = 0;
-    const int error = posix_spawnp(&process, argv[0], &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
+    const pid_t process = start(words, true);
     int status = 0;
-    if (error != 0 || waitpid(process, &status, 0) != process || status != 0)
+    if (waitpid(process, &status, 0) != process || status != 0)
         throw std::runtime_error(words.front() + " failed");
 }
 

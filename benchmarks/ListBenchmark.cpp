@@ -2,6 +2,7 @@
 // 20 ms, at 8, 32 and 128 disks; beside it brindlectl's own CPU time and peak memory.
 
 #include "Compare.h"
+#include "Spawn.h"
 #include "support/SimulatedMachine.h"
 
 #include <fmt/format.h>
@@ -9,16 +10,10 @@
 #include <sys/resource.h>
 #include <sys/wait.h>
 
-#include <fcntl.h>
-#include <spawn.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <fstream>
 #include <string>
 #include <vector>
-
-extern char **environ; // NOLINT
 
 namespace brindle {
 namespace {
@@ -42,20 +37,9 @@ double cpuMillisecondsOf(pid_t process)
 }
 
 /// Runs \a words with standard output thrown away.
-Usage run(std::vector<std::string> words)
+Usage run(const std::vector<std::string> &words)
 {
-    std::vector<char *> argv;
-    for (std::string &word : words)
-        argv.push_back(word.data());
-    argv.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    pid_t process = 0;
-    if (posix_spawn(&process, argv[0], &actions, nullptr, argv.data(), environ) != 0)
-        std::abort();
-    posix_spawn_file_actions_destroy(&actions);
-
+    const pid_t process = start(words);
     siginfo_t info{};
     waitid(P_PID, static_cast<id_t>(process), &info, WEXITED | WNOWAIT);
     const double cpuMs = cpuMillisecondsOf(process);

@@ -30,6 +30,7 @@ struct MemorySlot {
     std::string serialNumber;
 };
 
+/// The main memory: of all modules, or of a system whose memory is no module.
 struct Memory {
     std::uint64_t sizeBytes = 0;
     std::string type;              ///< Of memory that is no module; empty beside slots.
@@ -47,6 +48,7 @@ struct Display {
     std::string serialNumber;
 };
 
+/// What draws for the displays, as a card or as part of the processor.
 struct GraphicsCard {
     std::string name;                      ///< "AMD Radeon RX 580"
     std::string vendor;                    ///< "AMD"
@@ -58,6 +60,7 @@ struct GraphicsCard {
     std::vector<Display> displays;
 };
 
+/// What `system_profiler` tells of the machine.
 struct HardwareFacts {
     std::string modelName;       ///< "ThinkPad X1 Carbon Gen 9"
     std::string modelIdentifier; ///< "20XWCTO1WW"

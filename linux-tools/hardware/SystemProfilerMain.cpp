@@ -15,9 +15,9 @@ namespace {
 
 using namespace brindle::tools;
 
-constexpr const char *kHelp = R"(usage: system_profiler [-detailLevel mini|basic|full] [DATATYPE ...]
-       system_profiler -listDataTypes
-       system_profiler --help
+constexpr const char *kHelp = R"(Usage:  system_profiler [-detailLevel mini|basic|full] [DATATYPE ...]
+        system_profiler -listDataTypes
+        system_profiler --help
 
 Prints the hardware of this machine. Without a DATATYPE, all are printed.
 

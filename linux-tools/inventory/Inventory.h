@@ -49,6 +49,7 @@ struct Disk {
     std::vector<Partition> partitions; ///< In the order of the disk; without MBR's extended ones.
 };
 
+/// A volume of an APFS container, which shares its space with the others.
 struct ApfsVolume {
     std::string identifier; ///< "disk3s1"
     std::string name;

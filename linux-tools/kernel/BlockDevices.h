@@ -18,6 +18,7 @@ struct KernelRoots {
     std::string systemBus; ///< The address that UDisks2 is asked at; empty: it isn't.
 };
 
+/// What the kernel calls a device by, of the sort that stat(2) tells in st_rdev; ordered as the kernel lists devices.
 struct DeviceNumber {
     unsigned major = 0;
     unsigned minor = 0;

@@ -7,7 +7,11 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace {
 
@@ -36,9 +40,24 @@ struct Call {
     std::string output;
 };
 
+/// What CLI11 says of a wrong usage, which never names what stands in place of a command.
+std::string complaintOf(const CLI::App *app, const CLI::Error &error)
+{
+    const bool isCommandMissing = std::string_view(error.what()) == CLI::RequiredError::Subcommand(1).what();
+    const std::vector<std::string> left = app->remaining();
+    const auto word = std::ranges::find_if(left, [](const auto &argument) { return !argument.starts_with('-'); });
+    const std::string missing =
+        word == left.end() ? "A command is required" : fmt::format("There is no command \"{}\"", *word);
+    return fmt::format("brindle-machine: {}\nRun with --help for more information.\n",
+                       isCommandMissing ? missing : error.what());
+}
+
 void describe(CLI::App &app, Call &call)
 {
     app.require_subcommand(1);
+    app.group("Commands");
+    app.get_formatter()->label("SUBCOMMAND", "COMMAND");
+    app.failure_message(complaintOf);
     auto *const list = app.add_subcommand("list", "Print the disks that are plugged in and out");
     auto *const in = app.add_subcommand("in", "Plug a disk in, under a new number");
     auto *const out = app.add_subcommand("out", "Pull a disk out, mounted or not");

@@ -38,14 +38,16 @@ using namespace brindle;
 constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
 
-constexpr const char *kHelp = R"(Usage: brindle [--demo[=ask]]
+constexpr const char *kHelp = R"(Usage: brindle [--demo[=ask]] [-launchMode menubar|window]
 
 Lists the disks of this machine with their EFI system partitions in a window.
 
-  --demo      works on a simulated machine, which is gone afterwards; its
-              password is stored, with --demo=ask it has to be typed
-  --help      prints this
-  --version   prints the version
+  --demo            works on a simulated machine, which is gone afterwards; its
+                    password is stored, with --demo=ask it has to be typed
+  -launchMode MODE  begins in the mode menubar or window instead of the stored
+                    one; a desktop without status items gets the window
+  --help            prints this
+  --version         prints the version
 )";
 
 std::unique_ptr<WindowContentPresenter> makeContent(Assembly &assembly, WindowHost &windows)
@@ -73,6 +75,29 @@ std::unique_ptr<Appearance> makeAppearance(const PaletteAppearance &palette)
     return std::make_unique<PortalAppearance>(palette);
 }
 
+/// Lets the windows have the colours of \a appearance, and the application hear of their end.
+void connectWindows(QtWindowHost &windows, QtApplicationHost &application, Appearance &appearance)
+{
+    windows.setColorScheme(appearance.colorScheme());
+    QObject::connect(&appearance, &Appearance::colorSchemeChanged, &windows,
+                     [&] { windows.setColorScheme(appearance.colorScheme()); });
+    QObject::connect(&windows, &QtWindowHost::quitRequested, [&] { application.terminate(); });
+    QObject::connect(&windows, &QtWindowHost::lastWindowClosed, [&] { application.lastWindowClosed(); });
+}
+
+/// What a signal that ends programs does: the application is asked to end, and whoever insists leaves it at once.
+Interruption::Function quitBySignal(QtApplicationHost &application, std::optional<DemoMachine> &demo)
+{
+    return [&application, &demo, isAskedToEnd = false](int signalNumber) mutable {
+        application.terminate();
+        // Twice is no insisting of a terminal that is closed or a session that ends, but of who presses Ctrl-C.
+        if (!std::exchange(isAskedToEnd, true) || signalNumber != SIGINT)
+            return Interruption::Then::goOn;
+        demo.reset();
+        return Interruption::Then::endBySignal;
+    };
+}
+
 int run(const Arguments &options, const std::vector<std::string> &arguments)
 {
     std::optional<DemoMachine> demo;
@@ -85,13 +110,8 @@ int run(const Arguments &options, const std::vector<std::string> &arguments)
     QtWindowHost windows(engine);
     const NoStatusItemHost statusItem;
     const PaletteAppearance palette(colorSchemeOfEnvironment());
-    const std::unique_ptr<Appearance> own = makeAppearance(palette);
-    Appearance &appearance = *own;
-    windows.setColorScheme(appearance.colorScheme());
-    QObject::connect(&appearance, &Appearance::colorSchemeChanged, &windows,
-                     [&] { windows.setColorScheme(appearance.colorScheme()); });
-    QObject::connect(&windows, &QtWindowHost::quitRequested, [&] { application.terminate(); });
-    QObject::connect(&windows, &QtWindowHost::lastWindowClosed, [&] { application.lastWindowClosed(); });
+    const std::unique_ptr<Appearance> appearance = makeAppearance(palette);
+    connectWindows(windows, application, *appearance);
 
     Platform platform = makePlatform(demo ? demo->platformChanges() : changesOfEnvironment());
     std::optional<DBusSingleInstance> instance;
@@ -101,7 +121,7 @@ int run(const Arguments &options, const std::vector<std::string> &arguments)
     platform.dialogs = std::make_unique<QtDialogs>(engine);
     ShellAssembly shell(
         std::move(platform),
-        {.application = application, .windows = windows, .statusItem = statusItem, .appearance = appearance},
+        {.application = application, .windows = windows, .statusItem = statusItem, .appearance = *appearance},
         arguments);
     auto *bridge = engine.singletonInstance<WindowBridge *>(qmlTypeId("Brindle", 1, 0, "WindowBridge"));
     bridge->setIsComposited(isCompositorRunning());
@@ -110,15 +130,7 @@ int run(const Arguments &options, const std::vector<std::string> &arguments)
     windows.setMakeContent([&] { return makeContent(shell.assembly(), windows); });
     if (instance)
         QObject::connect(&*instance, &DBusSingleInstance::reopened, [&] { shell.reopen(); });
-    bool isAskedToEnd = false;
-    const Interruption interruption([&](int signalNumber) {
-        application.terminate();
-        // Twice is no insisting of a terminal that is closed or a session that ends, but of who presses Ctrl-C.
-        if (!std::exchange(isAskedToEnd, true) || signalNumber != SIGINT)
-            return Interruption::Then::goOn;
-        demo.reset();
-        return Interruption::Then::endBySignal;
-    });
+    const Interruption interruption(quitBySignal(application, demo));
     application.finishLaunching();
     // While the first tools run: the window comes a while after the start, and is whole by then.
     QMetaObject::invokeMethod(&windows, &QtWindowHost::prepare, Qt::QueuedConnection);

@@ -55,18 +55,19 @@ void addPasswordOption(CLI::App &subcommand, ActingOptions &acting)
                         "Read the administrator password from the first line of standard input; store nothing");
 }
 
-void addNotifyOption(CLI::App &subcommand, ActingOptions &acting)
-{
-    subcommand.add_flag("--notify", acting.notifies,
-                        "Tell how it ended by the desktop's notifications too, unless ShowNotifications is off");
-}
-
-void addOpenOption(CLI::App &subcommand, ActingOptions &acting)
+void addNotifyOption(CLI::App &subcommand, ActingOptions &acting, std::string_view action)
 {
     subcommand.add_flag(
-        "--open", acting.opensFolders,
-        "Show the folder of what was mounted, unless AutoOpenFinderOnMount is off, and its config.plist "
-        "if AutoOpenConfigOnMount is on");
+        "--notify", acting.notifies,
+        fmt::format("Tell how {} ended by the desktop's notifications too, unless ShowNotifications is off", action));
+}
+
+void addOpenOption(CLI::App &subcommand, ActingOptions &acting, std::string_view mounted)
+{
+    subcommand.add_flag("--open", acting.opensFolders,
+                        fmt::format("Show the folder of {}, unless AutoOpenFinderOnMount is off, and its config.plist "
+                                    "if AutoOpenConfigOnMount is on",
+                                    mounted));
 }
 
 void keepSetting(UserDefaults &defaults, const char *key)

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 
 namespace CLI {
 class App;
@@ -39,11 +40,11 @@ ExitStatus onMachine(const GlobalOptions &options, const std::function<ExitStatu
 /// Adds `--password-stdin` to a command that needs the administrator's password.
 void addPasswordOption(CLI::App &subcommand, ActingOptions &acting);
 
-/// Adds `--notify` to a command that mounts or unmounts.
-void addNotifyOption(CLI::App &subcommand, ActingOptions &acting);
+/// Adds `--notify` to a command that mounts or unmounts, which its help calls \a action.
+void addNotifyOption(CLI::App &subcommand, ActingOptions &acting, std::string_view action = "it");
 
-/// Adds `--open` to a command that mounts.
-void addOpenOption(CLI::App &subcommand, ActingOptions &acting);
+/// Adds `--open` to a command that mounts what its help calls \a mounted.
+void addOpenOption(CLI::App &subcommand, ActingOptions &acting, std::string_view mounted = "what was mounted");
 
 /// Writes out what was set; throws an Error that names the setting \a key where it can't be kept.
 void keepSetting(UserDefaults &defaults, const char *key);

@@ -44,32 +44,37 @@ namespace brindle {
 
 namespace {
 
+// What the help says above the commands of a kind.
+constexpr const char *kTelling = "Commands that tell";
+constexpr const char *kActing = "Commands that act";
+
 struct CommandEntry {
     std::string_view name;
     void (*add)(CLI::App &, const GlobalOptions &, Command &);
+    const char *kind;
 };
 
 constexpr CommandEntry kCommands[] = {
-    {"list", addListCommand},
-    {"info", addInfoCommand},
-    {"rows", addRowsCommand},
-    {"height", addHeightCommand},
-    {"icon-state", addIconStateCommand},
-    {"system", addSystemCommand},
-    {"copy", addCopyCommand},
-    {"save", addSaveCommand},
-    {"erase-efi", addEraseEFICommand},
-    {"erase-volume", addEraseVolumeCommand},
-    {"erase-disk", addEraseDiskCommand},
-    {"verify", addVerifyCommand},
-    {"automount", addAutoMountCommand},
-    {"watch", addWatchCommand},
-    {"mount", addMountCommand},
-    {"unmount", addUnmountCommand},
-    {"rename", addRenameCommand},
-    {"eject", addEjectCommand},
-    {"password", addPasswordCommand},
-    {"settings", addSettingsCommand},
+    {"list", addListCommand, kTelling},
+    {"info", addInfoCommand, kTelling},
+    {"rows", addRowsCommand, kTelling},
+    {"watch", addWatchCommand, kTelling},
+    {"system", addSystemCommand, kTelling},
+    {"settings", addSettingsCommand, kTelling},
+    {"icon-state", addIconStateCommand, kTelling},
+    {"height", addHeightCommand, kTelling},
+    {"mount", addMountCommand, kActing},
+    {"unmount", addUnmountCommand, kActing},
+    {"rename", addRenameCommand, kActing},
+    {"eject", addEjectCommand, kActing},
+    {"copy", addCopyCommand, kActing},
+    {"save", addSaveCommand, kActing},
+    {"verify", addVerifyCommand, kActing},
+    {"erase-efi", addEraseEFICommand, kActing},
+    {"erase-volume", addEraseVolumeCommand, kActing},
+    {"erase-disk", addEraseDiskCommand, kActing},
+    {"automount", addAutoMountCommand, kActing},
+    {"password", addPasswordCommand, kActing},
 };
 
 /// The command that the arguments name; null where they name none of kCommands. No option before it takes a value as
@@ -90,9 +95,12 @@ void addCommands(CLI::App &app, const GlobalOptions &options, Command &command, 
 {
     if (named)
         return named->add(app, options, command);
-    for (const CommandEntry &entry : kCommands)
+    for (const CommandEntry &entry : kCommands) {
         entry.add(app, options, command);
+        app.get_subcommand(std::string(entry.name))->group(entry.kind);
+    }
     addCompletionCommand(app, command);
+    app.get_subcommand("completion")->group(kTelling);
 }
 
 void logVisibly(std::string_view line)
@@ -154,6 +162,28 @@ ExitStatus run(const Command &command)
     return ExitStatus::failed;
 }
 
+/// Why a command is missing: no word stands in its place, or one that names none, with the commands before it.
+std::string missingCommand(const CLI::App &app)
+{
+    std::string before;
+    for (const CLI::App *named = &app; !named->get_subcommands().empty();) {
+        named = named->get_subcommands().front();
+        before += named->get_name() + ' ';
+    }
+    const std::vector<std::string> left = app.remaining(true);
+    const auto isWord = [](const std::string &argument) { return !argument.starts_with('-'); };
+    const auto word = std::ranges::find_if(left, isWord);
+    return word == left.end() ? "A command is required" : fmt::format("There is no command \"{}{}\"", before, *word);
+}
+
+/// What CLI11 says of a wrong usage, which never names what stands in place of a command.
+std::string complaintOf(const CLI::App *app, const CLI::Error &error)
+{
+    const bool isCommandMissing = std::string_view(error.what()) == CLI::RequiredError::Subcommand(1).what();
+    return fmt::format("{}\nRun with --help for more information.",
+                       isCommandMissing ? missingCommand(*app) : error.what());
+}
+
 /// Help and version are what was asked for; for each wrong usage CLI11 has a status of its own.
 ExitStatus report(const CLI::App &app, const CLI::ParseError &error)
 {
@@ -161,7 +191,7 @@ ExitStatus report(const CLI::App &app, const CLI::ParseError &error)
     std::ostringstream complaint;
     const bool isWrong = app.exit(error, output, complaint) != 0;
     if (isWrong)
-        fmt::print(stderr, "{}\n", visibleLines(complaint.str()));
+        tellError(complaint.str());
     return run([&] {
         fmt::print("{}", output.str());
         return isWrong ? ExitStatus::wrongUsage : ExitStatus::done;
@@ -177,6 +207,9 @@ int runCommandLine(int argc, char **argv)
     CLI::App app("Brindle in a terminal: disks, their EFI partitions and boot loaders", "brindlectl");
     app.require_subcommand(1);
     app.fallthrough();
+    app.group("Commands"); // of commands that belong to another
+    app.get_formatter()->label("SUBCOMMAND", "COMMAND");
+    app.failure_message(complaintOf);
     app.set_version_flag("--version", fmt::format("brindlectl {}", ApplicationDescription::kVersion),
                          "Print the version and end");
     app.set_help_flag("-h,--help", "Print this help and end");

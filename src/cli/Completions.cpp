@@ -26,7 +26,7 @@ struct Word {
 
 using Words = std::vector<Word>;
 
-/// The texts of a choice, which CLI11 tells as "TEXT:{bash,zsh,fish}".
+/// The texts of a choice, which CLI11 tells as "FORMAT:{ExFAT,FAT32}" or "{bash,zsh,fish}".
 Words choicesOf(const CLI::Option &option)
 {
     const std::string type = option.get_type_name();
@@ -208,9 +208,11 @@ void addCompletionCommand(CLI::App &app, Command &command)
 {
     CLI::App *completion = app.add_subcommand("completion", "Print a shell's completion script for brindlectl");
     const auto shell = std::make_shared<std::string>();
-    completion->add_option("shell", *shell, "The shell")
+    const CLI::IsMember isShell(std::vector<std::string>{"bash", "zsh", "fish"});
+    completion->add_option("SHELL", *shell, "The shell")
         ->required()
-        ->check(CLI::IsMember(std::vector<std::string>{"bash", "zsh", "fish"}));
+        ->type_name(isShell.get_description())
+        ->check(isShell.description("")); // which a colon would stand before
     completion->callback(
         [&app, &command, shell] { command = [&app, shell] { return printCompletions(app, *shell); }; });
 }

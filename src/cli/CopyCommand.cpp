@@ -43,26 +43,18 @@ Alert confirmationAlert(const EFIDestinationSelection &dialog)
     return alert;
 }
 
-/// False where there is nobody to ask; the copy is cancelled then.
-bool choose(Assembly &assembly, const CopyArguments &arguments)
+void choose(Assembly &assembly, const CopyArguments &arguments)
 {
     EFICopyManager &manager = assembly.efiCopyManager();
     const EFICopyManager::ConfirmationData data = *manager.confirmationData();
     if (arguments.backup) {
         data.onBackup();
-        return true;
-    }
-    if (!isatty(STDIN_FILENO)) {
-        manager.cancelOperation();
-        fmt::print(stderr, "brindlectl: {} has an EFI folder: say --backup PATH or --overwrite\n",
-                   visibleText(arguments.destination));
-        return false;
+        return;
     }
     const EFIDestinationSelection dialog(data.sourceDisk, data.sourceEFI, {}, {}, {}, manager);
     const std::size_t choice = blockOn(assembly.dialogs().alert(confirmationAlert(dialog)));
     if (manager.showConfirmationDialog()) // it may have been interrupted meanwhile
         dialog.confirmationOptions().at(choice).action();
-    return true;
 }
 
 ExitStatus carryOut(Assembly &assembly, const CopyArguments &arguments, const FoundPartition &source,
@@ -73,8 +65,13 @@ ExitStatus carryOut(Assembly &assembly, const CopyArguments &arguments, const Fo
     blockOn(
         manager.copyEFI(source.disk, source.partition, destination.disk, destination.partition, arguments.overwrite));
     if (manager.showConfirmationDialog()) {
-        if (!choose(assembly, arguments))
+        if (!arguments.backup && !isatty(STDIN_FILENO)) {
+            progress.clearBar();
+            fmt::print(stderr, "brindlectl: {} has an EFI folder: say --backup PATH or --overwrite\n",
+                       visibleText(arguments.destination));
             return ExitStatus::wrongUsage;
+        }
+        choose(assembly, arguments);
         progress.waitForEnd();
     } else if (arguments.backup) {
         fmt::print(stderr, "brindlectl: {} had no EFI folder: there was nothing to back up\n",

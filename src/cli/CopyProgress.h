@@ -25,10 +25,11 @@ public:
     /// Throws an Error with the last status where that tells of no success.
     void requireSuccess() const;
 
+    void clearBar(); ///< Makes room for what is told on standard error.
+
 private:
     void showStatus();
     void showBar();
-    void clearBar();
     bool stopUnlessBegun();
 
     EFICopyManager &m_manager;

@@ -95,7 +95,7 @@ void addFormatOption(CLI::App &subcommand, EraseArguments &arguments)
     subcommand.add_option("--format", arguments.format, "The format of the new volume")
         ->required()
         ->type_name("FORMAT")
-        ->check(CLI::IsMember(formats));
+        ->transform(CLI::IsMember(formats, CLI::ignore_case)); // to the spelling that is looked up
 }
 
 std::optional<PhysicalDisk> findErasableDisk(Assembly &assembly, const std::string &identifier)
@@ -132,8 +132,8 @@ ExitStatus confirmAndErase(Assembly &assembly, const EraseArguments &arguments)
                    visibleText(manager.confirmName()));
         return ExitStatus::wrongUsage;
     }
-    if (const auto mismatch = EraseProgress(manager).mismatchText())
-        fail(*mismatch);
+    if (manager.confirmMismatch()) // with --confirm alone, where nobody is asked again
+        fail(fmt::format("That doesn't match \"{}\"; nothing was erased", manager.confirmName()));
     const UnstoppableWork work("An erase can't be stopped"); // it begins as soon as it is waited for
     tell(stdout, visibleText(manager.statusMessage()) + '\n');
     waitForEnd(manager);

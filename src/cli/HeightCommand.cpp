@@ -51,7 +51,8 @@ void addHeightCommand(CLI::App &app, const GlobalOptions &options, Command &comm
             },
             "The disks whose rows are open, in place of those left open")
         ->delimiter(',')
-        ->allow_extra_args(false)
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
         ->type_name("DISK,...");
     subcommand->callback([&options, &command, wanted] {
         command = [&options, wanted] {

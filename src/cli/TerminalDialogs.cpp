@@ -174,15 +174,11 @@ QCoro::Task<std::optional<std::string>> TerminalDialogs::textPrompt(TextPrompt p
 
 QCoro::Task<std::optional<std::string>> TerminalDialogs::savePanel(SavePanel panel)
 {
-    const Turn turn(*this);
-    auto waiting = turn.hasCome();
-    co_await waiting;
-    if (!canAsk())
-        co_return std::nullopt;
-    const std::string proposal = std::filesystem::path(panel.startFolder) / panel.proposedName;
-    sayLines(panel.title, panel.message);
-    auto typing = textLine(fmt::format("Path [{}]: ", visibleText(proposal)), proposal);
-    const std::optional<std::string> path = co_await typing;
+    TextPrompt prompt{.alert = {.messageText = panel.title, .informativeText = panel.message, .buttons = {}},
+                      .placeholder = "Path",
+                      .text = std::filesystem::path(panel.startFolder) / panel.proposedName};
+    auto asking = textPrompt(std::move(prompt));
+    const std::optional<std::string> path = co_await asking;
     co_return path ? std::optional(std::filesystem::absolute(*path).string()) : std::nullopt;
 }
 

@@ -74,12 +74,12 @@ void print(const TreeComparison &comparison)
     for (const TreeDifference &difference : comparison.differences)
         fmt::print("{}: {}\n", wordsOf(difference.kind), visibleText(difference.path));
     const std::size_t count = comparison.differences.size();
-    fmt::print("{} files, {}: {}\n", comparison.fileCount,
-               byteCount(static_cast<std::int64_t>(comparison.bytesCompared)),
+    fmt::print("{} file{}, {}: {}\n", comparison.fileCount, comparison.fileCount == 1 ? "" : "s",
+               fineByteCount(static_cast<std::int64_t>(comparison.bytesCompared)),
                count == 0 ? "no difference" : fmt::format("{} difference{}", count, count == 1 ? "" : "s"));
     if (comparison.bytesFromDevice < comparison.bytesCompared)
         fmt::print(stderr, "brindlectl: only {} of B came from its device, the rest from memory\n",
-                   byteCount(static_cast<std::int64_t>(comparison.bytesFromDevice)));
+                   fineByteCount(static_cast<std::int64_t>(comparison.bytesFromDevice)));
 }
 
 ExitStatus verify(Platform platform, const VerifyArguments &arguments)

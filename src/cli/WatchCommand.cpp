@@ -120,8 +120,8 @@ void addWatchCommand(CLI::App &app, const GlobalOptions &options, Command &comma
     subcommand->add_flag("--automount", acting.mountsMarkedDisks,
                          "Mount the EFI partition of a disk that `automount` has marked when it is plugged in");
     addPasswordOption(*subcommand, acting);
-    addNotifyOption(*subcommand, acting);
-    addOpenOption(*subcommand, acting);
+    addNotifyOption(*subcommand, acting, "each mount");
+    addOpenOption(*subcommand, acting, "each partition that was mounted");
     subcommand->callback([&options, &command, watching] {
         command = [&options, watching] {
             const auto run = [&](Platform platform) { return watch(std::move(platform), watching->asJson); };

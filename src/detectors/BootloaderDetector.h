@@ -8,6 +8,7 @@
 
 namespace brindle {
 
+/// Which boot loaders a disk holds. Both may be there; where nothing was found neither is.
 struct BootloaderFlags {
     bool hasOpenCore = false;
     bool hasClover = false;

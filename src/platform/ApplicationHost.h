@@ -27,6 +27,7 @@ public:
     virtual void applicationWillTerminate() = 0;
 };
 
+/// A line of the program's menu, and what choosing it does.
 struct MenuEntry {
     std::string title;
     std::string key = {}; ///< A lower-case letter or sign that does the same with Command held, on Linux Ctrl.

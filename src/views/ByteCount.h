@@ -12,4 +12,7 @@ namespace brindle {
 /// The point is a point in every language, as in the texts of the disk tools beside it.
 [[nodiscard]] std::string byteCount(std::int64_t bytes);
 
+/// The same with B and KB for what is less, both without digits behind the point: "47 B", "12 KB".
+[[nodiscard]] std::string fineByteCount(std::int64_t bytes);
+
 } // namespace brindle

@@ -31,6 +31,7 @@ struct RowOffers {
     bool erase = true;
 };
 
+/// A line of a row's context menu.
 struct RowMenuEntry {
     enum class Kind { action, divider, status };
 
@@ -42,6 +43,7 @@ struct RowMenuEntry {
     bool operator==(const RowMenuEntry &) const = default;
 };
 
+/// A button at the end of a row.
 struct RowButton {
     std::string_view name; ///< What tests and screens call it.
     std::string_view symbol;

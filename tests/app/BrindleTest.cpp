@@ -2,6 +2,7 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -65,7 +66,10 @@ TEST_F(BrindleTest, TellsHowItIsCalled)
     waitForEnd();
 
     EXPECT_EQ(process.exitCode(), 0);
-    EXPECT_THAT(process.readAllStandardOutput().toStdString(), StartsWith("Usage: brindle [--demo[=ask]]\n"));
+    const std::string help = process.readAllStandardOutput().toStdString();
+    EXPECT_THAT(help, StartsWith("Usage: brindle [--demo[=ask]] [-launchMode menubar|window]\n"));
+    for (const char *option : {"--demo", "-launchMode MODE", "--help", "--version"})
+        EXPECT_THAT(help, HasSubstr(fmt::format("\n  {} ", option)));
 }
 
 TEST_F(BrindleTest, RefusesWhatItDoesNotKnow)

@@ -114,7 +114,7 @@ INSTANTIATE_TEST_SUITE_P(
                     RefusalCase{"ToUnmarkAnUnknownDisk", {"automount", "remove", "disk9"}, 3, "There is no disk"},
                     RefusalCase{"ToUnmarkADiskWithoutMark", {"automount", "remove", "disk2"}, 1, "disk2 is not marked"},
                     RefusalCase{"ToUnmarkADiskWithoutUUID", {"automount", "remove", "disk3"}, 1, "disk3 is not marked"},
-                    RefusalCase{"NoSubcommand", {"automount"}, 2, "subcommand is required"}),
+                    RefusalCase{"NoSubcommand", {"automount"}, 2, "A command is required"}),
     [](const auto &row) { return std::string(row.param.name); });
 
 } // namespace

@@ -113,6 +113,7 @@ TEST_F(CopyCommands, RefuseAnOldFolderWithNobodyToAskAndChangeNothing)
     const Outcome copy = run({"copy", "disk1s1", "disk2s1"});
 
     EXPECT_EQ(copy.status, 2);
+    EXPECT_EQ(copy.output, "Preparing EFI copy operation...\nChecking destination...\n");
     EXPECT_EQ(copy.error, "brindlectl: disk2s1 has an EFI folder: say --backup PATH or --overwrite\n");
     EXPECT_EQ(treeOf(destination()), old);
 }
@@ -204,7 +205,7 @@ TEST_F(CopyCommands, FindNoDifferenceInACopy)
     const Outcome verify = run({"verify", "disk1s1", "disk2s1"});
 
     EXPECT_EQ(verify.status, 0);
-    EXPECT_EQ(verify.output, "6 files, 0 MB: no difference\n");
+    EXPECT_EQ(verify.output, "6 files, 16 KB: no difference\n");
 }
 
 TEST_F(CopyCommands, TellWhatDiffersBetweenAPartitionAndAFolder)
@@ -218,7 +219,7 @@ TEST_F(CopyCommands, TellWhatDiffersBetweenAPartitionAndAFolder)
     EXPECT_EQ(verify.status, 1);
     EXPECT_EQ(verify.output, "only in B: OC/Drivers/<U+001B>[2J\n"
                              "of another content: OC/config.plist\n"
-                             "6 files, 0 MB: 2 differences\n");
+                             "6 files, 16 KB: 2 differences\n");
 }
 
 TEST_F(CopyCommands, FailToCompareWithAFolderThatIsNotThere)

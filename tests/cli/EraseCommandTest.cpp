@@ -159,7 +159,7 @@ TEST_F(EraseCommands, EraseNothingUnlessTheNameIsExactlyRight)
         const Outcome erase = runThere({"erase-volume", "disk5", "--format", "ExFAT", "--confirm", name});
 
         EXPECT_EQ(erase.status, 1);
-        EXPECT_EQ(erase.error, "brindlectl: That doesn't match \"EOS_DIGITAL\" — try again.\n");
+        EXPECT_EQ(erase.error, "brindlectl: That doesn't match \"EOS_DIGITAL\"; nothing was erased\n");
         EXPECT_THAT(erase.output, IsEmpty());
     }
     EXPECT_EQ(machineFile(), before);
@@ -201,6 +201,15 @@ TEST_F(EraseCommands, NameADiskThatIsNotThere)
     EXPECT_EQ(erase.status, 3);
     EXPECT_EQ(erase.error, "brindlectl: There is no disk \"disk9\"\n");
     EXPECT_THAT(erase.output, IsEmpty());
+}
+
+TEST_F(EraseCommands, TakeAFormatInLettersOfEitherCase)
+{
+    const Outcome erase = runThere({"erase-volume", "disk5", "--format", "fAt32", "--confirm", "EOS_DIGITAL"});
+
+    EXPECT_EQ(erase.status, 0) << erase.error;
+    EXPECT_THAT(erase.output, HasSubstr("Erasing and reformatting as FAT32 (MS-DOS)...\n"));
+    EXPECT_THAT(partitionsOf("disk5"), testing::ElementsAre("DOS_FAT_32 EOS_DIGITAL vfat"));
 }
 
 TEST_F(EraseCommands, TakeTheOfferedFormatsAlone)

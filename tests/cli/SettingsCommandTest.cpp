@@ -185,7 +185,7 @@ TEST_P(WrongSettings, EndWithTwoAndChangeNothing)
 INSTANTIATE_TEST_SUITE_P(
     SettingsCommand, WrongSettings,
     testing::Values(
-        WrongCase{"NothingAskedFor", {}, "subcommand"},
+        WrongCase{"NothingAskedFor", {}, "A command is required"},
         WrongCase{"UnknownKey", {"get", "ShowEverything"}, "there is no setting \"ShowEverything\""},
         WrongCase{"KeyInAnotherCase", {"set", "showsmartstatus", "true"}, "there is no setting \"showsmartstatus\""},
         WrongCase{"HostileKey", {"get", "\x1b[2J"}, "there is no setting \"<U+001B>[2J\""},

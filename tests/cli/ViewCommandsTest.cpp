@@ -87,6 +87,7 @@ TEST_F(ViewCommands, TellTheHeightWithTheRowsOpenedThatAreNamed)
     EXPECT_EQ(run({"height"}).output, "222\n");
     EXPECT_EQ(run({"height", "--expand", "disk0"}).output, "315\n");
     EXPECT_EQ(run({"height", "--expand", "disk0,disk2,disk7", "--json"}).output, "{\"height\": 409}\n");
+    EXPECT_EQ(run({"height", "--expand", "disk0", "--expand", "disk2"}).output, "409\n");
     EXPECT_EQ(run({"height", "--expand", ""}).output, "222\n");
     EXPECT_EQ(run({"height", "--expand=disk0"}).output, "315\n");
     EXPECT_EQ(run({"height", "--expand=", "--json"}).output, "{\"height\": 222}\n");

@@ -39,5 +39,21 @@ INSTANTIATE_TEST_SUITE_P(ByteCount, CountsBytes,
                                          ByteCountCase{"TheMost", INT64_MAX, "9223372.04 TB"}),
                          [](const auto &row) { return row.param.name; });
 
+class CountsFewBytes : public testing::TestWithParam<ByteCountCase> {};
+
+TEST_P(CountsFewBytes, InSmallerUnits)
+{
+    EXPECT_EQ(fineByteCount(GetParam().bytes), GetParam().text);
+}
+
+INSTANTIATE_TEST_SUITE_P(ByteCount, CountsFewBytes,
+                         testing::Values(ByteCountCase{"None", 0, "0 B"}, ByteCountCase{"LastOfB", 999, "999 B"},
+                                         ByteCountCase{"FirstOfKB", 1000, "1 KB"},
+                                         ByteCountCase{"WholeKB", 12'345, "12 KB"},
+                                         ByteCountCase{"LastOfKB", 999'499, "999 KB"},
+                                         ByteCountCase{"RoundedUpToMB", 999'500, "1 MB"},
+                                         ByteCountCase{"MB", 209'715'200, "209.7 MB"}),
+                         [](const auto &row) { return row.param.name; });
+
 } // namespace
 } // namespace brindle

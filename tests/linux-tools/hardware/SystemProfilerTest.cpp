@@ -97,7 +97,7 @@ TEST_F(SystemProfiler, HelpsEvenWithABrokenMachineFile)
     const Outcome outcome = run({"--help"});
 
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_THAT(outcome.output, StartsWith("usage: system_profiler "));
+    EXPECT_THAT(outcome.output, StartsWith("Usage:  system_profiler "));
 }
 
 TEST_F(SystemProfiler, ListsItsDataTypes)

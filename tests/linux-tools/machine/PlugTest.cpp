@@ -304,7 +304,19 @@ TEST(MachineCommand, EndsWithTwoForAWrongUsage)
 
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.output, "");
-    EXPECT_THAT(outcome.errors, testing::HasSubstr("ROOT is required"));
+    EXPECT_EQ(outcome.errors, "brindle-machine: ROOT is required\nRun with --help for more information.\n");
+}
+
+TEST(MachineCommand, NamesACommandThatThereIsNot)
+{
+    const Outcome unknown = runProgram({MACHINE_TOOL, "fo\x1B[2J", "somewhere"});
+    const Outcome none = runProgram({MACHINE_TOOL});
+
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_EQ(unknown.errors, "brindle-machine: There is no command \"fo\uFFFD[2J\"\n"
+                              "Run with --help for more information.\n");
+    EXPECT_EQ(none.status, 2);
+    EXPECT_EQ(none.errors, "brindle-machine: A command is required\nRun with --help for more information.\n");
 }
 
 TEST(MachineCommand, PrintsNoRawBytesOfAWrongArgument)
