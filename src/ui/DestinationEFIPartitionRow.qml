@@ -3,10 +3,11 @@ import QtQuick.Layouts
 import QtQuick.Templates as T
 
 // One destination to pick.
-T.AbstractButton {
+T.RadioButton {
     id: root
     required property var destination // a DestinationValue
 
+    checked: destination.isSelected
     implicitHeight: line.implicitHeight + topPadding + bottomPadding
     padding: 12
     hoverEnabled: true
@@ -16,6 +17,7 @@ T.AbstractButton {
     Accessible.checkable: true
     Accessible.checked: destination.isSelected
     Accessible.onPressAction: root.clicked()
+    Accessible.onToggleAction: root.clicked()
     Keys.onReturnPressed: root.clicked()
     Keys.onEnterPressed: root.clicked()
 

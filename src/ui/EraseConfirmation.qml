@@ -71,7 +71,6 @@ Column {
                 model: root.erase.formatLabels
                 currentIndex: root.erase.selectedFormatIndex
                 onActivated: index => root.erase.selectedFormatIndex = index
-                Accessible.onPressAction: popup.open()
             }
         }
         Column {

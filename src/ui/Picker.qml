@@ -16,6 +16,7 @@ T.ComboBox {
     Accessible.role: Accessible.ComboBox
     Accessible.name: name
     Accessible.description: displayText
+    Accessible.onPressAction: popup.open()
 
     background: Rectangle {
         radius: Theme.radius
@@ -52,6 +53,7 @@ T.ComboBox {
         hoverEnabled: true
         Accessible.role: Accessible.ListItem
         Accessible.name: text
+        Accessible.onPressAction: entry.clicked()
 
         background: Rectangle {
             radius: 4

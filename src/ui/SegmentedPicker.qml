@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 
 // A choice between a few words that all stand there. One stop for the Tab key; the arrow keys choose.
-T.Control {
+Item {
     id: root
     required property list<string> segments
     property int currentIndex: 0
@@ -10,8 +10,8 @@ T.Control {
 
     implicitWidth: 320
     implicitHeight: 28
-    focusPolicy: Qt.StrongFocus
-    Accessible.role: Accessible.PageTabList
+    activeFocusOnTab: true
+    Accessible.role: Accessible.Grouping
     Accessible.description: segments[currentIndex]
     Keys.onLeftPressed: choose(currentIndex - 1)
     Keys.onRightPressed: choose(currentIndex + 1)
@@ -21,17 +21,18 @@ T.Control {
             activated(index);
     }
 
-    background: Rectangle {
+    Rectangle {
+        anchors.fill: parent
         radius: Theme.radius
         color: Theme.control
         border.width: 1
         border.color: Theme.controlBorder
         FocusRing { control: root }
     }
-    contentItem: Row {
+    Row {
         Repeater {
             model: root.segments
-            T.AbstractButton {
+            T.RadioButton {
                 id: segment
                 required property string modelData
                 required property int index
@@ -41,12 +42,14 @@ T.Control {
                 height: root.height
                 text: modelData
                 checked: index === root.currentIndex
+                focusPolicy: Qt.NoFocus
                 hoverEnabled: true
                 Accessible.role: Accessible.RadioButton
                 Accessible.name: text
                 Accessible.checkable: true
                 Accessible.checked: checked
                 Accessible.onPressAction: root.choose(index)
+                Accessible.onToggleAction: root.choose(index)
                 onClicked: root.choose(index)
 
                 background: Rectangle {

@@ -49,6 +49,7 @@ private:
         case QAccessible::ComboBox:
             return QAccessibleActionInterface::pressAction();
         case QAccessible::EditableText: // which is typed into
+        case QAccessible::Grouping:     // whose members are pressed
             return QAccessibleActionInterface::setFocusAction();
         default:
             return {};
