@@ -143,7 +143,7 @@ TEST_F(LinuxDiskEventsTest, TellADiskThatComesAndGoesByOneName)
 {
     const auto session = loopSession();
     attach();
-    const std::string name = "Disk (" + kernelName() + ")";
+    const std::string name = "Disk Image (" + kernelName() + ")";
 
     waitFor("appeared " + name);
     detach();
@@ -153,7 +153,7 @@ TEST_F(LinuxDiskEventsTest, TellADiskThatComesAndGoesByOneName)
 TEST_F(LinuxDiskEventsTest, TellNothingOfWhatWasThereBefore)
 {
     attach();
-    const std::string name = "Disk (" + kernelName() + ")";
+    const std::string name = "Disk Image (" + kernelName() + ")";
     if (hasUdev())
         shell("udevadm settle");
     const auto session = loopSession();
@@ -169,7 +169,7 @@ TEST_F(LinuxDiskEventsTest, TellANewTableButNotAWriteThatLeavesTheTableAsItWas)
     if (!hasUdev())
         GTEST_SKIP() << "only udev tells that somebody has written to a disk";
     attach();
-    const std::string name = "Disk (" + kernelName() + ")";
+    const std::string name = "Disk Image (" + kernelName() + ")";
     shell("echo label: gpt | sfdisk -q " + loop() + " && udevadm settle");
     const auto session = loopSession();
 
@@ -181,25 +181,22 @@ TEST_F(LinuxDiskEventsTest, TellANewTableButNotAWriteThatLeavesTheTableAsItWas)
     waitFor("appeared " + name);
 }
 
-TEST_F(LinuxDiskEventsTest, LeaveOutALoopDeviceWhichIsNoPhysicalDisk)
+TEST_F(LinuxDiskEventsTest, TellOfALoopDeviceWhichIsADiskImage)
 {
     LinuxDiskEvents events;
-    const auto ours = loopSession();
     std::vector<std::string> told;
     const auto session = events.createSession(
         [&told](DiskEvents::DiskChange, const auto &disk) { told.push_back(disk->mediaName.value_or("")); });
 
     attach();
-    waitFor("appeared Disk (" + kernelName() + ")");
-    QCoreApplication::processEvents();
 
-    EXPECT_THAT(told, IsEmpty());
+    waitUntil([&] { return std::ranges::find(told, "Disk Image (" + kernelName() + ")") != told.end(); });
 }
 
 TEST_F(LinuxDiskEventsTest, CompareAllDisksWhenEventsWereDropped)
 {
     attach();
-    const std::string name = "Disk (" + kernelName() + ")";
+    const std::string name = "Disk Image (" + kernelName() + ")";
     const std::string otherDisk = fs::path(shell("losetup -f")).filename();
     if (hasUdev())
         shell("udevadm settle");
@@ -223,7 +220,7 @@ TEST_F(LinuxDiskEventsTest, FollowTheKernelOnceUdevHasDied)
         GTEST_SKIP() << "udevd lives on";
     const auto session = loopSession();
     attach();
-    const std::string name = "Disk (" + kernelName() + ")";
+    const std::string name = "Disk Image (" + kernelName() + ")";
     waitFor("appeared " + name);
 
     shell(std::string("kill -9 ") + udevd + "; while grep -q /run/udev/control /proc/net/unix; do sleep 0.05; done");
