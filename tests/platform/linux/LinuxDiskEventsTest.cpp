@@ -31,7 +31,6 @@ namespace {
 namespace fs = std::filesystem;
 using testing::Contains;
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::Not;
 
 constexpr int kPatience = 20'000; // a hanging test fails; none waits for this
