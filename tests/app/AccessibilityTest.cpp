@@ -129,6 +129,15 @@ protected:
                                                         QStringLiteral("org.a11y.Bus"), QStringLiteral("GetAddress")));
         ASSERT_EQ(address.type(), QDBusMessage::ReplyMessage) << address.errorMessage().toStdString();
         ASSERT_TRUE(QDBusConnection::connectToBus(address.arguments().constFirst().toString(), kReader).isConnected());
+        // An application tells the registry of itself once, when it starts.
+        waitUntil([] { return roleOf(desktop()) == QLatin1String("desktop frame"); });
+    }
+
+    /// What the registry tells applications below.
+    static Accessible desktop()
+    {
+        return {QStringLiteral("org.a11y.atspi.Registry"),
+                QDBusObjectPath(QStringLiteral("/org/a11y/atspi/accessible/root"))};
     }
 
     static QDBusMessage call(const Accessible &object, const QString &interface, const QString &method,
@@ -185,11 +194,9 @@ protected:
     /// The row of the disk, once it is there.
     static Accessible row(const QString &diskName)
     {
-        const Accessible desktop{QStringLiteral("org.a11y.atspi.Registry"),
-                                 QDBusObjectPath(QStringLiteral("/org/a11y/atspi/accessible/root"))};
         std::optional<Accessible> found;
         waitUntil([&] {
-            found = find(desktop, QStringLiteral("list item"), diskName);
+            found = find(desktop(), QStringLiteral("list item"), diskName);
             return found.has_value();
         });
         return found.value_or(Accessible());
