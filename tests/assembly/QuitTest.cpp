@@ -423,6 +423,9 @@ TEST_F(QuitAmidAnEject, WaitsForTheEndOfTheTool)
     drainEventLoop();
     EXPECT_TRUE(hasEnded());
     EXPECT_EQ(launcher->terminations, 0);
+    clock->advance(std::chrono::seconds(2)); // an eject pauses and scans after its tool
+    drainEventLoop();
+    EXPECT_TRUE(isOver());
 }
 
 TEST_F(QuitAmidAnEject, WaitsForItsEndAlsoWhereItFails)
@@ -439,6 +442,7 @@ TEST_F(QuitAmidAnEject, WaitsForItsEndAlsoWhereItFails)
 
 TEST_F(QuitAmidAnEject, LetsTheToolEndAlsoWhereTheEventLoopWasEndedByOthers)
 {
+    launcher->answer(tool, {.terminationStatus = 1, .standardError = "busy\n"}); // and nothing is to come after it
     std::optional<int> terminations;
     QTimer::singleShot(0, [&] {
         terminations = launcher->terminations;
