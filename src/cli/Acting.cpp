@@ -4,6 +4,7 @@
 #include "base/Error.h"
 #include "base/Log.h"
 #include "base/VisibleText.h"
+#include "cli/Terminal.h"
 #include "records/FindDisk.h"
 
 #include <CLI/CLI.hpp>
@@ -78,7 +79,7 @@ void requireRemovable(const PhysicalDisk &disk, std::string_view treated)
 
 ExitStatus tellNotFound(const std::string &kind, const std::string &identifier)
 {
-    fmt::print(stderr, "brindlectl: There is no {} \"{}\"\n", kind, visibleText(identifier));
+    tell(stderr, fmt::format("brindlectl: There is no {} \"{}\"\n", kind, visibleText(identifier)));
     return ExitStatus::notFound;
 }
 

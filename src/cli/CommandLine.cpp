@@ -23,6 +23,7 @@
 #include "cli/SaveCommand.h"
 #include "cli/SettingsCommand.h"
 #include "cli/SystemCommand.h"
+#include "cli/Terminal.h"
 #include "cli/UnmountCommand.h"
 #include "cli/VerifyCommand.h"
 #include "cli/WatchCommand.h"
@@ -32,6 +33,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <iterator>
 #include <sstream>
@@ -111,7 +113,7 @@ void logVisibly(std::string_view line)
 /// What the tools said stands in errors, and names of volumes in what they said.
 void tellError(std::string_view description)
 {
-    fmt::print(stderr, "brindlectl: {}\n", visibleLines(description));
+    tell(stderr, fmt::format("brindlectl: {}\n", visibleLines(description)));
 }
 
 /// The arguments in the order that CLI11 wants, the last one first. It takes the argument behind "--expand=" for the
@@ -153,8 +155,10 @@ ExitStatus run(const Command &command)
             throw Error::fromErrno(errno, "standard output");
         return status;
     } catch (const std::system_error &error) {
-        if (error.code() == std::errc::broken_pipe) // of a print
-            return ExitStatus::done;
+        if (error.code() == std::errc::broken_pipe) { // of a print; all the work is done, and nobody hears of it
+            std::signal(SIGPIPE, SIG_DFL);
+            std::raise(SIGPIPE);
+        }
         tellError(error.what());
     } catch (const std::exception &error) {
         tellError(error.what());

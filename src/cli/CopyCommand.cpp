@@ -5,6 +5,7 @@
 #include "cli/Acting.h"
 #include "cli/CopyProgress.h"
 #include "cli/GivenPlace.h"
+#include "cli/Terminal.h"
 #include "views/EFIDestinationSelection.h"
 
 #include <CLI/CLI.hpp>
@@ -67,15 +68,15 @@ ExitStatus carryOut(Assembly &assembly, const CopyArguments &arguments, const Fo
     if (manager.showConfirmationDialog()) {
         if (!arguments.backup && !isatty(STDIN_FILENO)) {
             progress.clearBar();
-            fmt::print(stderr, "brindlectl: {} has an EFI folder: say --backup PATH or --overwrite\n",
-                       visibleText(arguments.destination));
+            tell(stderr, fmt::format("brindlectl: {} has an EFI folder: say --backup PATH or --overwrite\n",
+                                     visibleText(arguments.destination)));
             return ExitStatus::wrongUsage;
         }
         choose(assembly, arguments);
         progress.waitForEnd();
     } else if (arguments.backup) {
-        fmt::print(stderr, "brindlectl: {} had no EFI folder: there was nothing to back up\n",
-                   visibleText(arguments.destination));
+        tell(stderr, fmt::format("brindlectl: {} had no EFI folder: there was nothing to back up\n",
+                                 visibleText(arguments.destination)));
     }
     progress.requireSuccess();
     return ExitStatus::done;

@@ -128,8 +128,8 @@ ExitStatus confirmAndErase(Assembly &assembly, const EraseArguments &arguments)
     } else if (isatty(STDIN_FILENO)) {
         askForName(manager, assembly.dialogs());
     } else {
-        fmt::print(stderr, "brindlectl: Without a terminal the name must be said: --confirm \"{}\"\n",
-                   visibleText(manager.confirmName()));
+        tell(stderr, fmt::format("brindlectl: Without a terminal the name must be said: --confirm \"{}\"\n",
+                                 visibleText(manager.confirmName())));
         return ExitStatus::wrongUsage;
     }
     if (manager.confirmMismatch()) // with --confirm alone, where nobody is asked again

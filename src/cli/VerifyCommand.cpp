@@ -3,6 +3,7 @@
 #include "base/BlockOn.h"
 #include "base/VisibleText.h"
 #include "cli/Acting.h"
+#include "cli/Terminal.h"
 #include "efi/EFICopyError.h"
 #include "views/ByteCount.h"
 
@@ -78,8 +79,8 @@ void print(const TreeComparison &comparison)
                fineByteCount(static_cast<std::int64_t>(comparison.bytesCompared)),
                count == 0 ? "no difference" : fmt::format("{} difference{}", count, count == 1 ? "" : "s"));
     if (comparison.bytesFromDevice < comparison.bytesCompared)
-        fmt::print(stderr, "brindlectl: only {} of B came from its device, the rest from memory\n",
-                   fineByteCount(static_cast<std::int64_t>(comparison.bytesFromDevice)));
+        tell(stderr, fmt::format("brindlectl: only {} of B came from its device, the rest from memory\n",
+                                 fineByteCount(static_cast<std::int64_t>(comparison.bytesFromDevice))));
 }
 
 ExitStatus verify(Platform platform, const VerifyArguments &arguments)

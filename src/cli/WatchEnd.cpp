@@ -3,6 +3,7 @@
 #include "base/BlockOn.h"
 #include "base/Completion.h"
 #include "base/Log.h"
+#include "cli/Terminal.h"
 
 #include <fmt/format.h>
 
@@ -46,7 +47,7 @@ void endWatch(Assembly &assembly, TerminalDialogs &dialogs, Scheduler &clock)
     assembly.diskEventMonitor().stopMonitoring();
     dialogs.close(); // a mount that waits for the password is not waited for
     if (!hasEnded(assembly.diskManager().autoMountsEnded(), clock, kPatienceWithMounts))
-        fmt::print(stderr, "brindlectl: A mount goes on without being watched\n");
+        tell(stderr, "brindlectl: A mount goes on without being watched\n");
     assembly.toolRunner().endAll();
     if (!hasEnded(assembly.diskManager().stopScan(), clock, kPatienceWithScans))
         Log::line("⚠️ The scan does not end");

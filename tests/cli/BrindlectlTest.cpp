@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -368,8 +369,8 @@ TEST_F(Brindlectl, DoesAllItsWorkWhenItsReaderHasGone)
 
     ASSERT_TRUE(process.waitForFinished(60'000));
 
-    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
-    EXPECT_EQ(process.exitCode(), 0);
+    EXPECT_EQ(process.exitStatus(), QProcess::CrashExit);
+    EXPECT_EQ(process.exitCode(), SIGPIPE);
     EXPECT_THAT(run({"settings", "get", "DiskManager.PersistedDisks"}).output, HasSubstr("disk11"));
 }
 
@@ -382,8 +383,26 @@ TEST_F(Brindlectl, LeavesNothingOfTheDemoMachineWhenItsReaderHasGone)
 
     ASSERT_TRUE(process.waitForFinished(60'000));
 
-    EXPECT_EQ(process.exitCode(), 0);
+    EXPECT_EQ(process.exitCode(), SIGPIPE);
     EXPECT_TRUE(std::filesystem::is_empty(temporary));
+}
+
+TEST_F(Brindlectl, EndsWithItsStatusAlsoWhereNobodyReadsWhatItComplainsOf)
+{
+    machine.addDisk("disk0");
+    for (const auto &[arguments, status] : {std::pair(std::vector<std::string>{"foo"}, 2),
+                                            {{"info", "disk9"}, 3},
+                                            {{"settings", "get", "NoSuchKey"}, 2}}) {
+        QProcess process;
+        Reader reader(process);
+        reader.go();
+        start(process, arguments);
+
+        ASSERT_TRUE(process.waitForFinished(60'000));
+
+        EXPECT_EQ(process.exitStatus(), QProcess::NormalExit) << arguments[0];
+        EXPECT_EQ(process.exitCode(), status) << arguments[0];
+    }
 }
 
 TEST_F(Brindlectl, TellsAWrongArgumentWithoutObeyingIt)
