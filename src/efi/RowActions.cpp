@@ -81,14 +81,6 @@ bool RowActions::canEject(const PhysicalDisk &disk)
     return disk.diskType != PhysicalDisk::DiskType::physicalInternal && !disk.isBootDisk;
 }
 
-QCoro::Task<> RowActions::doubleClick(PhysicalDisk disk)
-{
-    if (disk.efiPartitions.size() != 1)
-        co_return;
-    auto toggling = toggle(disk, disk.efiPartitions.front());
-    co_await toggling;
-}
-
 QCoro::Task<> RowActions::toggle(PhysicalDisk disk, EFIPartition partition)
 {
     const bool isMounted = partition.isMounted;

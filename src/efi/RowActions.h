@@ -54,9 +54,6 @@ public:
     /// Whether the EFI partitions of the disk may be erased: not those that the system was started from.
     [[nodiscard]] static bool canEraseEFI(const PhysicalDisk &disk) { return !disk.isBootDisk; }
 
-    /// Toggles the EFI partition of a disk that has exactly one.
-    QCoro::Task<> doubleClick(PhysicalDisk disk);
-
     /// Unmounts the partition where it is mounted, else mounts it. Nothing while an action of this row is under way,
     /// which holds for mount() and unmount() too.
     QCoro::Task<> toggle(PhysicalDisk disk, EFIPartition partition);

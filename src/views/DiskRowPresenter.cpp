@@ -129,7 +129,8 @@ std::vector<RowMenuEntry> DiskRowPresenter::menu() const
 
 void DiskRowPresenter::doubleClick()
 {
-    begin([disk = m_disk](RowActions &actions) { return actions.doubleClick(disk); });
+    if (m_disk.efiPartitions.size() == 1)
+        perform(RowAction::toggleMount);
 }
 
 void DiskRowPresenter::activate()

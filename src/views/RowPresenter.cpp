@@ -2,6 +2,7 @@
 
 #include "base/Error.h"
 #include "base/Spawn.h"
+#include "base/Text.h"
 #include "detectors/DiskDetails.h"
 #include "state/AutoMountMarks.h"
 #include "views/Shown.h"
@@ -26,13 +27,29 @@ QCoro::Task<> showDiskDetails(Dialogs &dialogs, PhysicalDisk disk)
 }
 
 /// Keeps \a actions until \a work is done. What fails has been logged by then.
-QCoro::Task<> run(std::shared_ptr<RowActions> actions, std::function<QCoro::Task<>(RowActions &)> work)
+QCoro::Task<> run(std::shared_ptr<RowActions> actions, RowPresenter::Work work)
 {
     try {
         auto task = work(*actions);
         co_await task;
     } catch (const Error &) {
     }
+}
+
+/// Does \a work; where that fails, an alert says so with \a words and gives the reason.
+QCoro::Task<> telling(RowActions &actions, RowPresenter::Work work, std::string words, Dialogs &dialogs)
+{
+    std::string reason;
+    try {
+        auto task = work(actions);
+        co_await task;
+        co_return;
+    } catch (const Error &error) {
+        reason = trimmedWithNewlines(error.localizedDescription());
+    }
+    auto alert = dialogs.alert(
+        {.messageText = std::move(words), .informativeText = reason.empty() ? "Unknown error" : std::move(reason)});
+    co_await alert;
 }
 
 QCoro::Task<> ignoreOutput(QCoro::Task<std::string> task)
@@ -87,7 +104,9 @@ void RowPresenter::perform(RowAction action)
 void RowPresenter::performOnPartition(RowAction action, const EFIPartition &partition)
 {
     if (action == RowAction::toggleMount)
-        begin([disk = disk(), partition](RowActions &actions) { return actions.toggle(disk, partition); });
+        beginTelling([disk = disk(), partition](RowActions &actions) { return actions.toggle(disk, partition); },
+                     fmt::format("The EFI partition ({}) on {} could not be {}", partition.identifier, disk().name,
+                                 partition.isMounted ? "unmounted" : "mounted"));
     else if (action == RowAction::open)
         begin([partition](RowActions &actions) { return actions.open(partition); });
     else if (action == RowAction::copyEFI)
@@ -114,7 +133,8 @@ void RowPresenter::performOnDisk(RowAction action)
     else if (action == RowAction::renameVolume)
         begin([disk = disk()](RowActions &actions) { return actions.askToRenameVolume(disk); });
     else if (action == RowAction::eject)
-        begin([disk = disk()](RowActions &actions) { return ignoreOutput(actions.eject(disk)); });
+        beginTelling([disk = disk()](RowActions &actions) { return ignoreOutput(actions.eject(disk)); },
+                     fmt::format("{} could not be ejected", disk().name));
     else if (action == RowAction::eraseDisk)
         m_surroundings.eraseFlow.openForDisk(disk(), {m_surroundings.onOperationStart, m_surroundings.onOperationEnd});
     else
@@ -131,9 +151,15 @@ void RowPresenter::toggleAutoMount()
     setAutoMountMarks(m_surroundings.userDefaults, marks);
 }
 
-void RowPresenter::begin(std::function<QCoro::Task<>(RowActions &actions)> work)
+void RowPresenter::begin(Work work)
 {
     spawn([actions = m_actions, work = std::move(work)] { return run(actions, work); });
+}
+
+void RowPresenter::beginTelling(Work work, std::string words)
+{
+    begin([work = std::move(work), words = std::move(words), &dialogs = m_surroundings.model.dialogs](
+              RowActions &actions) { return telling(actions, work, words, dialogs); });
 }
 
 RowActions::Callbacks RowPresenter::callbacks()

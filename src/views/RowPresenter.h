@@ -49,7 +49,8 @@ struct RowSurroundings {
 };
 
 /// A row on which the user acts: of a disk, or of one of its EFI partitions. It reports, calls and cleans up; what
-/// fails has been logged and told by whoever did it. An action goes on when its row has gone.
+/// fails has been logged by whoever did it, and a mount, an unmount and an eject are told of in an alert. An action
+/// goes on when its row has gone.
 class RowPresenter : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString identifier READ identifier CONSTANT)
@@ -60,6 +61,8 @@ class RowPresenter : public QObject {
     Q_PROPERTY(QString accessibleDescription READ accessibleDescription NOTIFY changed) // all that the row shows
 
 public:
+    using Work = std::function<QCoro::Task<>(RowActions &actions)>;
+
     [[nodiscard]] virtual QString identifier() const = 0;
     [[nodiscard]] bool isLoading() const { return m_actions->isLoading(); }
     [[nodiscard]] QVariantList buttons() const;
@@ -92,7 +95,7 @@ protected:
     [[nodiscard]] virtual const EFIPartition *partitionFor(RowAction action) const = 0;
 
     /// Lets \a work run from the next turn of the event loop on.
-    void begin(std::function<QCoro::Task<>(RowActions &actions)> work);
+    void begin(Work work);
 
     [[nodiscard]] RowSurroundings &surroundings() const { return m_surroundings; }
 
@@ -101,6 +104,7 @@ private:
     void performOnDisk(RowAction action);
     void performOnPartition(RowAction action, const EFIPartition &partition);
     void toggleAutoMount();
+    void beginTelling(Work work, std::string words); ///< The same; an alert with \a words tells of a failure.
 
     RowSurroundings &m_surroundings;
     std::shared_ptr<RowActions> m_actions; ///< Shared with the actions that are under way.

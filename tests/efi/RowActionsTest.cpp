@@ -138,31 +138,31 @@ TEST_F(RowActionsTest, EndsAndThrowsWhenAnUnmountFails)
     EXPECT_THAT(log.lines(), Contains("Unmount failed: still busy"));
 }
 
-TEST_F(RowActionsTest, DoesNothingOnADoubleClickWhileAnActionOfTheRowIsUnderWay)
+TEST_F(RowActionsTest, TogglesNothingWhileAnActionOfTheRowIsUnderWay)
 {
     answerMount();
     launcher.hold(sudo("mount disk2s1"));
     RowActions actions = row();
-    auto first = actions.doubleClick(disk);
+    auto first = actions.toggle(disk, unmounted);
     clock.advance({});
     ASSERT_TRUE(actions.isLoading());
     const std::vector<std::string> before = journal;
 
-    finished(actions.doubleClick(disk));
+    finished(actions.toggle(disk, unmounted));
 
     EXPECT_EQ(journal, before);
     launcher.release(sudo("mount disk2s1"));
     finished(std::move(first));
 }
 
-TEST_F(RowActionsTest, DoesNothingOnADoubleClickUntilTheLastOfTwoActionsOfTheRowHasEnded)
+TEST_F(RowActionsTest, TogglesNothingUntilTheLastOfTwoActionsOfTheRowHasEnded)
 {
     answerMount();
     answerSudo("rename disk2s1 NEW");
     launcher.hold(sudo("mount disk2s1"));
     launcher.hold(sudo("rename disk2s1 NEW"));
     RowActions actions = row();
-    auto mounting = actions.doubleClick(disk);
+    auto mounting = actions.toggle(disk, unmounted);
     auto renaming = actions.renameEFI(disk, unmounted, "NEW");
     clock.advance({});
     launcher.release(sudo("mount disk2s1"));
@@ -171,23 +171,12 @@ TEST_F(RowActionsTest, DoesNothingOnADoubleClickUntilTheLastOfTwoActionsOfTheRow
     ASSERT_EQ(before.back(), "end");
     EXPECT_TRUE(actions.isLoading());
 
-    finished(actions.doubleClick(disk));
+    finished(actions.toggle(disk, unmounted));
 
     EXPECT_EQ(journal, before);
     launcher.release(sudo("rename disk2s1 NEW"));
     finished(std::move(renaming));
     EXPECT_FALSE(actions.isLoading());
-}
-
-TEST_F(RowActionsTest, DoesNothingOnADoubleClickOnADiskWithTwoPartitionsOrNone)
-{
-    RowActions actions = row();
-    disk.efiPartitions.resize(2);
-    finished(actions.doubleClick(disk));
-    disk.efiPartitions.clear();
-    finished(actions.doubleClick(disk));
-
-    EXPECT_THAT(journal, IsEmpty());
 }
 
 // --- open and quick edit

@@ -14,6 +14,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
+using testing::SizeIs;
 using testing::StartsWith;
 
 class WindowContentPresenterTest : public WindowContentFixture {
@@ -144,19 +145,69 @@ TEST_F(WindowContentPresenterTest, DoesNothingOnADoubleClickOnADiskWithTwoPartit
     EXPECT_THAT(journal, IsEmpty());
 }
 
-TEST_F(WindowContentPresenterTest, EndsItsStatusWhenAnActionFails)
-{
-    hold({externalDisk("disk2", {{.identifier = "disk2s1"}})});
-    answerInfo("disk2s1", false);
-    refuseSudo("mount disk2s1", "no medium");
+/// An action of a row that can fail, and the alert that tells of it.
+struct FailedAction {
+    const char *name;
+    bool isMounted = false;
+    std::string reason;
+    std::function<void(RowPresenter &row)> begin = [](RowPresenter &row) { row.doubleClick(); };
+    Alert alert;
+};
 
-    row().perform(RowAction::toggleMount);
+const FailedAction kFailedActions[] = {
+    {.name = "Mount",
+     .reason = "no medium\n",
+     .alert = {.messageText = "The EFI partition (disk2s1) on Disk disk2 could not be mounted",
+               .informativeText = "no medium"}},
+    {.name = "MountByButton",
+     .reason = "Sorry, try again.",
+     .begin = [](RowPresenter &row) { row.perform(RowAction::toggleMount); },
+     .alert = {.messageText = "The EFI partition (disk2s1) on Disk disk2 could not be mounted",
+               .informativeText = "Sorry, try again."}},
+    {.name = "MountWithoutAReason",
+     .alert = {.messageText = "The EFI partition (disk2s1) on Disk disk2 could not be mounted",
+               .informativeText = "Unknown error"}},
+    {.name = "Unmount",
+     .isMounted = true,
+     .reason = "in use",
+     .alert = {.messageText = "The EFI partition (disk2s1) on Disk disk2 could not be unmounted",
+               .informativeText = "in use"}},
+    {.name = "Eject",
+     .reason = "in use by process 7",
+     .begin = [](RowPresenter &row) { row.perform(RowAction::eject); },
+     .alert = {.messageText = "Disk disk2 could not be ejected", .informativeText = "in use by process 7"}},
+};
+
+class FailedActionTest : public WindowContentPresenterTest, public testing::WithParamInterface<FailedAction> {
+protected:
+    void refuseAll()
+    {
+        hold({externalDisk("disk2", {{.identifier = "disk2s1", .isMounted = GetParam().isMounted}})});
+        answerInfo("disk2s1", GetParam().isMounted);
+        for (const char *command : {"mount disk2s1", "unmount disk2s1", "unmount force disk2s1"})
+            refuseSudo(command, GetParam().reason);
+        tools.fail(diskutil("eject disk2"), Error("CommandError", 1, GetParam().reason));
+    }
+};
+
+TEST_P(FailedActionTest, EndsItsStatusAndIsToldOfInAnAlert)
+{
+    refuseAll();
+
+    GetParam().begin(row());
     settle();
 
     EXPECT_EQ(content().statusText(), QStringLiteral("Ready"));
     EXPECT_FALSE(row().isLoading());
+    ASSERT_THAT(dialogs.alerts, SizeIs(1));
+    EXPECT_EQ(dialogs.alerts.front().messageText, GetParam().alert.messageText);
+    EXPECT_EQ(dialogs.alerts.front().informativeText, GetParam().alert.informativeText);
+    EXPECT_EQ(dialogs.alerts.front().buttons, std::vector<std::string>{"OK"});
     EXPECT_THAT(log.lines(), Not(Contains(StartsWith("❌ A background task failed"))));
 }
+
+INSTANTIATE_TEST_SUITE_P(, FailedActionTest, testing::ValuesIn(kFailedActions),
+                         [](const auto &info) { return info.param.name; });
 
 TEST_F(WindowContentPresenterTest, MarksADiskForAutoMountAndTakesTheMarkBack)
 {
