@@ -50,8 +50,9 @@ Lists the disks of this machine with their EFI system partitions in a window.
   --version         prints the version
 )";
 
-std::unique_ptr<WindowContentPresenter> makeContent(Assembly &assembly, WindowHost &windows)
+std::unique_ptr<WindowContentPresenter> makeContent(ShellAssembly &shell, WindowHost &windows)
 {
+    Assembly &assembly = shell.assembly();
     return std::make_unique<WindowContentPresenter>(
         WindowContentPresenter::Surroundings{.model = {.diskManager = assembly.diskManager(),
                                                        .efiOperations = assembly.efiOperations(),
@@ -64,7 +65,8 @@ std::unique_ptr<WindowContentPresenter> makeContent(Assembly &assembly, WindowHo
                                              .userDefaults = assembly.userDefaults(),
                                              .scheduler = assembly.scheduler(),
                                              .windowHost = windows,
-                                             .unfinishedWork = assembly.unfinishedWork()});
+                                             .unfinishedWork = assembly.unfinishedWork(),
+                                             .notifications = shell.notifications()});
 }
 
 /// The scheme of the portal; where the environment names one, that one alone.
@@ -127,7 +129,7 @@ int run(const Arguments &options, const std::vector<std::string> &arguments)
     bridge->setIsComposited(isCompositorRunning());
     QObject::connect(bridge, &WindowBridge::applicationMenuRequested,
                      [&](QPoint place) { application.popUpMenu(place); });
-    windows.setMakeContent([&] { return makeContent(shell.assembly(), windows); });
+    windows.setMakeContent([&] { return makeContent(shell, windows); });
     if (instance)
         QObject::connect(&*instance, &DBusSingleInstance::reopened, [&] { shell.reopen(); });
     const Interruption interruption(quitBySignal(application, demo));

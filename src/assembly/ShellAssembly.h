@@ -2,6 +2,7 @@
 
 #include "assembly/Assembly.h"
 #include "assembly/Platform.h"
+#include "base/NotificationCenter.h"
 #include "platform/Appearance.h"
 #include "platform/ApplicationHost.h"
 #include "platform/StatusItemHost.h"
@@ -41,6 +42,7 @@ public:
 
     [[nodiscard]] Assembly &assembly() { return m_assembly; }
     [[nodiscard]] TansyApp &app() { return m_app; }
+    [[nodiscard]] NotificationCenter &notifications() { return m_notifications; }
 
     /// The user has started the application a second time.
     void reopen();
@@ -49,6 +51,7 @@ private:
     ShellHosts m_hosts;
     BundleInfo m_bundle;
     TansyApp m_app;
+    NotificationCenter m_notifications;
     Assembly m_assembly;
     WindowDelegate m_windowDelegate;
     MainWindowOpener m_mainWindow;

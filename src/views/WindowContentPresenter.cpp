@@ -1,6 +1,7 @@
 #include "views/WindowContentPresenter.h"
 
 #include "base/DefaultsKeys.h"
+#include "base/NotificationNames.h"
 #include "base/Spawn.h"
 #include "shell/EFICopyState.h"
 #include "shell/ViewHeightCalculator.h"
@@ -43,7 +44,9 @@ WindowContentPresenter::WindowContentPresenter(const Surroundings &surroundings,
                         .onCopyEFI = [this](const PhysicalDisk &disk,
                                             const EFIPartition &partition) { m_copyFlow.onCopyEFI(disk, partition); },
                         .onRefresh = [this] { refresh(); }},
-      m_rows(m_rowSurroundings)
+      m_rows(m_rowSurroundings),
+      m_recalculation(
+          surroundings.notifications.observe(NotificationNames::kRecalculatePopoverHeight, [this] { requestHeight(); }))
 {
     observe();
     updateRows();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/NotificationCenter.h"
 #include "base/UnfinishedWork.h"
 #include "efi/EFICopyManager.h"
 #include "efi/EraseOperationManager.h"
@@ -52,6 +53,7 @@ public:
         Scheduler &scheduler;
         WindowHost &windowHost;
         UnfinishedWork &unfinishedWork;
+        NotificationCenter &notifications;
     };
 
     explicit WindowContentPresenter(const Surroundings &surroundings, QObject *parent = nullptr);
@@ -120,6 +122,7 @@ private:
     bool m_hasAppeared = false;
     double m_currentHeight = 0; ///< The one now applied, in points.
     std::unique_ptr<Scheduler::Timer> m_heightUpdate;
+    std::unique_ptr<NotificationCenter::Observation> m_recalculation;
 };
 
 } // namespace brindle

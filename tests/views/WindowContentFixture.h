@@ -31,7 +31,8 @@ protected:
                 .userDefaults = defaults,
                 .scheduler = clock,
                 .windowHost = host,
-                .unfinishedWork = unfinishedWork};
+                .unfinishedWork = unfinishedWork,
+                .notifications = notifications};
     }
 
     WindowContentPresenter &content()
@@ -65,6 +66,7 @@ protected:
     EraseOperationManager eraseManager;
     FakeEraseOperations eraseOperations;
     EraseFlow eraseFlow{eraseManager, eraseOperations};
+    NotificationCenter notifications;
 
 private:
     std::optional<WindowContentPresenter> m_content;

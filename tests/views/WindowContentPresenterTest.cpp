@@ -348,6 +348,19 @@ TEST_F(WindowContentPresenterTest, FollowsTheSettingThatMakesRowsHigher)
     EXPECT_EQ(row(1).height(), 68);
 }
 
+TEST_F(WindowContentPresenterTest, FindsItsHeightAnewWhenThatIsPosted)
+{
+    appear();
+    windowHost.screenHeight = 200;
+
+    notifications.post("RecalculatePopoverHeight");
+    clock.advance(49ms);
+    EXPECT_THAT(heights(), IsEmpty());
+    clock.advance(1ms);
+
+    EXPECT_THAT(heights(), ElementsAre("height 1 180"));
+}
+
 TEST_F(WindowContentPresenterTest, TellsOfARowThatDiffersInItsHeightAlone)
 {
     defaults.set(DefaultsKeys::kShowDiskSpaceIndicator, true);
