@@ -27,6 +27,16 @@ void readLine(EFIPartition &partition, std::string_view line)
     }
 }
 
+/// The identifier that \a info itself tells.
+std::optional<std::string> identifierIn(std::string_view info)
+{
+    for (const std::string_view line : Lines(info)) {
+        if (auto identifier = ToolText::valueOf(trimmed(line), "Device Identifier:"))
+            return identifier;
+    }
+    return std::nullopt;
+}
+
 } // namespace
 
 EFIPartitionReader::EFIPartitionReader(ToolRunner &tools, ToolPaths paths) : m_diskutil(tools, std::move(paths)) {}
@@ -59,6 +69,18 @@ QCoro::Task<std::optional<EFIPartition>> EFIPartitionReader::partitionInfo(std::
     auto infoTask = m_diskutil.outputIfAny({"info", identifier}, std::move(token));
     const std::optional<std::string> info = co_await infoTask;
     co_return info ? readPartitionInfo(*info, identifier) : std::nullopt;
+}
+
+QCoro::Task<bool> EFIPartitionReader::isMountedThere(EFIPartition partition)
+{
+    if (!partition.mountPoint)
+        co_return false;
+    auto infoTask = m_diskutil.outputIfAny({"info", *partition.mountPoint}, {});
+    const std::optional<std::string> info = co_await infoTask;
+    if (!info || identifierIn(*info) != partition.identifier)
+        co_return false;
+    const auto there = readPartitionInfo(*info, partition.identifier);
+    co_return there && there->mediaUUID == partition.mediaUUID;
 }
 
 QCoro::Task<std::vector<EFIPartition>> EFIPartitionReader::efiPartitions(std::string disk, std::string section,

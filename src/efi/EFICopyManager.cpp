@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include <exception>
+#include <memory>
 #include <utility>
 
 namespace brindle {
@@ -22,11 +23,12 @@ constexpr auto kStatusAfterFailure = 5s;
 } // namespace
 
 EFICopyManager::EFICopyManager(FileManager &fileManager, Dialogs &dialogs, Scheduler &scheduler,
-                               UnfinishedWork &unfinishedWork)
+                               UnfinishedWork &unfinishedWork, IsMountedThere isMountedThere)
     : m_fileManager(fileManager),
       m_dialogs(dialogs),
       m_scheduler(scheduler),
       m_unfinishedWork(unfinishedWork),
+      m_isMountedThere(std::move(isMountedThere)),
       m_delayedCalls(scheduler)
 {
 }
@@ -68,11 +70,13 @@ QCoro::Task<> EFICopyManager::copyEFI(PhysicalDisk sourceDisk, EFIPartition sour
     const std::string sourcePath = efiFolderOf(sourceEFI);
     const std::string destPath = efiFolderOf(destinationEFI);
     throwIfCancelled();
+    auto telling = m_fileManager.volumeAt(*destinationEFI.mountPoint);
+    const std::string volume = co_await telling;
+    auto requiring = requireMountedAtStart({sourceEFI, destinationEFI});
+    co_await requiring;
     auto check = checkSource(sourcePath);
     co_await check;
     publish("Checking destination...", 0.1);
-    auto telling = m_fileManager.volumeAt(*destinationEFI.mountPoint);
-    const std::string volume = co_await telling;
     auto looking = m_fileManager.fileExists(destPath);
     const bool isThere = co_await looking;
     if (isThere && !m_isCancelled) {
@@ -96,6 +100,8 @@ QCoro::Task<> EFICopyManager::copyEFIToLocation(PhysicalDisk disk, EFIPartition 
 
     begin("Preparing to copy EFI folder...");
     const std::string sourcePath = efiFolderOf(efiPartition);
+    auto requiring = requireMountedAtStart({efiPartition});
+    co_await requiring;
     auto check = checkSource(sourcePath);
     co_await check;
     auto selection = selectCopyLocation(disk.name, efiPartition.identifier);
@@ -146,6 +152,29 @@ void EFICopyManager::throwIfCancelled()
     throw EFICopyError(EFICopyError::Case::userCancelled);
 }
 
+/// Throws where one of \a partitions is not where the list of disks has it: that may be older than what was mounted
+/// there since.
+QCoro::Task<> EFICopyManager::requireMounted(std::vector<EFIPartition> partitions)
+{
+    for (const EFIPartition &partition : partitions) {
+        auto asking = m_isMountedThere(partition);
+        if (!co_await asking)
+            throw EFICopyError::copyFailed(
+                fmt::format("{} is not mounted at {} any more", partition.displayName(), *partition.mountPoint));
+    }
+}
+
+QCoro::Task<> EFICopyManager::requireMountedAtStart(std::vector<EFIPartition> partitions)
+{
+    auto requiring = requireMounted(std::move(partitions));
+    try {
+        co_await requiring;
+    } catch (const std::exception &error) {
+        endWithFailure(error.what());
+        throw;
+    }
+}
+
 QCoro::Task<> EFICopyManager::checkSource(std::string sourcePath)
 {
     const auto end = [this](std::string status, EFICopyError::Case which) {
@@ -177,18 +206,19 @@ void EFICopyManager::raiseConfirmation(PhysicalDisk sourceDisk, EFIPartition sou
                           .sourceEFI = sourceEFI,
                           .destinationDisk = destinationDisk,
                           .destinationEFI = destinationEFI};
-    data.onBackup = [=, this] {
-        spawn([=, this] {
-            return performBackupAndCopy(source, destination, sourceEFI, destinationDisk, destinationEFI,
-                                        destinationVolume);
-        });
+    const auto once = [isAnswered = std::make_shared<bool>(false)](std::function<QCoro::Task<>()> goOn) {
+        return [=] {
+            if (!std::exchange(*isAnswered, true))
+                spawn(goOn);
+        };
     };
-    data.onOverwrite = [=, this] {
-        spawn([=, this] {
-            return performOverwriteAndCopy(source, destination, sourceEFI, destinationEFI, destinationVolume);
-        });
-    };
-    data.onCancel = [this] { spawn([this] { return performCancel(); }); };
+    data.onBackup = once([=, this] {
+        return performBackupAndCopy(source, destination, sourceEFI, destinationDisk, destinationEFI, destinationVolume);
+    });
+    data.onOverwrite = once([=, this] {
+        return performOverwriteAndCopy(source, destination, sourceEFI, destinationEFI, destinationVolume);
+    });
+    data.onCancel = once([this] { return performCancel(); });
     setConfirmationData(std::move(data));
     setShowConfirmationDialog(true);
 }
@@ -201,7 +231,7 @@ QCoro::Task<> EFICopyManager::performBackupAndCopy(std::string sourcePath, std::
     try {
         auto backup = createBackup(destPath, destinationDisk.name, destinationEFI.identifier);
         co_await backup;
-        auto requiring = requireVolume(*destinationEFI.mountPoint, destinationVolume);
+        auto requiring = requireUnchanged(sourceEFI, destinationEFI, destinationVolume);
         co_await requiring;
         auto replacement = replaceAndVerify(sourcePath, destPath, sourceEFI, destinationEFI);
         co_await replacement;
@@ -216,7 +246,7 @@ QCoro::Task<> EFICopyManager::performOverwriteAndCopy(std::string sourcePath, st
 {
     leaveConfirmation(0.3, "Preparing to copy EFI folder...");
     try {
-        auto requiring = requireVolume(*destinationEFI.mountPoint, destinationVolume);
+        auto requiring = requireUnchanged(sourceEFI, destinationEFI, destinationVolume);
         co_await requiring;
         auto replacement = replaceAndVerify(sourcePath, destPath, sourceEFI, destinationEFI);
         co_await replacement;
@@ -232,12 +262,15 @@ QCoro::Task<> EFICopyManager::performCancel()
 }
 
 /// Throws where what the user was asked about is no longer there: nearly all sticks are mounted under the same name.
-QCoro::Task<> EFICopyManager::requireVolume(std::string mountPoint, std::string volume)
+QCoro::Task<> EFICopyManager::requireUnchanged(EFIPartition sourceEFI, EFIPartition destinationEFI,
+                                               std::string destinationVolume)
 {
-    auto telling = m_fileManager.volumeAt(mountPoint);
-    if (co_await telling != volume)
-        throw EFICopyError::copyFailed(
-            fmt::format("What is mounted at {} is not what it was when it was asked about", mountPoint));
+    auto telling = m_fileManager.volumeAt(*destinationEFI.mountPoint);
+    if (co_await telling != destinationVolume)
+        throw EFICopyError::copyFailed(fmt::format("What is mounted at {} is not what it was when it was asked about",
+                                                   *destinationEFI.mountPoint));
+    auto requiring = requireMounted({sourceEFI, destinationEFI});
+    co_await requiring;
 }
 
 /// What every copy to a partition ends with.

@@ -29,7 +29,8 @@ class EFICopyManager : public QObject {
 
 public:
     /// The destination holds an EFI folder already: what is needed to ask what shall become of it. Copies of the
-    /// records as they were when it was found; one of the callbacks goes on with the operation.
+    /// records as they were when it was found; the first callback that is called goes on with the operation,
+    /// any later one does nothing.
     struct ConfirmationData {
         PhysicalDisk sourceDisk;
         EFIPartition sourceEFI;
@@ -50,8 +51,12 @@ public:
         bool hasClover = false;
     };
 
+    /// Whether a partition is what is mounted at its mount point.
+    using IsMountedThere = std::function<QCoro::Task<bool>(EFIPartition partition)>;
+
     /// All arguments outlive the manager.
-    EFICopyManager(FileManager &fileManager, Dialogs &dialogs, Scheduler &scheduler, UnfinishedWork &unfinishedWork);
+    EFICopyManager(FileManager &fileManager, Dialogs &dialogs, Scheduler &scheduler, UnfinishedWork &unfinishedWork,
+                   IsMountedThere isMountedThere);
 
     /// Where the EFI folder of \a sourceEFI on \a sourceDisk can go: every other mounted EFI partition of \a disks, in
     /// their order. Other partitions of the same disk and the boot disk are among them.
@@ -72,7 +77,8 @@ public:
     [[nodiscard]] const std::optional<ConfirmationData> &confirmationData() const { return m_confirmationData; }
 
     /// Copies from one partition to another; returns when that is done, or when confirmationData() waits for a choice.
-    /// Throws EFICopyError, and what a removal throws.
+    /// Throws EFICopyError, also where another partition is mounted in the place of one of the two by now, and what a
+    /// removal throws.
     QCoro::Task<> copyEFI(PhysicalDisk sourceDisk, EFIPartition sourceEFI, PhysicalDisk destinationDisk,
                           EFIPartition destinationEFI, bool overwriteWithoutBackup);
 
@@ -108,6 +114,9 @@ Q_SIGNALS:
 private:
     void begin(std::string status);
     void throwIfCancelled();
+    QCoro::Task<> requireMounted(std::vector<EFIPartition> partitions);
+    QCoro::Task<> requireMountedAtStart(std::vector<EFIPartition> partitions);
+    QCoro::Task<> requireUnchanged(EFIPartition sourceEFI, EFIPartition destinationEFI, std::string destinationVolume);
     QCoro::Task<> checkSource(std::string sourcePath);
     void raiseConfirmation(PhysicalDisk sourceDisk, EFIPartition sourceEFI, PhysicalDisk destinationDisk,
                            EFIPartition destinationEFI, const std::string &destinationVolume);
@@ -116,7 +125,6 @@ private:
                                        std::string destinationVolume);
     QCoro::Task<> performOverwriteAndCopy(std::string sourcePath, std::string destPath, EFIPartition sourceEFI,
                                           EFIPartition destinationEFI, std::string destinationVolume);
-    QCoro::Task<> requireVolume(std::string mountPoint, std::string volume);
     QCoro::Task<> performCancel();
     QCoro::Task<> replaceAndVerify(std::string sourcePath, std::string destPath, EFIPartition sourceEFI,
                                    EFIPartition destinationEFI);
@@ -136,6 +144,7 @@ private:
     Dialogs &m_dialogs;
     Scheduler &m_scheduler;
     UnfinishedWork &m_unfinishedWork;
+    IsMountedThere m_isMountedThere;
 
     bool m_isOperationInProgress = false;
     double m_operationProgress = 0;

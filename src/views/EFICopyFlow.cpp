@@ -17,6 +17,7 @@ EFICopyFlow::EFICopyFlow(EFICopyManager &manager, PublishedDisks disks, Schedule
       m_delayedCalls(scheduler)
 {
     connect(&manager, &EFICopyManager::isOperationInProgressChanged, this, &EFICopyFlow::closeAfterSuccess);
+    connect(&manager, &EFICopyManager::showConfirmationDialogChanged, this, &EFICopyFlow::cancelUnseenQuestion);
 }
 
 void EFICopyFlow::onCopyEFI(const PhysicalDisk &disk, const EFIPartition &efiPartition)
@@ -25,7 +26,7 @@ void EFICopyFlow::onCopyEFI(const PhysicalDisk &disk, const EFIPartition &efiPar
         return;
     auto destinations = EFICopyManager::availableDestinations(m_disks(), disk, efiPartition);
     if (destinations.empty()) {
-        spawn([this, disk, efiPartition] { return copyToLocation(disk, efiPartition); });
+        begin([this, disk, efiPartition] { return copyToLocation(disk, efiPartition); });
         return;
     }
     m_selectedSourceDisk = disk;
@@ -40,7 +41,7 @@ void EFICopyFlow::onDestinationSelected(const EFICopyManager::EFIPartitionInfo &
 {
     if (!m_selectedSourceDisk || !m_selectedSourceEFI)
         return;
-    spawn([this, disk = *m_selectedSourceDisk, efi = *m_selectedSourceEFI, destination, overwriteWithoutBackup] {
+    begin([this, disk = *m_selectedSourceDisk, efi = *m_selectedSourceEFI, destination, overwriteWithoutBackup] {
         return copy(disk, efi, destination, overwriteWithoutBackup);
     });
 }
@@ -51,7 +52,25 @@ void EFICopyFlow::onCancel()
     m_selectedSourceDisk.reset();
     m_selectedSourceEFI.reset();
     m_availableDestinations.clear();
+    cancelUnseenQuestion();
     Q_EMIT changed();
+}
+
+/// Begins \a copy at the next turn of the event loop, and no other one until then.
+void EFICopyFlow::begin(std::function<QCoro::Task<>()> copy)
+{
+    if (std::exchange(m_isAboutToBegin, true))
+        return;
+    spawn([this, copy = std::move(copy)] {
+        m_isAboutToBegin = false;
+        return copy();
+    });
+}
+
+void EFICopyFlow::cancelUnseenQuestion()
+{
+    if (m_manager.showConfirmationDialog() && !m_showingDestinationSelection)
+        m_manager.cancelOperation();
 }
 
 QCoro::Task<> EFICopyFlow::copy(PhysicalDisk sourceDisk, EFIPartition sourceEFI,

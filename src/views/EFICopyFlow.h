@@ -38,16 +38,20 @@ public:
     /// partition that is not mounted.
     void onCopyEFI(const PhysicalDisk &disk, const EFIPartition &efiPartition);
 
-    /// The dialog's choice. A disk that has gone ends it in silence; what fails is logged.
+    /// The dialog's choice; nothing while a copy is about to begin. A disk that has gone ends it in silence; what fails
+    /// is logged.
     void onDestinationSelected(const EFICopyManager::EFIPartitionInfo &destination, bool overwriteWithoutBackup);
 
-    /// Closes the dialog. An operation that runs goes on.
+    /// Closes the dialog. An operation that runs goes on; one that asks, or comes to ask, what shall become of the old
+    /// folder is cancelled: the next dialog would have its question.
     void onCancel();
 
 Q_SIGNALS:
     void changed();
 
 private:
+    void begin(std::function<QCoro::Task<>()> copy);
+    void cancelUnseenQuestion();
     QCoro::Task<> copy(PhysicalDisk sourceDisk, EFIPartition sourceEFI, EFICopyManager::EFIPartitionInfo destination,
                        bool overwriteWithoutBackup);
     QCoro::Task<> copyToLocation(PhysicalDisk disk, EFIPartition efiPartition);
@@ -56,6 +60,7 @@ private:
     EFICopyManager &m_manager;
     PublishedDisks m_disks;
     DelayedCalls m_delayedCalls;
+    bool m_isAboutToBegin = false;
     bool m_showingDestinationSelection = false;
     std::optional<PhysicalDisk> m_selectedSourceDisk;
     std::optional<EFIPartition> m_selectedSourceEFI;

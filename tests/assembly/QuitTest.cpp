@@ -86,6 +86,13 @@ protected:
         return fmt::format("{} -S -k {}", m_paths.sudo(), diskutil(arguments));
     }
 
+    /// Lets the disk tool find \a partition at its mount point.
+    void mount(const EFIPartition &partition)
+    {
+        launcher->answer(diskutil("info " + *partition.mountPoint),
+                         {.standardOutput = fmt::format("   Device Identifier: {}\n", partition.identifier)});
+    }
+
     /// Begins \a work, whose failure is its own affair. It ends within the test.
     void begin(std::function<QCoro::Task<>()> work)
     {
@@ -157,6 +164,8 @@ protected:
         EFICopyManager &manager = assembly().efiCopyManager();
         const PhysicalDisk from = disk("disk1", "source");
         const PhysicalDisk to = disk("disk2", "destination");
+        mount(from.efiPartitions[0]);
+        mount(to.efiPartitions[0]);
         begin([&manager, from, to] {
             return manager.copyEFI(from, from.efiPartitions[0], to, to.efiPartitions[0], false);
         });
@@ -220,6 +229,7 @@ protected:
     {
         const EFIPartition partition{
             .identifier = "disk1s1", .isMounted = true, .mountPoint = (folder() / "source").string()};
+        mount(partition);
         return assembly().efiCopyManager().copyEFIToLocation({.identifier = "disk1", .name = "Disk"}, partition);
     }
 

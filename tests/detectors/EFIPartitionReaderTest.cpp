@@ -210,5 +210,49 @@ TEST_F(EFIPartitionReaderTest, HandsItsTokenToTheTool)
     EXPECT_THAT(resultOf(std::move(reading)), IsEmpty());
 }
 
+// --- what is mounted at a partition's mount point
+
+struct MountedCase {
+    const char *name;
+    bool isThere;
+    std::optional<std::string> info; ///< Of the mount point; nullopt where the tool fails.
+    std::optional<std::string> uuid = "A-1";
+};
+
+class EFIMounted : public testing::TestWithParam<MountedCase> {};
+
+TEST_P(EFIMounted, AtItsMountPointOnlyWhereThatTellsTheSamePartition)
+{
+    FakeToolRunner tools;
+    EFIPartitionReader reader{tools, ToolPaths::system()};
+    if (GetParam().info)
+        tools.answer("/usr/sbin/diskutil info /Volumes/EFI", *GetParam().info);
+
+    EXPECT_EQ(blockOn(reader.isMountedThere({.identifier = "disk2s1",
+                                             .mediaUUID = GetParam().uuid,
+                                             .isMounted = true,
+                                             .mountPoint = "/Volumes/EFI"}),
+                      std::chrono::seconds(60)),
+              GetParam().isThere);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    EFIPartitionReader, EFIMounted,
+    testing::Values(
+        MountedCase{"Same", true, "   Device Identifier: disk2s1\n   Disk / Partition UUID: A-1\n"},
+        MountedCase{"WithoutAUUID", true, "   Device Identifier: disk2s1\n", std::nullopt},
+        MountedCase{"AnotherPartition", false, "   Device Identifier: disk0s1\n   Disk / Partition UUID: A-1\n"},
+        MountedCase{"AnotherDisk", false, "   Device Identifier: disk2s1\n   Disk / Partition UUID: B-2\n"},
+        MountedCase{"LongerIdentifier", false, "   Device Identifier: disk2s10\n   Disk / Partition UUID: A-1\n"},
+        MountedCase{"Nothing", false, "Could not find disk: /Volumes/EFI\n"}, MountedCase{"Empty", false, ""},
+        MountedCase{"FailingTool", false, std::nullopt}),
+    [](const auto &row) { return row.param.name; });
+
+TEST_F(EFIPartitionReaderTest, TakesNoPartitionWithoutAMountPointForMounted)
+{
+    EXPECT_FALSE(resultOf(reader.isMountedThere({.identifier = "disk2s1"})));
+    EXPECT_THAT(tools.calls(), IsEmpty());
+}
+
 } // namespace
 } // namespace brindle

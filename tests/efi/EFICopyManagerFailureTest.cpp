@@ -6,7 +6,10 @@ namespace {
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::IsEmpty;
+using testing::SizeIs;
+using testing::StartsWith;
 using enum EFICopyError::Case;
 
 using Confirmation = EFICopyManager::ConfirmationData;
@@ -256,6 +259,80 @@ TEST_F(EFICopyManagerFailureTest, LeavesAloneWhatIsMountedThereInsteadByTheTimeO
                                                  mountPoint.string() + " is not what it was when it was asked about");
         EXPECT_EQ(treeOf(destinationEFI()), other);
     }
+}
+
+TEST_F(EFICopyManagerFailureTest, RefusesAPartitionInWhosePlaceAnotherOneIsMountedByNow)
+{
+    const std::vector<std::pair<PhysicalDisk, std::string>> cases{{source, "disk1s1 (OPENCORE)"},
+                                                                  {destination, "disk2s1"}};
+    for (const auto &[disk, name] : cases) {
+        for (const bool overwriteWithoutBackup : {false, true}) {
+            writeSampleEFI(sourceEFI());
+            writeOldEFI();
+            const auto old = treeOf(destinationEFI());
+            places.gone = {disk.efiPartitions.front().identifier};
+
+            const auto error = copy(overwriteWithoutBackup);
+
+            const std::string words = fmt::format("Copy operation failed: {} is not mounted at {} any more", name,
+                                                  *disk.efiPartitions.front().mountPoint);
+            EXPECT_EQ(error.value().localizedDescription(), words);
+            EXPECT_EQ(manager.operationStatus(), "Operation failed: " + words);
+            EXPECT_FALSE(manager.isOperationInProgress());
+            EXPECT_FALSE(manager.showConfirmationDialog());
+            EXPECT_EQ(treeOf(destinationEFI()), old);
+            clock.advance(5s);
+            EXPECT_EQ(manager.operationStatus(), "");
+        }
+    }
+}
+
+TEST_F(EFICopyManagerFailureTest, AsksForNoPlaceForThePartitionInWhosePlaceAnotherOneIsMounted)
+{
+    writeSampleEFI(sourceEFI());
+    places.gone = {"disk1s1"};
+
+    EXPECT_TRUE(copyToLocation());
+
+    EXPECT_THAT(manager.operationStatus(), StartsWith("Operation failed: Copy operation failed: disk1s1 (OPENCORE)"));
+    EXPECT_FALSE(manager.isOperationInProgress());
+    EXPECT_THAT(dialogs.savePanels, IsEmpty());
+}
+
+TEST_F(EFICopyManagerFailureTest, TouchesNothingWhereAPartitionWasReplacedWhileItAsked)
+{
+    for (const auto choice : {&Confirmation::onBackup, &Confirmation::onOverwrite}) {
+        for (const char *partition : {"disk1s1", "disk2s1"}) {
+            places.gone.clear();
+            raiseDialog();
+            const auto old = treeOf(destinationEFI());
+            fs::remove_all(backup());
+            dialogs.savePaths = {backup().string()};
+            places.gone = {partition};
+
+            choose(choice);
+
+            EXPECT_THAT(manager.operationStatus(), EndsWith(" any more"));
+            EXPECT_EQ(treeOf(destinationEFI()), old);
+        }
+    }
+}
+
+TEST_F(EFICopyManagerFailureTest, GoesOnOnceWhicheverOptionsAreChosenAtOnce)
+{
+    raiseDialog();
+    dialogs.savePaths = {backup().string()};
+    const EFICopyManager::ConfirmationData data = *manager.confirmationData();
+
+    data.onBackup();
+    data.onBackup();
+    data.onOverwrite();
+    data.onCancel();
+    waitUntil([this] { return !manager.showConfirmationDialog() && !manager.isOperationInProgress(); });
+
+    EXPECT_EQ(manager.operationStatus(), "EFI copy completed successfully");
+    EXPECT_THAT(dialogs.savePanels, SizeIs(1));
+    EXPECT_FALSE(manager.isCancelled());
 }
 
 TEST_F(EFICopyManagerFailureTest, EndsAFailedRemovalAfterAChoice)

@@ -9,6 +9,7 @@
 #include "support/FileTree.h"
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
+#include "support/MountedPlaces.h"
 #include "support/WaitUntil.h"
 
 #include <QTemporaryDir>
@@ -83,7 +84,8 @@ protected:
     FakeDialogs dialogs;
     TestFileManager files;
     UnfinishedWork unfinishedWork;
-    EFICopyManager manager{files, dialogs, clock, unfinishedWork};
+    MountedPlaces places;
+    EFICopyManager manager{files, dialogs, clock, unfinishedWork, places.look()};
     PhysicalDisk source;
     PhysicalDisk destination;
     LogCapture log;

@@ -9,6 +9,7 @@
 #include "support/FakeDiskEvents.h"
 #include "support/FakeStatusItemHost.h"
 #include "support/FakeWindowHost.h"
+#include "support/MountedPlaces.h"
 
 #include <gmock/gmock.h>
 
@@ -107,7 +108,8 @@ protected:
     ViewHeightCalculator heights{defaults};
     DiskEventMonitor monitor{events, clock, [this](bool force) { return manager().startScan(force); }};
     LinuxFileManager files;
-    EFICopyManager copyManager{files, dialogs, clock, unfinishedWork};
+    MountedPlaces places;
+    EFICopyManager copyManager{files, dialogs, clock, unfinishedWork, places.look()};
     std::vector<std::string> arguments{"brindle"};
 
 private:

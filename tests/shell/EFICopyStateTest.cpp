@@ -4,6 +4,7 @@
 #include "support/FakeDialogs.h"
 #include "support/FileTree.h"
 #include "support/ManualClock.h"
+#include "support/MountedPlaces.h"
 
 #include "base/BlockOn.h"
 
@@ -68,7 +69,8 @@ protected:
     FakeDialogs dialogs;
     ManualClock clock;
     UnfinishedWork unfinishedWork;
-    EFICopyManager copyManager{files, dialogs, clock, unfinishedWork};
+    MountedPlaces places;
+    EFICopyManager copyManager{files, dialogs, clock, unfinishedWork, places.look()};
     EraseOperationManager eraseManager;
 
 private:

@@ -191,5 +191,64 @@ TEST_F(EFICopyFlowTest, StaysOpenAfterACancellation)
     EXPECT_TRUE(flow.showingDestinationSelection());
 }
 
+TEST_F(EFICopyFlowTest, CancelsTheQuestionOfADialogThatIsClosed)
+{
+    writeOldEFI();
+    openDialog();
+    flow.onDestinationSelected(flow.availableDestinations().at(0), false);
+    waitUntil([this] { return manager.showConfirmationDialog(); });
+
+    flow.onCancel();
+
+    EXPECT_FALSE(manager.showConfirmationDialog());
+    EXPECT_FALSE(manager.isOperationInProgress());
+    EXPECT_EQ(manager.operationStatus(), "Operation cancelled");
+    EXPECT_TRUE(fs::exists(folder() / "destination/EFI/old"));
+}
+
+TEST_F(EFICopyFlowTest, CancelsAQuestionThatComesAfterItsDialogHasClosed)
+{
+    writeOldEFI();
+    openDialog();
+    flow.onDestinationSelected(flow.availableDestinations().at(0), false);
+    waitUntil([this] { return manager.isOperationInProgress(); });
+    flow.onCancel();
+    ASSERT_TRUE(manager.isOperationInProgress());
+
+    waitUntil([this] { return ends == 1; });
+
+    EXPECT_TRUE(manager.isCancelled());
+    EXPECT_FALSE(manager.showConfirmationDialog());
+    EXPECT_FALSE(manager.confirmationData());
+    EXPECT_TRUE(fs::exists(folder() / "destination/EFI/old"));
+}
+
+TEST_F(EFICopyFlowTest, BeginsOneCopyWhereItIsAskedForTwiceAtOnce)
+{
+    int starts = 0;
+    QObject::connect(&manager, &EFICopyManager::operationStatusChanged,
+                     [&] { starts += manager.operationStatus() == "Preparing EFI copy operation..." ? 1 : 0; });
+    openDialog();
+
+    for (int i = 0; i < 2; ++i)
+        flow.onDestinationSelected(flow.availableDestinations().at(0), false);
+    waitUntil([this] { return ends == 1; });
+
+    EXPECT_EQ(starts, 1);
+    EXPECT_EQ(manager.operationStatus(), "EFI copy completed successfully");
+}
+
+TEST_F(EFICopyFlowTest, AsksForOnePlaceWhereItIsAskedForTwiceAtOnce)
+{
+    disks.pop_back();
+
+    openDialog();
+    openDialog();
+    waitUntil([this] { return ends == 1; });
+    clock.advance(1s);
+
+    EXPECT_EQ(dialogs.savePanels.size(), 1U);
+}
+
 } // namespace
 } // namespace brindle

@@ -5,6 +5,7 @@
 #include "support/FakeDialogs.h"
 #include "support/FileTree.h"
 #include "support/ManualClock.h"
+#include "support/MountedPlaces.h"
 #include "support/WaitUntil.h"
 
 #include <QTemporaryDir>
@@ -41,7 +42,8 @@ protected:
     FakeDialogs dialogs;
     LinuxFileManager files;
     UnfinishedWork unfinishedWork;
-    EFICopyManager manager{files, dialogs, clock, unfinishedWork};
+    MountedPlaces places;
+    EFICopyManager manager{files, dialogs, clock, unfinishedWork, places.look()};
 
 private:
     QTemporaryDir m_folder{QStringLiteral("/dev/shm/brindle-XXXXXX")}; // in memory: each copy is flushed

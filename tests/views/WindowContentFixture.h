@@ -3,6 +3,7 @@
 #include "state/DiskActionsFixture.h"
 #include "support/FakeEraseOperations.h"
 #include "support/FakeWindowHost.h"
+#include "support/MountedPlaces.h"
 #include "views/WindowContentPresenter.h"
 
 #include "platform/linux/LinuxFileManager.h"
@@ -62,7 +63,8 @@ protected:
     std::vector<std::string> windowJournal;
     FakeWindowHost windowHost{windowJournal};
     LinuxFileManager files;
-    EFICopyManager copyManager{files, dialogs, clock, unfinishedWork};
+    MountedPlaces places;
+    EFICopyManager copyManager{files, dialogs, clock, unfinishedWork, places.look()};
     EraseOperationManager eraseManager;
     FakeEraseOperations eraseOperations;
     EraseFlow eraseFlow{eraseManager, eraseOperations};
