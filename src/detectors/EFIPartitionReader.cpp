@@ -27,16 +27,6 @@ void readLine(EFIPartition &partition, std::string_view line)
     }
 }
 
-/// The identifier that \a info itself tells.
-std::optional<std::string> identifierIn(std::string_view info)
-{
-    for (const std::string_view line : Lines(info)) {
-        if (auto identifier = ToolText::valueOf(trimmed(line), "Device Identifier:"))
-            return identifier;
-    }
-    return std::nullopt;
-}
-
 } // namespace
 
 EFIPartitionReader::EFIPartitionReader(ToolRunner &tools, ToolPaths paths) : m_diskutil(tools, std::move(paths)) {}
@@ -73,14 +63,9 @@ QCoro::Task<std::optional<EFIPartition>> EFIPartitionReader::partitionInfo(std::
 
 QCoro::Task<bool> EFIPartitionReader::isMountedThere(EFIPartition partition)
 {
-    if (!partition.mountPoint)
-        co_return false;
-    auto infoTask = m_diskutil.outputIfAny({"info", *partition.mountPoint}, {});
-    const std::optional<std::string> info = co_await infoTask;
-    if (!info || identifierIn(*info) != partition.identifier)
-        co_return false;
-    const auto there = readPartitionInfo(*info, partition.identifier);
-    co_return there && there->mediaUUID == partition.mediaUUID;
+    auto infoTask = partitionInfo(partition.identifier);
+    const std::optional<EFIPartition> now = co_await infoTask;
+    co_return now && now->isMounted && now->mountPoint == partition.mountPoint && now->mediaUUID == partition.mediaUUID;
 }
 
 QCoro::Task<std::vector<EFIPartition>> EFIPartitionReader::efiPartitions(std::string disk, std::string section,

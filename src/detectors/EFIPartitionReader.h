@@ -31,8 +31,8 @@ public:
     [[nodiscard]] QCoro::Task<std::optional<EFIPartition>> partitionInfo(std::string identifier,
                                                                          CancellationToken token = {});
 
-    /// Whether what is mounted at the partition's mount point is still this partition. Labels make mount points and
-    /// pass from disk to disk: another one may be mounted there by now. False also where the tool can't tell.
+    /// Whether the partition is still mounted at its mount point. Labels make mount points and pass from disk to disk:
+    /// another one may be mounted there by now. False also where the tool can't tell.
     [[nodiscard]] QCoro::Task<bool> isMountedThere(EFIPartition partition);
 
     /// The records of all candidates, read one after the other, in their order.

@@ -89,8 +89,8 @@ protected:
     /// Lets the disk tool find \a partition at its mount point.
     void mount(const EFIPartition &partition)
     {
-        launcher->answer(diskutil("info " + *partition.mountPoint),
-                         {.standardOutput = fmt::format("   Device Identifier: {}\n", partition.identifier)});
+        launcher->answer(diskutil("info " + partition.identifier),
+                         {.standardOutput = fmt::format("   Mount Point: {}\n", *partition.mountPoint)});
     }
 
     /// Begins \a work, whose failure is its own affair. It ends within the test.
