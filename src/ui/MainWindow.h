@@ -3,6 +3,7 @@
 #include "platform/WindowHost.h"
 #include "views/WindowContentPresenter.h"
 
+#include <QPointingDevice>
 #include <QQuickView>
 
 #include <functional>
@@ -31,8 +32,13 @@ protected:
     bool event(QEvent *event) override;
 
 private:
+    bool mouseEvent(QMouseEvent &event); ///< Takes it as one of a mouse, whatever device it came from.
+    bool deliver(QMouseEvent &event, QEvent::Type type, Qt::MouseButton button, Qt::MouseButtons buttons);
+
     std::unique_ptr<WindowContentPresenter> m_content;
     WindowHost::Delegate *m_delegate = nullptr;
+    QPointingDevice m_mouse;
+    bool m_isPressed = false; ///< One of its buttons.
 };
 
 } // namespace brindle

@@ -3,6 +3,7 @@
 #include "support/WaitUntil.h"
 #include "ui/ToolTips.h"
 
+#include <QMenu>
 #include <QToolTip>
 
 namespace brindle {
@@ -34,6 +35,17 @@ TEST_P(ToolTipsTest, ShowTheTextAndObeyNoneOfIt)
     ToolTips().show(QString::fromUtf8(GetParam().text));
 
     EXPECT_EQ(QToolTip::text().toStdString(), GetParam().shown);
+}
+
+TEST_F(ToolTipsTest, StayAwayWhileAMenuIsOpen)
+{
+    QMenu menu;
+    menu.addAction(QStringLiteral("Mount EFI"));
+    menu.popup({});
+
+    ToolTips().show(QStringLiteral("Double click to mount EFI"));
+
+    EXPECT_EQ(QToolTip::text(), u"");
 }
 
 TEST(ToolTipArea, ShowsItsTipWhereThePointerRestsAndHidesItWhenThatLeaves)
