@@ -14,6 +14,8 @@ namespace brindle {
 
 void QtApplicationHost::activate()
 {
+    if (QWindow *dialog = QGuiApplication::modalWindow()) // the windows beneath take no keys
+        return dialog->requestActivate();
     for (QWindow *window : QGuiApplication::topLevelWindows()) {
         if (window->isVisible())
             window->requestActivate();

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QMenu>
+#include <QWindow>
 
 #include <gmock/gmock.h>
 
@@ -77,6 +78,24 @@ TEST_F(ApplicationMenuTest, ShowsNothingWithoutEntries)
 
     EXPECT_FALSE(openMenu());
     EXPECT_THAT(chosen, IsEmpty());
+}
+
+TEST(QtApplicationHost, GivesTheKeyboardToTheDialogInFrontRatherThanToItsParent)
+{
+    QWindow dialog;
+    QWindow parent;
+    dialog.setTransientParent(&parent);
+    dialog.setModality(Qt::WindowModal);
+    parent.show();
+    dialog.show();
+    parent.requestActivate();
+    QCoreApplication::processEvents();
+    ASSERT_EQ(QGuiApplication::focusWindow(), &parent);
+
+    QtApplicationHost().activate();
+    QCoreApplication::processEvents();
+
+    EXPECT_EQ(QGuiApplication::focusWindow(), &dialog);
 }
 
 } // namespace

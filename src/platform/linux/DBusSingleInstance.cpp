@@ -14,6 +14,10 @@ namespace {
 constexpr uint kDoNotQueue = 4;
 constexpr uint kExists = 3;
 
+// Of freedesktop.org's desktop entries, and of its startup notification: what entitles a start to come to the front.
+constexpr auto kActivationToken = "activation-token"_L1;
+constexpr const char *kActivationTokenVariable = "XDG_ACTIVATION_TOKEN";
+
 /// As freedesktop.org's desktop entries tell.
 QString pathOf(QString name)
 {
@@ -66,15 +70,20 @@ QCoro::Task<bool> DBusSingleInstance::requestName()
 QCoro::Task<bool> DBusSingleInstance::activateOther()
 {
     QDBusMessage call = QDBusMessage::createMethodCall(m_name, m_path, u"org.freedesktop.Application"_s, u"Activate"_s);
-    call << QVariantMap();
+    QVariantMap platformData;
+    if (qEnvironmentVariableIsSet(kActivationTokenVariable))
+        platformData.insert(kActivationToken, qEnvironmentVariable(kActivationTokenVariable));
+    call << platformData;
     call.setAutoStartService(false);
     auto answer = replyTo(call, *m_connection, m_patience);
     const QDBusMessage reply = co_await answer;
     co_return reply.type() == QDBusMessage::ReplyMessage;
 }
 
-void DBusSingleInstance::Activate(const QVariantMap & /*platformData*/)
+void DBusSingleInstance::Activate(const QVariantMap &platformData)
 {
+    if (const QByteArray token = platformData.value(kActivationToken).toString().toUtf8(); !token.isEmpty())
+        qputenv(kActivationTokenVariable, token); // where Qt takes it from, as at a start
     Q_EMIT reopened();
 }
 

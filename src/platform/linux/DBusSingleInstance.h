@@ -15,7 +15,8 @@ namespace brindle {
 /// Keeps the application to one process in a session: the one that owns the application's name on the session bus.
 ///
 /// It speaks the bus's org.freedesktop.Application, of freedesktop.org's desktop entries, as far as Activate: any other
-/// start of the application calls that, and so may any program.
+/// start of the application calls that, and so may any program. The caller's right to come to the front, without which
+/// a Wayland desktop raises no window, goes over to this process.
 class DBusSingleInstance final : public QObject {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")

@@ -4,6 +4,7 @@
 #include "support/PrivateBus.h"
 #include "support/WaitUntil.h"
 
+#include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
@@ -20,8 +21,10 @@ namespace brindle {
 namespace {
 
 using namespace std::chrono_literals;
+using namespace Qt::StringLiterals;
 
 const std::string kIdentifier = "com.orlane.Brindle";
+constexpr const char *kActivationToken = "XDG_ACTIVATION_TOKEN";
 
 /// A process that has the application's name and never answers.
 class FrozenApplication : public QDBusVirtualObject {
@@ -35,13 +38,15 @@ public:
     ~FrozenApplication() override { QDBusConnection::disconnectFromBus(QStringLiteral("frozen")); }
 
     QString introspect(const QString & /*path*/) const override { return {}; }
-    bool handleMessage(const QDBusMessage & /*message*/, const QDBusConnection & /*connection*/) override
+    bool handleMessage(const QDBusMessage &message, const QDBusConnection & /*connection*/) override
     {
         wasAsked = true;
+        platformData = qdbus_cast<QVariantMap>(message.arguments().value(0));
         return true;
     }
 
     bool wasAsked = false;
+    QVariantMap platformData; ///< What it was asked with.
 
 private:
     QDBusConnection m_connection;
@@ -57,12 +62,26 @@ protected:
         bus.emplace();
     }
 
+    ~DBusSingleInstanceTest() override { qunsetenv(kActivationToken); }
+
     static bool claim(DBusSingleInstance &instance) { return blockOn(instance.claim(), 20s); }
 
     /// Counts how often \a instance was started again.
     void watch(DBusSingleInstance &instance)
     {
         QObject::connect(&instance, &DBusSingleInstance::reopened, &instance, [this] { ++reopened; });
+    }
+
+    /// Any program asks the application to come to the front.
+    static void activate(const QString &platformData)
+    {
+        QProcess asking;
+        asking.start(QStringLiteral("gdbus"),
+                     {QStringLiteral("call"), QStringLiteral("--session"), QStringLiteral("--dest=com.orlane.Brindle"),
+                      QStringLiteral("--object-path=/com/orlane/Brindle"),
+                      QStringLiteral("--method=org.freedesktop.Application.Activate"), platformData});
+        waitUntil([&] { return asking.state() == QProcess::NotRunning; });
+        EXPECT_EQ(asking.exitCode(), 0) << asking.readAllStandardError().toStdString();
     }
 
     std::optional<PrivateBus> bus;
@@ -145,16 +164,35 @@ TEST_F(DBusSingleInstanceTest, ComesToTheFrontForAnyProgramThatAsks)
     DBusSingleInstance first(kIdentifier);
     watch(first);
     claim(first);
-    QProcess asking;
 
-    asking.start(QStringLiteral("gdbus"),
-                 {QStringLiteral("call"), QStringLiteral("--session"), QStringLiteral("--dest=com.orlane.Brindle"),
-                  QStringLiteral("--object-path=/com/orlane/Brindle"),
-                  QStringLiteral("--method=org.freedesktop.Application.Activate"), QStringLiteral("{}")});
-    waitUntil([&] { return asking.state() == QProcess::NotRunning; });
+    activate(QStringLiteral("{}"));
 
-    EXPECT_EQ(asking.exitCode(), 0) << asking.readAllStandardError().toStdString();
     EXPECT_EQ(reopened, 1);
+    EXPECT_FALSE(qEnvironmentVariableIsSet(kActivationToken));
+}
+
+TEST_F(DBusSingleInstanceTest, HandsItsRightToComeToTheFrontToTheOther)
+{
+    FrozenApplication other(kIdentifier);
+    qputenv(kActivationToken, "token of the launcher");
+    DBusSingleInstance second(kIdentifier, 50ms);
+
+    claim(second);
+
+    waitUntil([&] { return other.wasAsked; });
+    EXPECT_EQ(other.platformData, (QVariantMap{{QStringLiteral("activation-token"), u"token of the launcher"_s}}));
+}
+
+TEST_F(DBusSingleInstanceTest, TakesTheRightToComeToTheFrontBeforeItIsReopened)
+{
+    DBusSingleInstance first(kIdentifier);
+    QByteArray token;
+    QObject::connect(&first, &DBusSingleInstance::reopened, [&token] { token = qgetenv(kActivationToken); });
+    claim(first);
+
+    activate(QStringLiteral("{'activation-token': <'token of the launcher'>}"));
+
+    EXPECT_EQ(token, "token of the launcher");
 }
 
 } // namespace
