@@ -126,7 +126,10 @@ int run(const Arguments &options, const std::vector<std::string> &arguments)
         {.application = application, .windows = windows, .statusItem = statusItem, .appearance = *appearance},
         arguments);
     auto *bridge = engine.singletonInstance<WindowBridge *>(qmlTypeId("Brindle", 1, 0, "WindowBridge"));
-    bridge->setIsComposited(isCompositorRunning());
+    const Compositor compositor(QGuiApplication::platformName().toStdString());
+    bridge->setIsComposited(compositor.isRunning());
+    QObject::connect(&compositor, &Compositor::isRunningChanged, bridge,
+                     [&] { bridge->setIsComposited(compositor.isRunning()); });
     QObject::connect(bridge, &WindowBridge::applicationMenuRequested,
                      [&](QPoint place) { application.popUpMenu(place); });
     windows.setMakeContent([&] { return makeContent(shell, windows); });

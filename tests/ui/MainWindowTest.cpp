@@ -1,6 +1,7 @@
 #include "ui/MainWindow.h"
 
 #include "ui/Menus.h"
+#include "ui/WindowBridge.h"
 #include "views/WindowContentFixture.h"
 
 #include <QMouseEvent>
@@ -84,6 +85,12 @@ protected:
         QmlWindow::settle();
     }
 
+    void setIsComposited(bool isComposited)
+    {
+        m_engine.singletonInstance<WindowBridge *>(qmlTypeId("Brindle", 1, 0, "WindowBridge"))
+            ->setIsComposited(isComposited);
+    }
+
 private:
     QQmlEngine m_engine;
     std::optional<MainWindow> m_window;
@@ -162,6 +169,23 @@ TEST_F(MainWindowTest, ClosesTheOpenMenuByAPressBesideIt)
 
     EXPECT_FALSE(openMenu());
     EXPECT_THAT(journal, Not(Contains(sudo("mount disk2s1"))));
+}
+
+TEST_F(MainWindowTest, HasRoundCornersAsLongAsTheDesktopBlendsWindowsAndElseAThinLine)
+{
+    const auto corner = [this] { return window().grabWindow().pixelColor(0, 0); };
+    const auto edge = [this] { return window().grabWindow().pixelColor(250, 0); };
+    const QColor line = corner();
+    EXPECT_EQ(edge(), line);
+
+    setIsComposited(true);
+    EXPECT_NE(corner(), edge()); // nothing of the frame
+    EXPECT_NE(edge(), line);
+    EXPECT_NE(corner(), line);
+
+    setIsComposited(false);
+    EXPECT_EQ(corner(), line);
+    EXPECT_EQ(edge(), line);
 }
 
 } // namespace

@@ -1,5 +1,9 @@
 #include "platform/linux/Compositor.h"
 
+#include "support/WaitUntil.h"
+
+#include <QAbstractEventDispatcher>
+#include <QCoreApplication>
 #include <QProcess>
 #include <QStandardPaths>
 
@@ -9,25 +13,20 @@
 
 #include <cstdlib>
 #include <memory>
+#include <optional>
 
 namespace brindle {
 namespace {
 
 constexpr int kPatience = 20'000; // milliseconds; nothing waits for so long but a failing test
 
-/// A process without Wayland and, until a screen is started, without X11.
+/// A process without X11 until a screen is started.
 class CompositorTest : public testing::Test {
 protected:
-    CompositorTest()
-    {
-        qunsetenv("WAYLAND_DISPLAY");
-        qunsetenv("DISPLAY");
-    }
+    CompositorTest() { qunsetenv("DISPLAY"); }
     ~CompositorTest() override
     {
-        screen.terminate();
-        EXPECT_TRUE(screen.state() == QProcess::NotRunning || screen.waitForFinished(kPatience));
-        qunsetenv("WAYLAND_DISPLAY");
+        endScreen();
         qunsetenv("DISPLAY");
     }
 
@@ -37,6 +36,12 @@ protected:
                                               QStringLiteral("-nolisten"), QStringLiteral("tcp")});
         ASSERT_TRUE(screen.waitForReadyRead(kPatience)) << screen.readAllStandardError().toStdString();
         qputenv("DISPLAY", ":" + screen.readLine().trimmed());
+    }
+
+    void endScreen()
+    {
+        screen.terminate();
+        EXPECT_TRUE(screen.state() == QProcess::NotRunning || screen.waitForFinished(kPatience));
     }
 
     QProcess screen;
@@ -68,26 +73,46 @@ private:
 
 TEST_F(CompositorTest, AlwaysRunsUnderWayland)
 {
-    qputenv("WAYLAND_DISPLAY", "wayland-0");
-
-    EXPECT_TRUE(isCompositorRunning());
+    EXPECT_TRUE(Compositor("wayland").isRunning());
+    EXPECT_TRUE(Compositor("wayland-egl").isRunning());
 }
 
 TEST_F(CompositorTest, RunsNowhereWithoutAScreen)
 {
-    EXPECT_FALSE(isCompositorRunning());
+    EXPECT_FALSE(Compositor("xcb").isRunning());
+    EXPECT_FALSE(Compositor("offscreen").isRunning());
 }
 
-TEST_F(CompositorTest, RunsWhereOneHoldsTheSelectionOfTheScreen)
+TEST_F(CompositorTest, RunsAsLongAsOneHoldsTheSelectionOfTheScreen)
 {
     if (QStandardPaths::findExecutable(QStringLiteral("Xvfb")).isEmpty())
         GTEST_SKIP() << "there is no Xvfb";
     startScreen();
-    EXPECT_FALSE(isCompositorRunning());
+    std::optional<Selection> held(std::in_place);
+    Compositor compositor("xcb");
+    int changes = 0;
+    QObject::connect(&compositor, &Compositor::isRunningChanged, [&changes] { ++changes; });
+    EXPECT_TRUE(compositor.isRunning());
 
-    const Selection held;
+    held.reset();
+    waitUntil([&] { return changes == 1; });
+    EXPECT_FALSE(compositor.isRunning());
+    held.emplace();
+    waitUntil([&] { return changes == 2; });
+    EXPECT_TRUE(compositor.isRunning());
+}
 
-    EXPECT_TRUE(isCompositorRunning());
+TEST_F(CompositorTest, StandsStillOnceTheScreenHasGone)
+{
+    if (QStandardPaths::findExecutable(QStringLiteral("Xvfb")).isEmpty())
+        GTEST_SKIP() << "there is no Xvfb";
+    startScreen();
+    const Compositor compositor("xcb");
+    EXPECT_FALSE(compositor.isRunning());
+
+    endScreen();
+
+    waitUntil([] { return !QCoreApplication::eventDispatcher()->processEvents(QEventLoop::AllEvents); });
 }
 
 } // namespace
