@@ -3,6 +3,7 @@
 #include "ui/UserInterface.h"
 
 #include <QGuiApplication>
+#include <QIcon>
 #include <QQmlEngine>
 #include <QScreen>
 
@@ -47,6 +48,8 @@ void QtWindowHost::prepare()
 {
     if (m_prepared)
         return;
+    if (QGuiApplication::windowIcon().isNull())
+        QGuiApplication::setWindowIcon(applicationIcon());
     m_prepared = makeWindow();
     m_prepared->create(); // on the screen's side, still hidden
 }

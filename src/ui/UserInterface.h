@@ -2,6 +2,7 @@
 
 #include "platform/Appearance.h"
 
+class QIcon;
 class QQmlEngine;
 
 namespace brindle {
@@ -12,6 +13,9 @@ void useSoftwareRenderer();
 
 /// Makes `import Brindle` and the symbols known to \a engine, once.
 void setUpEngine(QQmlEngine &engine);
+
+/// The application's icon in the sizes of bars and switchers. Once an engine is set up.
+[[nodiscard]] QIcon applicationIcon();
 
 /// Paints everything that \a engine shows in the scheme's colours.
 void setColorScheme(QQmlEngine &engine, ColorScheme scheme);

@@ -4,6 +4,8 @@
 #include "views/WindowContentFixture.h"
 
 #include <QGuiApplication>
+#include <QIcon>
+#include <QImage>
 #include <QQmlEngine>
 #include <QScreen>
 
@@ -73,6 +75,18 @@ TEST_F(QtWindowHostTest, MakesAHiddenWindowWithItsContentAndWithoutATitleInIt)
     EXPECT_EQ(window.title, "");
     EXPECT_EQ(host.find(id)->title(), u"Brindle"); // which the desktop is told
     EXPECT_TRUE(host.find(id)->flags().testFlag(Qt::FramelessWindowHint));
+}
+
+TEST_F(QtWindowHostTest, GivesItsWindowsTheIconOfTheApplication)
+{
+    open();
+
+    for (const int pixels : {16, 24, 32, 48, 64}) {
+        const QImage image = QGuiApplication::windowIcon().pixmap(pixels).toImage();
+        ASSERT_EQ(image.size(), QSize(pixels, pixels));
+        EXPECT_EQ(image.pixelColor(0, 0).alpha(), 0);
+        EXPECT_EQ(image.pixelColor(pixels / 2, pixels / 2).alpha(), 255);
+    }
 }
 
 TEST_F(QtWindowHostTest, ShowsAWindowAndLetsItsContentAppear)
