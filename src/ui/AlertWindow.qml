@@ -88,7 +88,7 @@ Window {
             placeholderText: root.alert.placeholder
             echoMode: root.alert.field === AlertPresenter.Secret ? TextInput.Password : TextInput.Normal
             text: root.alert.text
-            onTextEdited: if (root.alert.field === AlertPresenter.Text) root.alert.text = field.text
+            onTextChanged: if (root.alert.field === AlertPresenter.Text) root.alert.text = field.text // also by a screen reader
             Keys.onReturnPressed: root.alert.press(0)
             Keys.onEnterPressed: root.alert.press(0)
         }

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Brindle
 
 T.CheckBox {
     id: root
@@ -20,6 +21,8 @@ T.CheckBox {
     Accessible.onToggleAction: root.toggleByReader()
 
     function toggleByReader(): void {
+        if (!WindowBridge.isInReach(root))
+            return;
         toggle();
         toggled();
         clicked();

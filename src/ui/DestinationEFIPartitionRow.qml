@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import QtQuick.Templates as T
+import Brindle
 
 // One destination to pick.
 T.RadioButton {
@@ -16,8 +17,8 @@ T.RadioButton {
     Accessible.name: destination.description
     Accessible.checkable: true
     Accessible.checked: destination.isSelected
-    Accessible.onPressAction: root.clicked()
-    Accessible.onToggleAction: root.clicked()
+    Accessible.onPressAction: if (WindowBridge.isInReach(root)) root.clicked()
+    Accessible.onToggleAction: if (WindowBridge.isInReach(root)) root.clicked()
     Keys.onReturnPressed: root.clicked()
     Keys.onEnterPressed: root.clicked()
 

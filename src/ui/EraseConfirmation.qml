@@ -90,7 +90,7 @@ Column {
                 width: parent.width
                 text: root.erase.confirmInput
                 Accessible.name: root.erase.confirmPrompt
-                onTextEdited: root.erase.confirmInput = text
+                onTextChanged: if (text !== root.erase.confirmInput) root.erase.confirmInput = text // also by a screen reader
                 onActiveFocusChanged: if (activeFocus) root.revealWanted(this)
             }
             PlainText {

@@ -1,4 +1,5 @@
 import QtQuick
+import Brindle
 
 // A symbol to press, without a border. Its tip is also its accessible name. Made of plain items: every row has some, and
 // a window without a dialog needs no other control.
@@ -19,7 +20,7 @@ Item {
 
     Accessible.role: Accessible.Button
     Accessible.name: tip
-    Accessible.onPressAction: root.clicked()
+    Accessible.onPressAction: if (WindowBridge.isInReach(root)) root.clicked()
     Keys.onPressed: event => {
         if (![Qt.Key_Space, Qt.Key_Return, Qt.Key_Enter].includes(event.key))
             return;

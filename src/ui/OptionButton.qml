@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import QtQuick.Templates as T
+import Brindle
 
 // One of the ways to go on. Return presses it only where that destroys nothing.
 T.AbstractButton {
@@ -18,7 +19,7 @@ T.AbstractButton {
     Accessible.role: Accessible.Button
     Accessible.name: option.title
     Accessible.description: option.text
-    Accessible.onPressAction: root.clicked()
+    Accessible.onPressAction: if (WindowBridge.isInReach(root)) root.clicked()
     Keys.onReturnPressed: if (returnPresses) root.clicked()
     Keys.onEnterPressed: if (returnPresses) root.clicked()
 

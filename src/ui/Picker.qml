@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Brindle
 
 // A choice of one from a list that opens.
 T.ComboBox {
@@ -16,7 +17,7 @@ T.ComboBox {
     Accessible.role: Accessible.ComboBox
     Accessible.name: name
     Accessible.description: displayText
-    Accessible.onPressAction: popup.open()
+    Accessible.onPressAction: if (WindowBridge.isInReach(root)) popup.open()
 
     background: Rectangle {
         radius: Theme.radius
@@ -53,7 +54,7 @@ T.ComboBox {
         hoverEnabled: true
         Accessible.role: Accessible.ListItem
         Accessible.name: text
-        Accessible.onPressAction: entry.clicked()
+        Accessible.onPressAction: if (WindowBridge.isInReach(entry)) entry.clicked()
 
         background: Rectangle {
             radius: 4

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Brindle
 
 // A button with a text and, where wanted, a symbol in front of it. Return presses it as Space does, unless
 // returnPresses is off.
@@ -34,7 +35,7 @@ T.Button {
     Accessible.role: Accessible.Button
     Accessible.name: text
     Accessible.description: tip
-    Accessible.onPressAction: root.clicked()
+    Accessible.onPressAction: if (WindowBridge.isInReach(root)) root.clicked()
     Keys.onReturnPressed: event => { event.accepted = returnPresses; if (returnPresses) root.clicked(); }
     Keys.onEnterPressed: event => { event.accepted = returnPresses; if (returnPresses) root.clicked(); }
 

@@ -24,7 +24,7 @@ Item {
     Accessible.description: presenter.accessibleDescription
     Accessible.focusable: true
     Accessible.focused: activeFocus
-    Accessible.onPressAction: root.presenter.activate()
+    Accessible.onPressAction: if (WindowBridge.isInReach(root)) root.presenter.activate()
 
     Keys.onPressed: event => {
         list.isByKeyboard = true;

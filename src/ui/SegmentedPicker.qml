@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Brindle
 
 // A choice between a few words that all stand there. One stop for the Tab key; the arrow keys choose.
 Item {
@@ -48,8 +49,8 @@ Item {
                 Accessible.name: text
                 Accessible.checkable: true
                 Accessible.checked: checked
-                Accessible.onPressAction: root.choose(index)
-                Accessible.onToggleAction: root.choose(index)
+                Accessible.onPressAction: if (WindowBridge.isInReach(segment)) root.choose(index)
+                Accessible.onToggleAction: if (WindowBridge.isInReach(segment)) root.choose(index)
                 onClicked: root.choose(index)
 
                 background: Rectangle {

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QPalette>
+#include <QQuickWindow>
 #include <QToolTip>
 
 #include <utility>
@@ -36,6 +37,13 @@ void WindowBridge::paintMenus(const QColor &background, const QColor &text, cons
 void WindowBridge::copyToClipboard(const QString &text) const
 {
     QGuiApplication::clipboard()->setText(text);
+}
+
+bool WindowBridge::isInReach(QQuickItem *item) const
+{
+    const QWindow *dialog = QGuiApplication::modalWindow();
+    const QWindow *window = item->window();
+    return item->isEnabled() && item->isVisible() && (!dialog || dialog == window);
 }
 
 } // namespace brindle

@@ -3,6 +3,7 @@
 #include <QColor>
 #include <QObject>
 #include <QPointF>
+#include <QQuickItem>
 #include <QtQml/qqmlregistration.h>
 
 namespace brindle {
@@ -27,6 +28,10 @@ public:
     Q_INVOKABLE void requestApplicationMenu(const QPointF &place) { Q_EMIT applicationMenuRequested(place.toPoint()); }
 
     Q_INVOKABLE void copyToClipboard(const QString &text) const;
+
+    /// Whether pointer and keys could use \a item now: not what is disabled or hidden, or stands behind a dialog.
+    /// Actions of a screen reader come without being asked whether.
+    Q_INVOKABLE [[nodiscard]] bool isInReach(QQuickItem *item) const;
 
 Q_SIGNALS:
     void isCompositedChanged();

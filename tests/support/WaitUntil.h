@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/Patience.h"
+
 #include <QCoreApplication>
 
 #include <gtest/gtest.h>
@@ -14,7 +16,7 @@ namespace brindle {
 inline void waitUntil(const std::function<bool()> &isTrue)
 {
     using namespace std::chrono_literals;
-    const auto end = std::chrono::steady_clock::now() + 60s;
+    const auto end = std::chrono::steady_clock::now() + kPatience;
     while (!isTrue() && std::chrono::steady_clock::now() < end) {
         QCoreApplication::processEvents();
         std::this_thread::sleep_for(100us);

@@ -4,9 +4,11 @@
 #include "ui/Menus.h"
 #include "ui/QtDialogs.h"
 #include "ui/ReadAloud.h"
-#include "views/WindowContentFixture.h"
+#include "ui/TwoDisksFixture.h"
 
+#include "base/BlockOn.h"
 #include "support/LogCapture.h"
+#include "support/Patience.h"
 
 #include <QGuiApplication>
 
@@ -48,26 +50,12 @@ TEST(AccessibleControls, AreFoundWithAllThatTheyMiss)
 
 // --- the list
 
-class AccessibleControlsOfList : public WindowContentFixture {
+class AccessibleControlsOfList : public TwoDisksFixture {
 protected:
-    QmlWindow &open()
-    {
-        PhysicalDisk stick = externalDisk("disk2", {{.identifier = "disk2s1", .isMounted = true}});
-        stick.efiPartitions[0].mountPoint = mountPoint();
-        hold({stick, externalDisk("disk4", {{.identifier = "disk4s1"}, {.identifier = "disk4s2"}})});
-        manager().toggleExpanded("disk4");
-        m_window.emplace("WindowContentView { width: 500; height: 600 }", 600,
-                         QVariantMap{{QStringLiteral("presenter"), QVariant::fromValue(&content())}});
-        return *m_window;
-    }
-
     static inline const std::vector<std::string> kControls = {
         "refreshButton", "disk2",   "copyButton",  "ejectButton", "configButton", "findButton",
         "mountButton",   "disk4",   "ejectButton", "mountButton", "chevron",      "disk4s1",
         "mountButton",   "disk4s2", "mountButton", "quitButton"};
-
-private:
-    std::optional<QmlWindow> m_window;
 };
 
 TEST_F(AccessibleControlsOfList, MissNothing)
@@ -231,8 +219,10 @@ protected:
         waitUntil([&] { return shown() != nullptr; });
         return *shown();
     }
+    QQuickItem &item(const QString &objectName) { return *QmlWindow::find(*alert().contentItem(), objectName); }
+    QQuickItem &button(int index) { return item(QStringLiteral("button%1").arg(index)); }
 
-    QmlWindow m_main{"Item {}"};
+    QmlWindow m_main{R"(PushButton { objectName: "beneath"; property int presses: 0; onClicked: presses += 1 })"};
     QtDialogs dialogs{m_main.engine()};
 };
 
@@ -260,6 +250,55 @@ TEST_F(AccessibleControlsOfAlert, MissNothingInAPromptForAPassword)
                               .placeholder = "Administrator Password"});
 
     expectControlsThatMissNothing(alert(), {"field", "button0", "button1"});
+}
+
+TEST_F(AccessibleControlsOfAlert, AnswerItByTheirActions)
+{
+    auto answer = dialogs.alert({.messageText = "Erase?", .buttons = {"Yes", "No"}});
+
+    ASSERT_TRUE(pressByReader(button(1)));
+
+    EXPECT_EQ(blockOn(std::move(answer), kPatience), 1U);
+}
+
+TEST_F(AccessibleControlsOfAlert, TakeATextThatAScreenReaderWrites)
+{
+    auto answer =
+        dialogs.textPrompt({.alert = {.messageText = "Rename Volume", .buttons = {"Rename", "Cancel"}}, .text = "OLD"});
+
+    writeByReader(item(QStringLiteral("field")), QStringLiteral("WORK"));
+    ASSERT_TRUE(pressByReader(button(0)));
+
+    EXPECT_EQ(blockOn(std::move(answer), kPatience), "WORK");
+}
+
+TEST_F(AccessibleControlsOfAlert, TakeAPasswordThatAScreenReaderWrites)
+{
+    auto answer = dialogs.securePrompt({.alert = {.messageText = "Administrator", .buttons = {"OK", "Cancel"}}});
+    QQuickItem &field = item(QStringLiteral("field"));
+
+    writeByReader(field, QStringLiteral("open sesame"));
+    EXPECT_FALSE(field.property("text").toString().contains(QStringLiteral("sesame")));
+    ASSERT_TRUE(pressByReader(button(0)));
+
+    const std::optional<Secret> password = blockOn(std::move(answer), kPatience);
+    ASSERT_TRUE(password);
+    EXPECT_EQ(password->view(), "open sesame");
+}
+
+TEST_F(AccessibleControlsOfAlert, KeepThoseOfTheWindowBeneathOutOfReach)
+{
+    const QString beneath = QStringLiteral("beneath");
+    auto answer = dialogs.alert({.messageText = "Erase?", .buttons = {"Yes", "No"}});
+    QQuickItem &no = button(1);
+
+    ASSERT_TRUE(pressByReader(m_main.item(beneath)));
+    EXPECT_EQ(m_main.valueOf<int>(beneath, "presses"), 0);
+
+    pressByReader(no);
+    blockOn(std::move(answer), kPatience);
+    pressByReader(m_main.item(beneath));
+    EXPECT_EQ(m_main.valueOf<int>(beneath, "presses"), 1);
 }
 
 } // namespace

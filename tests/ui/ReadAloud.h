@@ -32,14 +32,26 @@ struct ReadAloud {
     return accessible ? accessible->text(QAccessible::Description).toStdString() : "";
 }
 
-/// Presses the item by its accessible action; false where it has none.
-inline bool pressByReader(QObject &item)
+/// Performs an accessible action of the item as a screen reader does; false where the item doesn't offer it.
+inline bool performByReader(QObject &item, const QString &action)
 {
     QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(&item);
-    if (!accessible || !accessible->actionInterface())
+    QAccessibleActionInterface *actions = accessible ? accessible->actionInterface() : nullptr;
+    if (!actions || !actions->actionNames().contains(action))
         return false;
-    accessible->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    actions->doAction(action);
     return true;
+}
+
+inline bool pressByReader(QObject &item)
+{
+    return performByReader(item, QAccessibleActionInterface::pressAction());
+}
+
+/// Replaces the text of a field as a screen reader does.
+inline void writeByReader(QObject &field, const QString &text)
+{
+    QAccessible::queryAccessibleInterface(&field)->setText(QAccessible::Value, text);
 }
 
 } // namespace brindle
