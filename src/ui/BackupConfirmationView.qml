@@ -7,9 +7,13 @@ FocusScope {
     id: root
     required property EFIDestinationSelectionPresenter dialog
 
-    // Head and choices stand together in the middle; a low screen takes from the margins before the head must be scrolled.
-    readonly property real slack: height - choices.implicitHeight - title.implicitHeight - 60 - 24 - 24
-    readonly property bool isTight: slack < 64
+    // Head and choices stand together in the middle; a low screen takes from margins and gaps before the head must be
+    // scrolled.
+    readonly property int leastMargin: 16
+    readonly property real contentHeight: choices.implicitHeight + title.implicitHeight + symbol.height
+    readonly property bool isTight: height - contentHeight - 2 * 24 < 2 * leastMargin
+    readonly property int gap: isTight ? 12 : 24
+    readonly property real margin: Math.max(leastMargin, (height - contentHeight - 2 * gap) / 2)
 
     // As they were when it was asked: they are not offered any more while the view fades.
     property var options: []
@@ -33,10 +37,11 @@ FocusScope {
         anchors.bottom: choices.top
         Column {
             width: head.width
-            topPadding: root.isTight ? 16 : root.slack / 2
-            bottomPadding: root.isTight ? 12 : 24
-            spacing: root.isTight ? 12 : 24
+            topPadding: root.margin
+            bottomPadding: root.gap
+            spacing: root.gap
             Symbol {
+                id: symbol
                 anchors.horizontalCenter: parent.horizontalCenter
                 name: "exclamationmark.triangle.fill"
                 color: Theme.orange
@@ -73,7 +78,7 @@ FocusScope {
         anchors.bottom: parent.bottom
         anchors.leftMargin: 32
         anchors.rightMargin: 32
-        anchors.bottomMargin: root.isTight ? 16 : root.slack / 2
+        anchors.bottomMargin: root.margin
         spacing: 24
         ColumnLayout {
             spacing: 12

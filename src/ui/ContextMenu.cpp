@@ -20,6 +20,7 @@ namespace {
 
 constexpr int kSymbolSize = 16;
 constexpr int kCaptionSize = 10;
+constexpr int kAir = 4; // above the first entry and beneath the last one
 
 /// In the colours of the text beside it, which is another one where the pointer is.
 QIcon iconOf(std::string_view symbol, qreal ratio)
@@ -49,6 +50,7 @@ void ContextMenu::popUp(RowPresenter *row, QQuickItem *item, const QPointF &plac
     auto *menu = new QMenu;
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->setObjectName(QStringLiteral("rowMenu"));
+    menu->setContentsMargins(0, kAir, 0, kAir);
     for (const RowMenuEntry &entry : row->menu())
         add(*menu, entry, row);
     menu->winId(); // makes its window

@@ -22,6 +22,8 @@ T.RadioButton {
     Keys.onReturnPressed: root.clicked()
     Keys.onEnterPressed: root.clicked()
 
+    ToolTipArea { tip: diskName.truncated ? root.destination.description : "" }
+
     background: Rectangle {
         radius: 8
         color: root.destination.isSelected ? Qt.alpha(Theme.blue, 0.1) : root.hovered ? Theme.rowHover : Theme.row
@@ -49,6 +51,7 @@ T.RadioButton {
         ColumnLayout {
             spacing: 3
             PlainText {
+                id: diskName
                 Layout.fillWidth: true
                 text: root.destination.diskName
                 font.pixelSize: Theme.headline

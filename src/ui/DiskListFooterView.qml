@@ -23,12 +23,10 @@ Item {
             anchors.verticalCenter: parent.verticalCenter
             width: 12
             height: 12
-            visible: spinner.visible
+            visible: root.presenter.spinnerScale > 0
             Spinner {
-                id: spinner
                 objectName: "statusSpinner"
                 anchors.centerIn: parent
-                visible: root.presenter.spinnerScale > 0
                 size: 24 * root.presenter.spinnerScale
             }
         }

@@ -46,8 +46,7 @@ Item {
                 id: label
                 objectName: "volumeLabel"
                 value: root.presenter.volumeLabel
-                anchors.left: name.right
-                anchors.leftMargin: 4
+                x: Math.ceil(name.contentWidth) + 4 // a name that is cut may end before its place does
                 width: Math.min(implicitWidth, names.labelWidth)
                 elide: Text.ElideRight
             }

@@ -1,7 +1,7 @@
 import QtQuick
 import Brindle
 
-// Says that the application has been told to quit and only waits for what goes on.
+// Says at the window's lower edge that the application has been told to quit and only waits for what goes on.
 Rectangle {
     id: root
     property alias text: label.text
@@ -9,12 +9,14 @@ Rectangle {
     visible: text !== ""
     height: 30
     color: Theme.warningBox
+    radius: WindowBridge.isComposited ? Theme.windowRadius : 0
 
-    Divider { width: parent.width }
-    Divider {
-        anchors.bottom: parent.bottom
+    Rectangle { // the upper corners are square
         width: parent.width
+        height: parent.height - parent.radius
+        color: parent.color
     }
+    Divider { width: parent.width }
     Row {
         anchors.centerIn: parent
         spacing: Theme.spacing
@@ -30,6 +32,7 @@ Rectangle {
             anchors.verticalCenter: parent.verticalCenter
             font.pixelSize: Theme.callout
             color: Theme.primary
+            Accessible.role: Accessible.AlertMessage
         }
     }
 }

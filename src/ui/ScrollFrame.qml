@@ -40,5 +40,9 @@ Flickable {
         height: childrenRect.height
     }
 
-    ScrollBar { flickable: root }
+    ScrollBar {
+        objectName: "scrollBar"
+        parent: root // not of what scrolls
+        flickable: root
+    }
 }

@@ -32,56 +32,62 @@ Rectangle {
     Shortcut { sequence: "Ctrl+W"; onActivated: root.Window.window.close() }
     Shortcut { sequence: "Ctrl+Q"; onActivated: root.presenter.quit() }
 
-    Item {
-        objectName: "diskListFrame"
+    Item { // all of it stays in sight when the notice comes
         anchors.fill: parent
-        visible: root.presenter.content === "diskList"
-        onVisibleChanged: {
-            if (visible) { // again, after a dialog: keys find somebody
-                root.forceActiveFocus(Qt.OtherFocusReason);
-                list.takeFocus();
+        anchors.bottomMargin: notice.visible ? notice.height : 0
+
+        Item {
+            objectName: "diskListFrame"
+            anchors.fill: parent
+            visible: root.presenter.content === "diskList"
+            onVisibleChanged: {
+                if (visible) { // again, after a dialog: keys find somebody
+                    root.forceActiveFocus(Qt.OtherFocusReason);
+                    list.takeFocus();
+                }
+            }
+
+            DiskListHeaderView {
+                id: header
+                objectName: "header"
+                width: parent.width
+                isLoading: root.presenter.isLoading
+                onMenuRequested: place => root.popUpMenu(place)
+                onRefreshTapped: root.presenter.refresh()
+            }
+            DiskListContentView {
+                id: list
+                anchors.top: header.bottom
+                anchors.bottom: footer.top
+                width: parent.width
+                listState: root.presenter.listState
+                rows: root.presenter.rows
+            }
+            DiskListFooterView {
+                id: footer
+                objectName: "footer"
+                anchors.bottom: parent.bottom
+                width: parent.width
+                presenter: root.presenter
             }
         }
-
-        DiskListHeaderView {
-            id: header
-            objectName: "header"
-            width: parent.width
-            isLoading: root.presenter.isLoading
-            onMenuRequested: place => root.popUpMenu(place)
-            onRefreshTapped: root.presenter.refresh()
+        FlowLoader {
+            view: "EFIDestinationSelectionView.qml"
+            role: "dialog"
+            presenter: root.presenter.copy.dialog
         }
-        DiskListContentView {
-            id: list
-            anchors.top: header.bottom
-            anchors.bottom: footer.top
-            width: parent.width
-            listState: root.presenter.listState
-            rows: root.presenter.rows
+        FlowLoader {
+            view: "EraseProgressView.qml"
+            role: "erase"
+            presenter: root.presenter.content === "erase" ? root.presenter.erase : null
         }
-        DiskListFooterView {
-            id: footer
-            objectName: "footer"
-            anchors.bottom: parent.bottom
-            width: parent.width
-            presenter: root.presenter
-        }
-    }
-    FlowLoader {
-        view: "EFIDestinationSelectionView.qml"
-        role: "dialog"
-        presenter: root.presenter.copy.dialog
-    }
-    FlowLoader {
-        view: "EraseProgressView.qml"
-        role: "erase"
-        presenter: root.presenter.content === "erase" ? root.presenter.erase : null
     }
     QuitNotice {
-        // Beneath what goes on, and above the line that tells of it.
+        id: notice
+        anchors.left: parent.left
+        anchors.right: parent.right
         anchors.bottom: parent.bottom
-        anchors.bottomMargin: root.presenter.copy.dialog !== null ? 52 : footer.height
-        width: parent.width
+        anchors.margins: root.border.width
         text: root.presenter.quitNotice
     }
 }

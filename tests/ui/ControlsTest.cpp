@@ -117,6 +117,28 @@ TEST(ScrollFrame, ScrollsToWhatIsRevealed)
     EXPECT_EQ(window.valueOf<double>(QStringLiteral("frame"), "contentY"), 250);
 }
 
+TEST(ScrollFrame, ShowsAtItsRightHowMuchOfItIsInSight)
+{
+    QmlWindow window(R"(ScrollFrame {
+                            width: 500
+                            height: 100
+                            Rectangle { width: 10; height: 300 }
+                        })");
+
+    const QQuickItem &bar = window.item(QStringLiteral("scrollBar"));
+
+    EXPECT_EQ(bar.mapRectToScene(QRectF(0, 0, bar.width(), bar.height())), QRectF(492, 0, 8, 100));
+    window.root().setProperty("contentY", 200);
+    EXPECT_EQ(bar.mapToScene(QPointF()), QPointF(492, 0));
+}
+
+TEST(ScrollFrame, ShowsNoBarWhereAllIsInSight)
+{
+    QmlWindow window("ScrollFrame { width: 500; height: 100; Rectangle { width: 10; height: 100 } }");
+
+    EXPECT_FALSE(window.shows(QStringLiteral("scrollBar")));
+}
+
 TEST(ScrollFrame, LeavesAirAroundWhatIsRevealed)
 {
     QmlWindow window(R"(ScrollFrame {

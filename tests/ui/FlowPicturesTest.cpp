@@ -121,6 +121,24 @@ TEST_P(CopyPictures, ShowACopyThatHasFailedAndHangs)
     expectPicture(window(), GetParam(), "copy-progress");
 }
 
+TEST_P(CopyPictures, ShowTheLongestNamesOfSourceAndDestination)
+{
+    for (PhysicalDisk &disk : disks)
+        disk.efiPartitions[0].volumeName = longName("A Partition");
+    writeOldEFI();
+    open();
+    copyUntilConfirmation(); // as long as the choice is awaited, there are ends
+    QmlWindow progress(R"(Rectangle {
+                              required property EFIDestinationSelectionPresenter dialog
+                              anchors.fill: parent
+                              color: Theme.window
+                              OperationProgressView { anchors.fill: parent; dialog: parent.dialog }
+                          })",
+                       kHeightOfOneDestination, {{QStringLiteral("dialog"), QVariant::fromValue(presenter.dialog())}});
+
+    expectPicture(progress, GetParam(), "copy-progress-long");
+}
+
 TEST_P(CopyPictures, ShowASuccess)
 {
     open();

@@ -108,6 +108,25 @@ TEST_F(QuitWindowTest, SaysThatItQuitsAsSoonAsTheWorkIsDone)
     endMount();
 }
 
+TEST_F(QuitWindowTest, CoversNothingByItsNotice)
+{
+    beginMount();
+    unfinishedWork.endProcessWithIt();
+    QmlWindow::settle();
+
+    const auto bottomOf = [this](const char *name) {
+        const QQuickItem *item = QmlWindow::find(*window().contentItem(), QString::fromLatin1(name));
+        return item ? item->mapToScene(QPointF(0, item->height())).y() : 0;
+    };
+    const QQuickItem *text = QmlWindow::find(*window().contentItem(), QStringLiteral("quitNotice"));
+    ASSERT_TRUE(text);
+
+    EXPECT_GT(bottomOf("diskList"), 0);
+    EXPECT_LE(bottomOf("diskList"), bottomOf("footer"));
+    EXPECT_LE(bottomOf("footer"), text->mapToScene({}).y());
+    endMount();
+}
+
 /// A screen of the copy dialog that stands when the user quits.
 struct CopyScreen {
     const char *name;

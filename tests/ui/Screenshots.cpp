@@ -1,6 +1,6 @@
 // Pictures of every state of the window, in both schemes, for people to look at: ./dev screenshots.
 
-#include "ui/QmlWindow.h"
+#include "ui/Stillness.h"
 #include "views/WindowContentFixture.h"
 
 #include "ui/WindowBridge.h"
@@ -42,6 +42,13 @@ protected:
             content().setColorScheme(GetParam());
         }
         return *m_window;
+    }
+
+    /// As the window does for a dialog.
+    void setHeight(int height)
+    {
+        window().window().setHeight(height);
+        window().root().setHeight(height);
     }
 
     double screen = 1080; ///< Its height.
@@ -153,6 +160,7 @@ TEST_P(Screenshots, ListOnALowScreen)
     window().press(Qt::Key_Tab);
     window().press(Qt::Key_Tab);
     window().press(Qt::Key_PageDown);
+    waitUntil([this] { return window().shows(QStringLiteral("listScrollBar")); });
     save("list-600");
     window().press(Qt::Key_End);
     save("list-600-end");
@@ -161,7 +169,15 @@ TEST_P(Screenshots, ListOnALowScreen)
 TEST_P(Screenshots, FirstScan)
 {
     defaults.set(DefaultsKeys::kIsModeSwitchRelaunch, false);
+    paths = ToolPaths::system();
+    plugIn({"disk2"});
+    tools.hold("/usr/sbin/diskutil list physical");
+    window();
+    auto scanning = manager().startScan(false);
+    awaitCall("/usr/sbin/diskutil list physical");
     save("first-scan");
+    tools.release("/usr/sbin/diskutil list physical");
+    finished(std::move(scanning));
 }
 
 TEST_P(Screenshots, NoDisks)
@@ -171,6 +187,56 @@ TEST_P(Screenshots, NoDisks)
     plugIn({});
     scan();
     save("no-disks");
+}
+
+TEST_P(Screenshots, QuitWhileARowWorks)
+{
+    hold(machine());
+    answerInfo("disk2s1", false);
+    answerSudo("mount disk2s1");
+    launcher.hold(sudo("mount disk2s1"));
+    window();
+    row(2).perform(RowAction::toggleMount);
+    clock.advance(std::chrono::milliseconds(0));
+    unfinishedWork.endProcessWithIt();
+    save("quit-list");
+    launcher.release(sudo("mount disk2s1"));
+    settle();
+}
+
+TEST_P(Screenshots, QuitWhileItCopies)
+{
+    writeSampleEFI(root() + "/source/EFI");
+    std::vector<PhysicalDisk> disks = machine();
+    disks[0].efiPartitions[0].mountPoint = root() + "/source";
+    disks[2].efiPartitions[0].isMounted = true;
+    disks[2].efiPartitions[0].mountPoint = root() + "/destination"; // has gone: the copy hangs
+    hold(disks);
+    window();
+    EFICopyFlow &flow = content().copyFlow();
+    flow.onCopyEFI(disks[0], disks[0].efiPartitions[0]);
+    flow.onDestinationSelected(flow.availableDestinations().front(), false);
+    waitUntil([this] { return copyManager.operationStatus().starts_with("Copy failed: "); });
+    setHeight(428);
+    waitForStillness(window());
+    unfinishedWork.endProcessWithIt();
+    save("quit-copy");
+    copyManager.cancelOperation();
+}
+
+TEST_P(Screenshots, QuitWhileItErases)
+{
+    hold(machine());
+    window();
+    eraseFlow.openForDisk(machine()[2], {});
+    eraseManager.setConfirmInput("INSTALL");
+    eraseManager.confirm();
+    window().settle();
+    eraseManager.finish(EraseOperationManager::Stage::inProgress, "");
+    setHeight(428);
+    waitForStillness(window());
+    unfinishedWork.endProcessWithIt();
+    save("quit-erase");
 }
 
 TEST_P(Screenshots, Menu)

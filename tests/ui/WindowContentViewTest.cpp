@@ -201,6 +201,7 @@ TEST_F(WindowContentViewTest, PutsASpinnerInPlaceOfTheRefreshButtonWhileItScans)
     EXPECT_TRUE(shows("refreshSpinner"));
     EXPECT_FALSE(shows("refreshButton"));
     EXPECT_EQ(textOf("statusText"), "Scanning disks...");
+    EXPECT_TRUE(shows("statusSpinner"));
     tools.release("/usr/sbin/diskutil list physical");
     finished(std::move(scanning));
     EXPECT_TRUE(shows("refreshButton"));
@@ -249,6 +250,7 @@ TEST_F(WindowContentViewTest, DisablesTheButtonsOfARowWhileItsActionRuns)
     for (const char *button : {"disk2/mountButton", "disk2/ejectButton"})
         EXPECT_FALSE(window().valueOf<bool>(QString::fromLatin1(button), "enabled")) << button;
     EXPECT_EQ(textOf("statusText"), "Mounting EFI partition of Disk disk2");
+    EXPECT_TRUE(shows("statusSpinner"));
     launcher.release(sudo("mount disk2s1"));
     settle();
     EXPECT_TRUE(window().valueOf<bool>(QStringLiteral("disk2/mountButton"), "enabled"));
