@@ -27,10 +27,30 @@ Item {
         focusRow(keyboard.currentIdentifier);
     }
 
-    // A row that goes leaves the keyboard to the list.
+    // A row that goes leaves the keyboard to the list, which keeps it for a row that is only out of sight.
     readonly property bool hasLostItsRow: Window.activeFocusItem === list
-    onHasLostItsRowChanged: if (hasLostItsRow) Qt.callLater(takeFocus)
+    onHasLostItsRowChanged: if (hasLostItsRow) Qt.callLater(replaceRow)
+    function replaceRow(): void {
+        const index = rows.indexOf(keyboard.currentIdentifier);
+        if (hasLostItsRow && (index < 0 || list.itemAtIndex(index)))
+            takeFocus();
+    }
 
+    // A row that is out of sight is shown before it obeys a key.
+    function handleKey(event: KeyEvent): void {
+        const isOfRow = [Qt.Key_Space, Qt.Key_Return, Qt.Key_Enter, Qt.Key_Left, Qt.Key_Right, Qt.Key_Menu]
+                        .includes(event.key) || event.matches(StandardKey.Copy);
+        keyboard.isByKeyboard = true;
+        if (isOfRow)
+            takeFocus();
+        event.accepted = isOfRow || keyboard.handleKey(event);
+    }
+
+    // A window that isn't drawn lays nothing out by itself: rows would outlive the disks that they show.
+    Connections {
+        target: root.rows
+        function onRowsRemoved(): void { list.forceLayout(); }
+    }
     ListFocus {
         id: keyboard
         rows: root.rows
@@ -59,6 +79,9 @@ Item {
         boundsBehavior: Flickable.StopAtBounds
         cacheBuffer: 400
         reuseItems: false
+        currentIndex: -1 // that of the keyboard knows also of partitions
+        keyNavigationEnabled: false
+        Keys.onPressed: event => root.handleKey(event)
         Accessible.role: Accessible.List
         Accessible.name: "Disks"
         delegate: WindowDiskRowView {

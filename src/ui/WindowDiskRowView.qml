@@ -7,24 +7,34 @@ Column {
     required property DiskRowPresenter row
     required property ListFocus list
 
-    // Gives the keyboard to the row, or to the row of one of its partitions.
-    function focusRow(identifier: string): void {
-        if (frame.presenter.identifier === identifier) {
-            frame.forceActiveFocus(Qt.TabFocusReason);
-            list.revealRequested(frame);
-            return;
-        }
+    // The row with the identifier, or the one of its partitions that has it.
+    function rowOf(identifier: string): Item {
+        if (frame.presenter.identifier === identifier)
+            return frame;
         for (let i = 0; i < partitions.count; ++i) {
             const partition = partitions.itemAt(i) as WindowEFIPartitionRowView;
-            if (partition && partition.presenter.identifier === identifier) {
-                partition.forceActiveFocus(Qt.TabFocusReason);
-                list.revealRequested(partition);
-            }
+            if (partition && partition.presenter.identifier === identifier)
+                return partition;
         }
+        return null;
+    }
+    function focusRow(identifier: string): void {
+        const wanted = rowOf(identifier);
+        if (!wanted)
+            return;
+        wanted.forceActiveFocus(Qt.TabFocusReason);
+        list.revealRequested(wanted);
+    }
+
+    // The list has the keyboard for a row that is out of sight.
+    function takeKeyboardFromList(): void {
+        if (Window.activeFocusItem === ListView.view)
+            rowOf(list.currentIdentifier)?.forceActiveFocus(Qt.TabFocusReason);
     }
 
     spacing: 4
     height: row.wholeHeight
+    Component.onCompleted: takeKeyboardFromList()
 
     RowFrame {
         id: frame

@@ -6,6 +6,8 @@
 
 #include <fmt/format.h>
 
+#include <gmock/gmock.h>
+
 #include <algorithm>
 #include <optional>
 #include <string>
@@ -42,6 +44,19 @@ protected:
         const auto rows = list().property("contentItem").value<QQuickItem *>()->childItems();
         return static_cast<int>(std::ranges::count_if(
             rows, [](const QQuickItem *item) { return item->property("row").isValid() && item->isVisible(); }));
+    }
+
+    /// As a wheel does, in steps.
+    void scrollTo(double y)
+    {
+        constexpr double kStep = 200;
+        double place = list().property("contentY").toDouble();
+        while (place != y) {
+            place = y > place ? std::min(y, place + kStep) : std::max(y, place - kStep);
+            list().setProperty("contentY", place);
+            (void)window->picture(); // lays it out
+            QmlWindow::settle();
+        }
     }
 
     void mountTheEFIPartitionOf(const std::string &disk)
@@ -98,6 +113,67 @@ TEST_F(LongListTest, HoldsNoMoreRowsThanCanBeSeenSoon)
     QmlWindow::settle();
     EXPECT_LT(rowsMade(), kInSightAndNear);
     waitUntil([&] { return window->shows(QStringLiteral("disk499")); });
+}
+
+// --- a row with the keyboard that is scrolled out of sight
+
+TEST_F(LongListTest, StaysWhereItIsScrolledToWhileARowFarAwayHasTheKeyboard)
+{
+    window->click(QStringLiteral("disk1/diskName"));
+    ASSERT_EQ(window->focused(), "disk1");
+
+    scrollTo(2000);
+
+    EXPECT_EQ(list().property("contentY").toDouble(), 2000);
+}
+
+TEST_F(LongListTest, GoesOnByKeysFromTheRowThatHasTheKeyboard)
+{
+    window->click(QStringLiteral("disk1/diskName"));
+    scrollTo(2000);
+
+    window->press(Qt::Key_Down);
+
+    EXPECT_EQ(window->focused(), "disk2");
+    EXPECT_LT(list().property("contentY").toDouble(), 3 * 72);
+}
+
+TEST_F(LongListTest, ShowsTheRowThatHasTheKeyboardBeforeAKeyActsOnIt)
+{
+    window->click(QStringLiteral("disk1/diskName"));
+    scrollTo(2000);
+    answerInfo("disk1s1", false);
+    answerSudo("mount disk1s1");
+
+    window->press(Qt::Key_Space);
+    EXPECT_EQ(window->focused(), "disk1");
+    EXPECT_THAT(journal, testing::Not(testing::Contains(sudo("mount disk1s1"))));
+    window->press(Qt::Key_Space);
+    settle();
+    EXPECT_THAT(journal, testing::Contains(sudo("mount disk1s1")));
+}
+
+TEST_F(LongListTest, GivesTheKeyboardBackToItsRowOnceThatIsInSightAgain)
+{
+    window->click(QStringLiteral("disk1/diskName"));
+    scrollTo(2000);
+    scrollTo(0);
+
+    EXPECT_EQ(window->focused(), "disk1");
+}
+
+// --- disks that go while the window isn't drawn
+
+TEST_F(LongListTest, SaysNothingOfDisksThatGoBeforeItIsDrawnAgain)
+{
+    for (int first = 1; first <= 3; ++first) {
+        content().rows()->setDisks(std::vector(manager().disks().begin() + first, manager().disks().end()), {});
+        QmlWindow::settle();
+    }
+
+    (void)window->picture();
+    EXPECT_FALSE(window->shows(QStringLiteral("disk2")));
+    EXPECT_TRUE(window->shows(QStringLiteral("disk3")));
 }
 
 } // namespace
