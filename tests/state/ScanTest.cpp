@@ -1,6 +1,7 @@
 #include "state/DiskManagerFixture.h"
 
 #include "assembly/Assembly.h"
+#include "base/DefaultsKeys.h"
 #include "support/SimulatedMachine.h"
 
 #include <QTemporaryDir>
@@ -322,11 +323,14 @@ std::vector<std::string> childrensCalls()
 
 /// A scan by a clock of its own, which is moved on when for a while only tools called by \a hanging are left: then
 /// their time is over.
-std::vector<PhysicalDisk> scanPastHangingTools(SimulatedMachine &machine, const std::string &hanging)
+std::vector<PhysicalDisk> scanPastHangingTools(SimulatedMachine &machine, const std::string &hanging,
+                                               bool showsDiskImages)
 {
-    constexpr int kTurnsOfSilence = 20;
+    constexpr int kTurnsOfSilence = 100;
     const LogCapture quiet;
     Platform platform = machine.platform();
+    platform.userDefaults->set(DefaultsKeys::kPreferencesInitialized, true); // what is written stays so
+    platform.userDefaults->set(DefaultsKeys::kShowDiskImages, showsDiskImages);
     auto ownClock = std::make_unique<ManualClock>();
     ManualClock &clock = *ownClock;
     platform.scheduler = std::move(ownClock);
@@ -336,7 +340,7 @@ std::vector<PhysicalDisk> scanPastHangingTools(SimulatedMachine &machine, const 
     auto scan = assembly.diskManager().startScan(false);
     while (!scan.isReady()) {
         QCoreApplication::processEvents();
-        std::this_thread::sleep_for(5ms);
+        std::this_thread::sleep_for(1ms);
         const auto calls = childrensCalls();
         const bool onlyHanging = !calls.empty() && std::ranges::all_of(calls, [&](const std::string &call) {
             return call.ends_with(hanging);
@@ -350,15 +354,17 @@ std::vector<PhysicalDisk> scanPastHangingTools(SimulatedMachine &machine, const 
     return assembly.diskManager().disks();
 }
 
-/// The disks in a few words: "disk0 boot OC Clover Windows efi space, disk1".
+/// The disks in a few words: "disk0 'Data' boot OC Clover Windows efi space, disk1".
 std::string inWords(const std::vector<PhysicalDisk> &disks)
 {
     std::string text;
     for (const PhysicalDisk &disk : disks) {
         text += (text.empty() ? "" : ", ") + disk.identifier;
+        text += disk.volumeName ? fmt::format(" '{}'", *disk.volumeName) : "";
         text += disk.isBootDisk ? " boot" : "";
         text += disk.hasOpenCore ? " OC" : "";
         text += disk.hasClover ? " Clover" : "";
+        text += disk.hasMacOS ? " macOS" : "";
         text += disk.hasWindows ? " Windows" : "";
         text += disk.efiPartitions.empty() ? "" : disk.efiPartitions[0].mediaUUID ? " efi" : " efi-without-uuid";
         text += disk.totalSpaceBytes ? " space" : "";
@@ -375,22 +381,61 @@ struct FaultCase {
     const char *arguments;
     const char *left;                    ///< What the scan finds without the tool's answer.
     const char *leftByGarbage = nullptr; ///< Where a readable answer without sense gives something else.
+    bool showsDiskImages = false;
+    const char *cloverVariable = "Clover.Version"; ///< The one that holds the version.
 };
 
 // A machine that started with OpenCore and Clover from disk0, with a Windows partition whose type only its info tells.
+// Of disk1 only the info of its partition tells a name. disk2 is the store of the container disk3, disk6 an image.
 constexpr FaultCase kFaults[] = {
-    {"Nothing", "diskutil", "list nothing", "disk0 boot OC Clover Windows efi space, disk1"},
+    {"Nothing", "diskutil", "list nothing",
+     "disk0 'Data' boot OC Clover Windows efi space, disk1 'Games', disk2 'Sky' macOS space"},
     {"ListPhysical", "diskutil", "list physical", ""},
-    {"InfoOfTheBootVolume", "diskutil", "info /", "disk0 OC Clover Windows efi space, disk1"},
-    {"OpenCoreVersion", "nvram", kOpenCoreVersion, "disk0 boot Clover Windows efi space, disk1"},
-    {"BootPath", "nvram", kBootPath, "disk0 boot OC Clover Windows efi space, disk1"},
-    {"CloverVersion", "nvram", "Clover.Version", "disk0 boot OC Windows efi space, disk1"},
-    {"Df", "df", "-k", "disk0 boot OC Clover Windows efi, disk1"},
-    {"List", "diskutil", "list", "disk0 boot OC Clover space, disk1"},
-    {"InfoOfTheDisk", "diskutil", "info disk0", "disk1"},
-    {"InfoOfTheEFIPartition", "diskutil", "info disk0s1", "disk0 boot OC Clover Windows space, disk1",
-     "disk0 boot OC Clover Windows efi-without-uuid space, disk1"},
-    {"InfoOfThePartition", "diskutil", "info disk0s2", "disk0 boot OC Clover efi space, disk1"},
+    {"InfoOfTheBootVolume", "diskutil", "info /",
+     "disk0 'Data' OC Clover Windows efi space, disk1 'Games', disk2 'Sky' macOS space"},
+    {"OpenCoreVersion", "nvram", kOpenCoreVersion,
+     "disk0 'Data' boot Clover Windows efi space, disk1 'Games', disk2 'Sky' macOS space"},
+    {"BootPath", "nvram", kBootPath,
+     "disk0 'Data' boot OC Clover Windows efi space, disk1 'Games', disk2 'Sky' macOS space"},
+    {"CloverVersion", "nvram", "Clover.Version",
+     "disk0 'Data' boot OC Windows efi space, disk1 'Games', disk2 'Sky' macOS space"},
+    {"Df", "df", "-k", "disk0 'Data' boot OC Clover Windows efi, disk1 'Games', disk2 'Sky' macOS"},
+    {"List", "diskutil", "list", "disk0 boot OC Clover space, disk1, disk2"},
+    {"InfoOfTheDisk", "diskutil", "info disk0", "disk1 'Games', disk2 'Sky' macOS space"},
+    {"InfoOfTheEFIPartition", "diskutil", "info disk0s1",
+     "disk0 'Data' boot OC Clover Windows space, disk1 'Games', disk2 'Sky' macOS space",
+     "disk0 'Data' boot OC Clover Windows efi-without-uuid space, disk1 'Games', disk2 'Sky' macOS space"},
+    {"InfoOfThePartition", "diskutil", "info disk0s2",
+     "disk0 'Data' boot OC Clover efi space, disk1 'Games', disk2 'Sky' macOS space"},
+
+    // The partition that the list gives no name.
+    {"InfoOfTheUnnamedPartition", "diskutil", "info disk1s1",
+     "disk0 'Data' boot OC Clover Windows efi space, disk1, disk2 'Sky' macOS space"},
+
+    // The names of a container's volumes alone: systems and space are told by the store's section and by df.
+    {"ListOfTheContainer", "diskutil", "list disk3",
+     "disk0 'Data' boot OC Clover Windows efi space, disk1 'Games', disk2 macOS space"},
+
+    // The later names of Clover's version are asked in turn, and one that fails or has no value is passed over.
+    {"FirstCloverName", "nvram", "Clover.Version",
+     "disk0 'Data' boot OC Clover Windows efi space, disk1 'Games', disk2 'Sky' macOS space", nullptr, false,
+     "Clover.Revision"},
+    {"SecondCloverName", "nvram", "clover-version",
+     "disk0 'Data' boot OC Clover Windows efi space, disk1 'Games', disk2 'Sky' macOS space", nullptr, false,
+     "Clover.Revision"},
+    {"LastCloverName", "nvram", "Clover.Revision",
+     "disk0 'Data' boot OC Windows efi space, disk1 'Games', disk2 'Sky' macOS space", nullptr, false,
+     "Clover.Revision"},
+
+    // With images a list of all disks that fails leaves none at all; one that names no disk leaves the physical ones.
+    {"NothingWithImages", "diskutil", "list nothing",
+     "disk0 'Data' boot OC Clover Windows efi space, disk1 'Games', disk2 'Sky' macOS space, disk6 'Disc'", nullptr,
+     true},
+    {"ListForTheImages", "diskutil", "list", "", "disk0 boot OC Clover space, disk1, disk2", true},
+    {"InfoOfTheImage", "diskutil", "info disk6",
+     "disk0 'Data' boot OC Clover Windows efi space, disk1 'Games', disk2 'Sky' macOS space", nullptr, true},
+    {"ListOfTheImage", "diskutil", "list disk6",
+     "disk0 'Data' boot OC Clover Windows efi space, disk1 'Games', disk2 'Sky' macOS space", nullptr, true},
 };
 
 enum class Fault { Fails, Hangs, IsKilled, PrintsGarbage };
@@ -400,7 +445,11 @@ protected:
     ScanWithABadTool()
     {
         machine.addDisk("disk0").withEFI("EFI").withPartition("Microsoft Basic Data", "Data", "99.0 GB");
-        machine.addDisk("disk1");
+        machine.addDisk("disk1").withPartition("Microsoft Basic Data", "", "99.0 GB");
+        machine.addDisk("disk2").withPartition("Apple_APFS", "Container disk3", "99.0 GB");
+        machine.addDisk("disk6").diskImage().withPartition("Microsoft Basic Data", "Disc", "1.4 GB");
+        machine.answer("diskutil", "info disk1s1", {.standardOutput = "   Volume Name:   Games\n"});
+        machine.answer("diskutil", "list disk3", {.standardOutput = "   1:   APFS Volume Sky   9.0 GB   disk3s1\n"});
         machine.answer("diskutil", "info disk0s2", {.standardOutput = "   File System Personality:   NTFS\n"});
         machine.answer("diskutil", "info /", {.standardOutput = "   Part of Whole:   disk0\n"});
         machine.answer("nvram", kOpenCoreVersion,
@@ -408,8 +457,11 @@ protected:
         machine.answer(
             "nvram", kBootPath,
             {.standardOutput = std::string(kBootPath) + "\tHD(1,GPT,0E239BC6-F960-3107-89CF-1C97F78BB46B)\n"});
-        machine.answer("nvram", "Clover.Version", {.standardOutput = "Clover.Version\t5157\n"});
-        machine.answer("df", "-k", {.standardOutput = "/dev/disk0s2 1000 10 990 1% /Volumes/Data\n"});
+        const std::string clover = std::get<FaultCase>(GetParam()).cloverVariable;
+        machine.answer("nvram", clover, {.standardOutput = clover + "\t5157\n"});
+        machine.answer("df", "-k",
+                       {.standardOutput = "/dev/disk0s2 1000 10 990 1% /Volumes/Data\n"
+                                          "/dev/disk3s1 1000 10 990 1% /Volumes/Sky\n"});
     }
 
     static SimulatedAnswer answerOf(Fault fault)
@@ -435,7 +487,8 @@ TEST_P(ScanWithABadTool, GoesOnWithWhatIsLeft)
     const auto &[row, fault] = GetParam();
     machine.answer(row.tool, row.arguments, answerOf(fault));
 
-    const auto disks = scanPastHangingTools(machine, fmt::format("/{} {}", row.tool, row.arguments));
+    const auto disks =
+        scanPastHangingTools(machine, fmt::format("/{} {}", row.tool, row.arguments), row.showsDiskImages);
 
     EXPECT_EQ(inWords(disks), fault == Fault::PrintsGarbage && row.leftByGarbage ? row.leftByGarbage : row.left);
 }
