@@ -25,8 +25,7 @@ Item {
         if (![Qt.Key_Space, Qt.Key_Return, Qt.Key_Enter].includes(event.key))
             return;
         event.accepted = true;
-        if (!event.isAutoRepeat)
-            clicked();
+        clicked();
     }
 
     TapHandler {

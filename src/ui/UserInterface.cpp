@@ -1,8 +1,10 @@
 #include "ui/UserInterface.h"
 
+#include "ui/HeldKeys.h"
 #include "ui/Scheme.h"
 #include "ui/SymbolProvider.h"
 
+#include <QGuiApplication>
 #include <QIcon>
 #include <QPainter>
 #include <QPixmap>
@@ -24,6 +26,7 @@ void setUpEngine(QQmlEngine &engine)
     qml_register_types_Brindle();
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine.addImageProvider(QStringLiteral("symbol"), new SymbolProvider); // the engine deletes it
+    qGuiApp->installEventFilter(new HeldKeys(&engine));
 }
 
 QIcon applicationIcon()

@@ -11,7 +11,7 @@ namespace brindle {
 /// before the first window.
 void useSoftwareRenderer();
 
-/// Makes `import Brindle` and the symbols known to \a engine, once.
+/// Makes `import Brindle` and the symbols known to \a engine, once; keys that are held are HeldKeys' from then on.
 void setUpEngine(QQmlEngine &engine);
 
 /// The application's icon in the sizes of bars and switchers. Once an engine is set up.

@@ -69,7 +69,7 @@ Column {
             symbol: root.row.chevron
             tip: root.row.isExpanded ? "Collapse EFI List" : "Expand EFI List"
             activeFocusOnTab: frame.isCurrent || activeFocus
-            onClicked: root.row.activate()
+            onClicked: root.row.setOpen(!root.row.isExpanded)
         }
     }
     Repeater {

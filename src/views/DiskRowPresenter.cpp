@@ -133,7 +133,7 @@ void DiskRowPresenter::doubleClick()
         perform(RowAction::toggleMount);
 }
 
-void DiskRowPresenter::activate()
+void DiskRowPresenter::activateNow()
 {
     if (hasChevron())
         perform(RowAction::toggleExpanded);

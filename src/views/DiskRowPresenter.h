@@ -49,13 +49,13 @@ public:
     /// Mounts or unmounts the EFI partition of a disk that has exactly one.
     void doubleClick() override;
 
-    void activate() override;           ///< A disk with several is opened or closed instead.
     void setOpen(bool isOpen) override; ///< Nothing for a disk without a chevron.
 
 Q_SIGNALS:
     void partitionsChanged();
 
 private:
+    void activateNow() override; ///< A disk with several is opened or closed instead.
     [[nodiscard]] std::vector<RowButton> rowButtons() const override;
     [[nodiscard]] const PhysicalDisk &disk() const override { return m_disk; }
     [[nodiscard]] const EFIPartition *partitionFor(RowAction action) const override;

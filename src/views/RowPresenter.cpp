@@ -77,6 +77,12 @@ QVariantList RowPresenter::buttons() const
     return list;
 }
 
+void RowPresenter::activate()
+{
+    if (m_surroundings.takesKeys())
+        activateNow();
+}
+
 void RowPresenter::perform(RowAction action)
 {
     switch (action) {

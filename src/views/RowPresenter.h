@@ -46,6 +46,7 @@ struct RowSurroundings {
     std::function<void(const PhysicalDisk &disk, const EFIPartition &partition)> onCopyEFI =
         [](const PhysicalDisk &, const EFIPartition &) {};
     std::function<void()> onRefresh = [] {};
+    std::function<bool()> takesKeys = [] { return true; }; ///< Not those that were meant for a dialog.
 };
 
 /// A row on which the user acts: of a disk, or of one of its EFI partitions. It reports, calls and cleans up; what
@@ -77,8 +78,8 @@ public:
 
     Q_INVOKABLE virtual void doubleClick() = 0;
 
-    /// What Space does, and whoever works without a pointer.
-    Q_INVOKABLE virtual void activate() { doubleClick(); }
+    /// What Space does, and whoever works without a pointer. Nothing while the container takes no keys.
+    Q_INVOKABLE void activate();
 
     Q_INVOKABLE virtual void setOpen(bool) {} ///< Of a row that has rows beneath it.
 
@@ -93,6 +94,8 @@ protected:
     [[nodiscard]] virtual const PhysicalDisk &disk() const = 0;
     /// The EFI partition that \a action is for; null where there is none.
     [[nodiscard]] virtual const EFIPartition *partitionFor(RowAction action) const = 0;
+
+    virtual void activateNow() { doubleClick(); }
 
     /// Lets \a work run from the next turn of the event loop on.
     void begin(Work work);

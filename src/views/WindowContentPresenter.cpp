@@ -3,6 +3,7 @@
 #include "base/DefaultsKeys.h"
 #include "base/NotificationNames.h"
 #include "base/Spawn.h"
+#include "base/Text.h"
 #include "shell/EFICopyState.h"
 #include "shell/ViewHeightCalculator.h"
 #include "shell/WindowHeight.h"
@@ -43,7 +44,8 @@ WindowContentPresenter::WindowContentPresenter(const Surroundings &surroundings,
                             },
                         .onCopyEFI = [this](const PhysicalDisk &disk,
                                             const EFIPartition &partition) { m_copyFlow.onCopyEFI(disk, partition); },
-                        .onRefresh = [this] { refresh(); }},
+                        .onRefresh = [this] { refresh(); },
+                        .takesKeys = [this] { return m_takesKeys; }},
       m_rows(m_rowSurroundings),
       m_recalculation(
           surroundings.notifications.observe(NotificationNames::kRecalculatePopoverHeight, [this] { requestHeight(); }))
@@ -69,6 +71,7 @@ void WindowContentPresenter::observe()
         connect(&m_efiCopyManager, signal, this, &Self::requestHeight);
     connect(&m_copyFlow, &EFICopyFlow::changed, this, &Self::contentChanged);
     connect(&m_copyFlow, &EFICopyFlow::changed, this, &Self::requestHeight);
+    connect(&m_copy, &EFICopyFlowPresenter::dialogChanged, this, &Self::restAfterCopy);
     connect(&m_eraseManager, &EraseOperationManager::isActiveChanged, this, &Self::contentChanged);
     for (const auto signal : {&EraseOperationManager::isActiveChanged, &EraseOperationManager::stageChanged})
         connect(&m_eraseManager, signal, this, &Self::requestHeight);
@@ -154,6 +157,14 @@ void WindowContentPresenter::updateRows()
     m_rows.setDisks(m_diskManager.disks(), m_diskManager.expandedDisks());
     Q_EMIT listStateChanged();
     requestHeight();
+}
+
+void WindowContentPresenter::restAfterCopy()
+{
+    if (m_copy.dialog() || !contains(m_efiCopyManager.operationStatus(), "successfully"))
+        return;
+    m_takesKeys = false;
+    m_rest = m_scheduler.after(kRestAfterCopy, [this] { m_takesKeys = true; });
 }
 
 void WindowContentPresenter::appear()

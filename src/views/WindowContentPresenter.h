@@ -43,6 +43,10 @@ public:
     /// A change of the height up to this, in points, leaves the window alone.
     static constexpr double kHeightTolerance = 2;
 
+    /// How long the rows take no key after the dialog of a copy that succeeded: it closes by itself, and a key that was
+    /// meant for its "Close" comes when the list has the keyboard.
+    static constexpr std::chrono::milliseconds kRestAfterCopy{500};
+
     /// What the window shows and acts on; all of it outlives the window.
     struct Surroundings {
         RowActions::Model model;
@@ -96,6 +100,7 @@ private:
     void observe();
     void setStatus(std::string statusMessage, bool isPerformingOperation);
     void updateRows();
+    void restAfterCopy();
     void requestHeight();
     void requestHeightAfter(Scheduler::Duration delay);
     void updateHeight();
@@ -119,9 +124,11 @@ private:
     DiskRowsModel m_rows;
     std::string m_statusMessage;
     bool m_isPerformingOperation = false;
+    bool m_takesKeys = true;
     bool m_hasAppeared = false;
     double m_currentHeight = 0; ///< The one now applied, in points.
     std::unique_ptr<Scheduler::Timer> m_heightUpdate;
+    std::unique_ptr<Scheduler::Timer> m_rest;
     std::unique_ptr<NotificationCenter::Observation> m_recalculation;
 };
 

@@ -3,10 +3,15 @@
 #include "ui/Stillness.h"
 #include "views/WindowContentFixture.h"
 
+#include <gmock/gmock.h>
+
 #include <QGuiApplication>
 
 namespace brindle {
 namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
 
 /// Where the keyboard goes when what was opened from the list has closed.
 class KeyboardReturnTest : public WindowContentFixture {
@@ -20,7 +25,9 @@ public:
         destination.efiPartitions[0].mountPoint = mountPoint() + "3";
         m_disks = {externalDisk("disk1"), source, destination,
                    externalDisk("disk4", {{.identifier = "disk4s1"}, {.identifier = "disk4s2"}})};
+        m_disks.back().volumeName = "WORK";
         hold(m_disks);
+        answerInfo("disk2s1", true);
         manager().toggleExpanded("disk4");
         setUpEngine(m_engineOfAlerts);
     }
@@ -56,6 +63,19 @@ public:
         m_content->rows()->setDisks(m_disks, {"disk4"});
         waitForStillness(window());
         QmlWindow::settle();
+    }
+
+    /// What ran with root's rights, after all that is still to come.
+    std::vector<std::string> privilegedCalls()
+    {
+        clock.advance(std::chrono::seconds(10));
+        QmlWindow::settle();
+        return launcher.commandLines();
+    }
+
+    [[nodiscard]] bool isLoading(const char *identifier)
+    {
+        return m_content->rows()->row(m_content->rows()->indexOf(QString::fromLatin1(identifier))).isLoading();
     }
 
     [[nodiscard]] static QWindow *alert()
@@ -165,6 +185,101 @@ TEST_P(KeyboardReturn, GoesToTheListWhereTheRowHasGone)
     EXPECT_EQ(window().focused(), "disk1");
     window().press(Qt::Key_Down);
     EXPECT_EQ(window().focused(), "disk3");
+}
+
+/// A key that is held from a button of what was opened on.
+struct HeldFrom {
+    const char *name;
+    std::function<void(KeyboardReturnTest &)> open; ///< From the row that has the keyboard.
+    const char *button;                             ///< Of the window; empty where another has the keyboard.
+    Qt::Key key = Qt::Key_Return;
+
+    friend void PrintTo(const HeldFrom &row, std::ostream *out) { *out << row.name; }
+};
+
+class KeyHeld : public KeyboardReturnTest, public testing::WithParamInterface<HeldFrom> {};
+
+INSTANTIATE_TEST_SUITE_P(
+    From, KeyHeld,
+    testing::Values(HeldFrom{"AnAlertReturn", openAlert, ""}, HeldFrom{"AnAlertSpace", openAlert, "", Qt::Key_Space},
+                    HeldFrom{"TheCopyDialogReturn", openCopyDialog, "cancelButton"},
+                    HeldFrom{"TheCopyDialogSpace", openCopyDialog, "cancelButton", Qt::Key_Space},
+                    HeldFrom{"TheCopyDialogsCrossReturn", openCopyDialog, "closeButton"},
+                    HeldFrom{"TheCopyDialogsCrossSpace", openCopyDialog, "closeButton", Qt::Key_Space},
+                    HeldFrom{"TheEraseDialogReturn", openEraseDialog, "cancelButton"},
+                    HeldFrom{"TheEraseDialogSpace", openEraseDialog, "cancelButton", Qt::Key_Space}),
+    [](const auto &row) { return row.param.name; });
+
+TEST_P(KeyHeld, DoesNothingToTheRowBeneath)
+{
+    answerSudo("unmount disk2s1");
+    goTo("disk2");
+    GetParam().open(*this);
+    if (*GetParam().button != '\0')
+        window().tabTo(GetParam().button);
+
+    window().hold(GetParam().key);
+
+    EXPECT_EQ(window().focused(), "disk2");
+    EXPECT_THAT(privilegedCalls(), IsEmpty());
+    window().press(GetParam().key); // once more
+    EXPECT_THAT(privilegedCalls(), ElementsAre(sudo("unmount disk2s1")));
+}
+
+TEST_F(KeyboardReturnTest, TakesNoKeyForTheCloseOfADialogThatHasJustClosedByItself)
+{
+    using namespace std::chrono_literals;
+    writeSampleEFI(mountPoint() + "2/EFI");
+    std::filesystem::create_directories(mountPoint() + "3");
+    answerSudo("unmount disk2s1");
+    goTo("disk2");
+    openCopyDialog(*this);
+    window().press(Qt::Key_Space);
+    window().tabTo("copyButton");
+    window().press(Qt::Key_Return);
+    waitUntil([this] { return copyManager.operationStatus() == "EFI copy completed successfully"; });
+    waitForStillness(window());
+    ASSERT_EQ(window().focused(), "doneButton");
+
+    clock.advance(EFICopyFlow::kAutoClose);
+    QmlWindow::settle();
+    ASSERT_EQ(window().focused(), "disk2");
+    window().press(Qt::Key_Return);
+    clock.advance(WindowContentPresenter::kRestAfterCopy - 1ms);
+    window().press(Qt::Key_Space);
+    EXPECT_FALSE(isLoading("disk2"));
+
+    clock.advance(1ms);
+    window().press(Qt::Key_Return);
+    EXPECT_THAT(privilegedCalls(), ElementsAre(sudo("unmount disk2s1")));
+}
+
+TEST_F(KeyboardReturnTest, ChoosesNothingInADialogByTheSpaceThatOpenedIt)
+{
+    goTo("disk2");
+    window().tabTo("copyButton");
+
+    window().hold(Qt::Key_Space);
+
+    ASSERT_EQ(window().focused(), "destination0");
+    EXPECT_FALSE(window().valueOf<bool>(QStringLiteral("destination0"), "checked"));
+}
+
+TEST_F(KeyboardReturnTest, LeavesTheRowAloneWhileTheReturnOfAPromptIsHeld)
+{
+    goTo("disk4");
+    choose("Rename Volume...");
+    waitUntil([] { return alert() != nullptr; });
+    QmlWindow::settle();
+    int timesOpenedOrClosed = 0;
+    QObject::connect(&manager(), &DiskManager::expandedDisksChanged, [&] { ++timesOpenedOrClosed; });
+
+    window().hold(Qt::Key_Return);
+
+    EXPECT_EQ(window().focused(), "disk4");
+    EXPECT_EQ(timesOpenedOrClosed, 0);
+    window().press(Qt::Key_Return);
+    EXPECT_EQ(timesOpenedOrClosed, 1);
 }
 
 TEST_F(KeyboardReturnTest, GoesToTheRowOfAPartition)

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQmlProperty>
@@ -21,6 +22,7 @@ class QmlWindow {
 public:
     static constexpr int kWidth = 500;
     static constexpr int kHeightOn600Points = 540; ///< On a screen so high: nine tenths of it.
+    static constexpr int kPressesOfAHeldKey = 8;
 
     /// \a qml is a document's text after its imports. Fails the test where it can't be loaded or warns.
     explicit QmlWindow(const QByteArray &qml, int height = 400, const QVariantMap &properties = {})
@@ -90,6 +92,24 @@ public:
     {
         QTest::keyClick(&m_window, key, modifiers);
         settle();
+    }
+    /// Presses a key and holds it for a while, as a display server tells it: to the window that has the keyboard then.
+    void hold(Qt::Key key)
+    {
+        const QString text = key == Qt::Key_Space ? QStringLiteral(" ") : QString();
+        const auto tell = [&](bool isPress, bool isRepeat) {
+            QTest::simulateEvent(QGuiApplication::focusWindow(), isPress, key, Qt::NoModifier, text, isRepeat);
+            settle();
+            if (!QGuiApplication::focusWindow())
+                m_window.requestActivate(); // what a window manager does
+            settle();
+        };
+        tell(true, false);
+        for (int press = 1; press < kPressesOfAHeldKey; ++press) {
+            tell(false, true);
+            tell(true, true);
+        }
+        tell(false, false);
     }
     void type(const QString &text)
     {
