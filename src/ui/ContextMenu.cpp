@@ -73,7 +73,7 @@ void ContextMenu::add(QMenu &menu, const RowMenuEntry &entry, RowPresenter *row)
         return;
     }
     action->setIcon(iconOf(entry.symbol, menu.devicePixelRatioF()));
-    connect(action, &QAction::triggered, row, [row, chosen = entry.action] { row->perform(chosen); });
+    connect(action, &QAction::triggered, row, row->prepare(entry.action));
 }
 
 } // namespace brindle

@@ -16,7 +16,8 @@ class ContextMenu : public QObject {
     QML_SINGLETON
 
 public:
-    /// Shows the menu of \a row at \a place of \a item. What is chosen there is performed by the row, if it still is.
+    /// Shows the menu of \a row at \a place of \a item. What is chosen there is done as it was
+    /// offered, also where the row has changed meanwhile; nothing where it has gone.
     Q_INVOKABLE void popUp(brindle::RowPresenter *row, QQuickItem *item, const QPointF &place);
 
 private:

@@ -1,8 +1,6 @@
 #include "views/DiskRowPresenter.h"
 
 #include "shell/ViewHeightCalculator.h"
-#include "state/AutoMountMarks.h"
-#include "state/DiskManager.h"
 #include "views/Shown.h"
 
 #include <algorithm>
@@ -122,9 +120,7 @@ QString DiskRowPresenter::accessibleDescription() const
 
 std::vector<RowMenuEntry> DiskRowPresenter::menu() const
 {
-    const AutoMountMarks marks = autoMountMarks(surroundings().userDefaults);
-    const bool isAutoMount = m_disk.mediaUUID && marks.contains(*m_disk.mediaUUID);
-    return diskMenu(m_disk, isExpanded(), isAutoMount, surroundings().offers);
+    return diskMenu(m_disk, isExpanded(), isAutoMount(), surroundings().offers);
 }
 
 void DiskRowPresenter::doubleClick()

@@ -52,6 +52,23 @@ QCoro::Task<> telling(RowActions &actions, RowPresenter::Work work, std::string 
     co_await alert;
 }
 
+bool isExpanded(const DiskManager &manager, const std::string &identifier)
+{
+    return manager.expandedDisks().contains(identifier);
+}
+
+/// Nothing for a disk without an UUID.
+void setIsAutoMount(UserDefaults &defaults, const PhysicalDisk &disk, bool isAutoMount)
+{
+    if (!disk.mediaUUID)
+        return;
+    AutoMountMarks marks = autoMountMarks(defaults);
+    marks.erase(*disk.mediaUUID);
+    if (isAutoMount)
+        marks.emplace(*disk.mediaUUID, disk.name);
+    setAutoMountMarks(defaults, marks);
+}
+
 QCoro::Task<> ignoreOutput(QCoro::Task<std::string> task)
 {
     co_await task;
@@ -83,7 +100,7 @@ void RowPresenter::activate()
         activateNow();
 }
 
-void RowPresenter::perform(RowAction action)
+std::function<void()> RowPresenter::prepare(RowAction action)
 {
     switch (action) {
     case RowAction::toggleMount:
@@ -93,70 +110,67 @@ void RowPresenter::perform(RowAction action)
     case RowAction::renameEFI:
     case RowAction::eraseEFI:
         if (const EFIPartition *partition = partitionFor(action))
-            performOnPartition(action, *partition);
-        break;
+            return
+                [this, action, disk = disk(), partition = *partition] { performOnPartition(action, disk, partition); };
+        return [] {};
     case RowAction::toggleExpanded:
+        return [&manager = m_surroundings.model.diskManager, identifier = disk().identifier,
+                wasExpanded = isExpanded(m_surroundings.model.diskManager, disk().identifier)] {
+            if (isExpanded(manager, identifier) == wasExpanded)
+                manager.toggleExpanded(identifier);
+        };
     case RowAction::toggleAutoMount:
+        return [&defaults = m_surroundings.userDefaults, disk = disk(), wasAutoMount = isAutoMount()] {
+            setIsAutoMount(defaults, disk, !wasAutoMount);
+        };
     case RowAction::viewDetails:
     case RowAction::renameVolume:
     case RowAction::eject:
     case RowAction::eraseDisk:
     case RowAction::refresh:
-        performOnDisk(action);
-        break;
+        return [this, action, disk = disk()] { performOnDisk(action, disk); };
     }
+    return [] {};
 }
 
-void RowPresenter::performOnPartition(RowAction action, const EFIPartition &partition)
+void RowPresenter::performOnPartition(RowAction action, const PhysicalDisk &disk, const EFIPartition &partition)
 {
     if (action == RowAction::toggleMount)
-        beginTelling([disk = disk(), partition](RowActions &actions) { return actions.toggle(disk, partition); },
-                     fmt::format("The EFI partition ({}) on {} could not be {}", partition.identifier, disk().name,
+        beginTelling([disk, partition](RowActions &actions) { return actions.toggle(disk, partition); },
+                     fmt::format("The EFI partition ({}) on {} could not be {}", partition.identifier, disk.name,
                                  partition.isMounted ? "unmounted" : "mounted"));
     else if (action == RowAction::open)
         begin([partition](RowActions &actions) { return actions.open(partition); });
     else if (action == RowAction::copyEFI)
-        m_surroundings.onCopyEFI(disk(), partition);
+        m_surroundings.onCopyEFI(disk, partition);
     else if (action == RowAction::quickEdit)
         begin([partition](RowActions &actions) { return actions.quickEdit(partition); });
     else if (action == RowAction::renameEFI)
-        begin([disk = disk(), partition](RowActions &actions) { return actions.askToRenameEFI(disk, partition); });
+        begin([disk, partition](RowActions &actions) { return actions.askToRenameEFI(disk, partition); });
     else
-        m_surroundings.eraseFlow.openForEFIPartition(disk(), partition,
+        m_surroundings.eraseFlow.openForEFIPartition(disk, partition,
                                                      {m_surroundings.onOperationStart, m_surroundings.onOperationEnd});
 }
 
-void RowPresenter::performOnDisk(RowAction action)
+void RowPresenter::performOnDisk(RowAction action, const PhysicalDisk &disk)
 {
-    if (action == RowAction::toggleExpanded)
-        m_surroundings.model.diskManager.toggleExpanded(disk().identifier);
-    else if (action == RowAction::toggleAutoMount)
-        toggleAutoMount();
-    else if (action == RowAction::viewDetails)
-        begin([&dialogs = m_surroundings.model.dialogs, disk = disk()](RowActions &) {
-            return showDiskDetails(dialogs, disk);
-        });
+    if (action == RowAction::viewDetails)
+        begin([&dialogs = m_surroundings.model.dialogs, disk](RowActions &) { return showDiskDetails(dialogs, disk); });
     else if (action == RowAction::renameVolume)
-        begin([disk = disk()](RowActions &actions) { return actions.askToRenameVolume(disk); });
+        begin([disk](RowActions &actions) { return actions.askToRenameVolume(disk); });
     else if (action == RowAction::eject)
-        beginTelling([disk = disk()](RowActions &actions) { return ignoreOutput(actions.eject(disk)); },
-                     fmt::format("{} could not be ejected", disk().name));
+        beginTelling([disk](RowActions &actions) { return ignoreOutput(actions.eject(disk)); },
+                     fmt::format("{} could not be ejected", disk.name));
     else if (action == RowAction::eraseDisk)
-        m_surroundings.eraseFlow.openForDisk(disk(), {m_surroundings.onOperationStart, m_surroundings.onOperationEnd});
+        m_surroundings.eraseFlow.openForDisk(disk, {m_surroundings.onOperationStart, m_surroundings.onOperationEnd});
     else
         m_surroundings.onRefresh();
 }
 
-void RowPresenter::toggleAutoMount()
+bool RowPresenter::isAutoMount() const
 {
-    if (!disk().mediaUUID)
-        return;
-    AutoMountMarks marks = autoMountMarks(m_surroundings.userDefaults);
-    if (marks.erase(*disk().mediaUUID) == 0)
-        marks.emplace(*disk().mediaUUID, disk().name);
-    setAutoMountMarks(m_surroundings.userDefaults, marks);
+    return disk().mediaUUID && autoMountMarks(m_surroundings.userDefaults).contains(*disk().mediaUUID);
 }
-
 void RowPresenter::begin(Work work)
 {
     spawn([actions = m_actions, work = std::move(work)] { return run(actions, work); });

@@ -72,8 +72,11 @@ public:
     [[nodiscard]] virtual QString accessibleDescription() const = 0;
     [[nodiscard]] virtual std::vector<RowMenuEntry> menu() const = 0;
 
-    /// Begins \a action with the records as they are now. One that the row doesn't offer does nothing.
-    void perform(RowAction action);
+    /// \a action on the records as they are now, to be begun later: it does what was offered then, and nothing where
+    /// that has been done meanwhile. One that the row doesn't offer does nothing. The row outlives it.
+    [[nodiscard]] std::function<void()> prepare(RowAction action);
+
+    void perform(RowAction action) { prepare(action)(); }
     Q_INVOKABLE void perform(int action) { perform(static_cast<RowAction>(action)); }
 
     Q_INVOKABLE virtual void doubleClick() = 0;
@@ -92,6 +95,8 @@ protected:
 
     [[nodiscard]] virtual std::vector<RowButton> rowButtons() const = 0;
     [[nodiscard]] virtual const PhysicalDisk &disk() const = 0;
+    [[nodiscard]] bool isAutoMount() const; ///< The disk is mounted by itself when it is plugged in.
+
     /// The EFI partition that \a action is for; null where there is none.
     [[nodiscard]] virtual const EFIPartition *partitionFor(RowAction action) const = 0;
 
@@ -104,9 +109,8 @@ protected:
 
 private:
     [[nodiscard]] RowActions::Callbacks callbacks();
-    void performOnDisk(RowAction action);
-    void performOnPartition(RowAction action, const EFIPartition &partition);
-    void toggleAutoMount();
+    void performOnDisk(RowAction action, const PhysicalDisk &disk);
+    void performOnPartition(RowAction action, const PhysicalDisk &disk, const EFIPartition &partition);
     void beginTelling(Work work, std::string words); ///< The same; an alert with \a words tells of a failure.
 
     RowSurroundings &m_surroundings;
