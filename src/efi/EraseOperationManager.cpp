@@ -1,5 +1,6 @@
 #include "efi/EraseOperationManager.h"
 
+#include <QString>
 #include <QUuid>
 
 #include <fmt/format.h>
@@ -15,6 +16,12 @@ FormatOption formatOption(std::string label, std::string diskutilFormat)
 {
     return {QUuid::createUuid().toString(QUuid::WithoutBraces).toStdString(), std::move(label),
             std::move(diskutilFormat)};
+}
+
+/// File systems hold a letter with its accent as one character or as two, a keyboard types it as one.
+QString composed(const std::string &name)
+{
+    return QString::fromStdString(name).normalized(QString::NormalizationForm_C);
 }
 
 std::string statusOf(EraseScope scope, const std::optional<std::string> &label)
@@ -74,7 +81,7 @@ void EraseOperationManager::setEraseScope(EraseScope eraseScope)
 
 void EraseOperationManager::confirm()
 {
-    const bool isMismatch = m_confirmInput != m_confirmName;
+    const bool isMismatch = composed(m_confirmInput) != composed(m_confirmName);
     publish(m_confirmMismatch, isMismatch, &EraseOperationManager::confirmMismatchChanged);
     if (isMismatch)
         return;

@@ -7,6 +7,7 @@
 #include <QScreen>
 #include <QWidget>
 
+#include <algorithm>
 #include <utility>
 
 namespace brindle {
@@ -72,7 +73,9 @@ MainWindow::~MainWindow()
 
 void MainWindow::setFixedSize(QSize size)
 {
-    const QPoint topLeft = position();
+    QPoint topLeft = position();
+    if (screen() && size.height() > height()) // what a dialog ends with are its buttons
+        topLeft.setY(std::min(topLeft.y(), std::max(0, screen()->availableGeometry().bottom() + 1 - size.height())));
     setMinimumSize(size);
     setMaximumSize(size);
     resize(size);

@@ -4,8 +4,18 @@ import QtQuick
 Item {
     id: root
 
+    // The desktop keeps the release of a move for itself; what it sends then looks like another drag.
+    property bool isMoved: false
+    PointHandler {
+        onActiveChanged: if (active) root.isMoved = false
+    }
     DragHandler {
         target: null
-        onActiveChanged: if (active) root.Window.window.startSystemMove()
+        onActiveChanged: {
+            if (!active || root.isMoved)
+                return;
+            root.isMoved = true;
+            root.Window.window.startSystemMove();
+        }
     }
 }

@@ -9,17 +9,34 @@
 #include <QWindow>
 
 #include <utility>
+#include <vector>
 
 namespace brindle {
 
-void QtApplicationHost::activate()
+namespace {
+
+std::vector<QWindow *> visibleWindows()
 {
-    if (QWindow *dialog = QGuiApplication::modalWindow()) // the windows beneath take no keys
-        return dialog->requestActivate();
+    std::vector<QWindow *> windows;
     for (QWindow *window : QGuiApplication::topLevelWindows()) {
         if (window->isVisible())
-            window->requestActivate();
+            windows.push_back(window);
     }
+    return windows;
+}
+
+} // namespace
+
+void QtApplicationHost::activate()
+{
+    for (QWindow *window : visibleWindows()) {
+        if (window->windowStates().testFlag(Qt::WindowMinimized))
+            window->showNormal();
+    }
+    if (QWindow *dialog = QGuiApplication::modalWindow()) // the windows beneath take no keys
+        return dialog->requestActivate();
+    for (QWindow *window : visibleWindows())
+        window->requestActivate();
 }
 
 void QtApplicationHost::setApplicationMenu(std::vector<MenuGroup> groups)

@@ -273,5 +273,18 @@ TEST_F(EraseOperationManagerTest, GoesBackToTheFirstStageWhenItIsDismissed)
     EXPECT_EQ(manager.stage(), Stage::confirming);
 }
 
+TEST_F(EraseOperationManagerTest, TakesAnAccentAsOneCharacterForTheSameAsTwo)
+{
+    auto ofAFileSystem = request();
+    ofAFileSystem.confirmName = "Cafe\u0301";
+    manager.open(ofAFileSystem);
+    manager.setConfirmInput("Caf\u00e9");
+
+    manager.confirm();
+
+    EXPECT_FALSE(manager.confirmMismatch());
+    EXPECT_EQ(manager.stage(), Stage::inProgress);
+}
+
 } // namespace
 } // namespace brindle

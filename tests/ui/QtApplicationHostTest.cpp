@@ -98,5 +98,27 @@ TEST(QtApplicationHost, GivesTheKeyboardToTheDialogInFrontRatherThanToItsParent)
     EXPECT_EQ(QGuiApplication::focusWindow(), &dialog);
 }
 
+TEST(QtApplicationHost, BringsAMinimisedWindowBack)
+{
+    QWindow window;
+    window.showMinimized();
+    QtApplicationHost host;
+
+    host.activate();
+
+    EXPECT_FALSE(window.windowStates().testFlag(Qt::WindowMinimized));
+    EXPECT_TRUE(window.isVisible());
+}
+
+TEST(QtApplicationHost, LeavesAHiddenWindowHidden)
+{
+    QWindow window;
+    QtApplicationHost host;
+
+    host.activate();
+
+    EXPECT_FALSE(window.isVisible());
+}
+
 } // namespace
 } // namespace brindle

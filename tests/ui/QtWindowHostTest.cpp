@@ -131,6 +131,21 @@ TEST_F(QtWindowHostTest, KeepsTheTopEdgeWhenTheHeightChanges)
     EXPECT_EQ(window.position(), QPoint(40, 60));
 }
 
+TEST_F(QtWindowHostTest, MovesUpWhereItsLowerEdgeWouldGrowOutOfTheScreen)
+{
+    MainWindow &window = open(200);
+    const int end = window.screen()->availableGeometry().bottom() + 1;
+    window.setPosition(40, end - 300);
+
+    host.setHeight(lastID(), 300, false);
+    EXPECT_EQ(window.position(), QPoint(40, end - 300));
+    host.setHeight(lastID(), 301, false);
+    EXPECT_EQ(window.position(), QPoint(40, end - 301));
+    window.setPosition(40, end - 50); // where the user wants it
+    host.setHeight(lastID(), 200, false);
+    EXPECT_EQ(window.position(), QPoint(40, end - 50));
+}
+
 TEST_F(QtWindowHostTest, CentresAWindowOnItsScreen)
 {
     MainWindow &window = open(300);
