@@ -23,6 +23,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
 #include <csignal>
 #include <cstdio>
 #include <memory>
@@ -49,6 +51,13 @@ Lists the disks of this machine with their EFI system partitions in a window.
   --help            prints this
   --version         prints the version
 )";
+
+/// Whether the environment tells where windows go; Qt aborts the program where none does.
+bool hasDesktop()
+{
+    constexpr std::array kVariables{"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY", "WAYLAND_SOCKET"};
+    return !std::ranges::all_of(kVariables, qEnvironmentVariableIsEmpty);
+}
 
 std::unique_ptr<WindowContentPresenter> makeContent(ShellAssembly &shell, WindowHost &windows)
 {
@@ -159,6 +168,10 @@ int main(int argc, char **argv)
     if (options.help || options.version) {
         fmt::print("{}", options.help ? kHelp : "brindle " BRINDLE_VERSION "\n");
         return 0;
+    }
+    if (!hasDesktop()) {
+        fmt::print(stderr, "brindle: there is no desktop here to show a window on; brindlectl works in a terminal\n");
+        return kFailed;
     }
     useSoftwareRenderer();
     QApplication application(argc, argv);

@@ -30,7 +30,10 @@ protected:
     void start(const QStringList &arguments)
     {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "WAYLAND_SOCKET", "QT_QPA_PLATFORM"})
+            environment.remove(QString::fromLatin1(name));
+        if (!platform.isEmpty())
+            environment.insert(QStringLiteral("QT_QPA_PLATFORM"), platform);
         environment.insert(QStringLiteral("HOME"), home.path());
         environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), home.path());
         environment.insert(QStringLiteral("TMPDIR"), temporary.path());
@@ -54,6 +57,7 @@ protected:
         return QDir(temporary.path()).entryList({QStringLiteral("brindle-demo-*")}, QDir::Dirs);
     }
 
+    QString platform = QStringLiteral("offscreen"); ///< Where its windows go; empty: nowhere.
     QTemporaryDir home;
     QTemporaryDir temporary;
     QProcess process;
@@ -80,6 +84,19 @@ TEST_F(BrindleTest, RefusesWhatItDoesNotKnow)
     EXPECT_EQ(process.exitCode(), 2);
     EXPECT_EQ(process.readAllStandardError().toStdString(),
               "brindle: --demon can't be understood; brindle --help tells what can\n");
+}
+
+TEST_F(BrindleTest, SaysThatThereIsNoDesktop)
+{
+    platform.clear();
+
+    start({QStringLiteral("--demo")});
+    waitForEnd();
+
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(process.exitCode(), 1);
+    EXPECT_EQ(process.readAllStandardError().toStdString(),
+              "brindle: there is no desktop here to show a window on; brindlectl works in a terminal\n");
 }
 
 struct SignalCase {
