@@ -1,5 +1,6 @@
 // The window as a screen reader meets it: over AT-SPI, on a screen and a bus of the test's own.
 
+#include "support/Patience.h"
 #include "support/PrivateBus.h"
 #include "support/WaitUntil.h"
 
@@ -51,8 +52,6 @@ Q_DECLARE_METATYPE(brindle::Accessible)
 namespace brindle {
 namespace {
 
-constexpr int kPatience = 20'000; // milliseconds; nothing waits for so long but a failing test
-
 const QString kSession = QStringLiteral("the test's own session");
 const QString kReader = QStringLiteral("the screen reader's own");
 
@@ -96,7 +95,7 @@ protected:
         QDBusConnection::disconnectFromBus(kSession);
         for (QProcess *process : {&application, &launcher, &screen}) {
             process->terminate();
-            EXPECT_TRUE(process->state() == QProcess::NotRunning || process->waitForFinished(kPatience));
+            EXPECT_TRUE(process->state() == QProcess::NotRunning || process->waitForFinished(kPatienceMilliseconds));
         }
     }
 
@@ -106,14 +105,14 @@ protected:
                            qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"));
         process.setProcessEnvironment(environment);
         process.start(program, arguments);
-        ASSERT_TRUE(process.waitForStarted(kPatience)) << process.errorString().toStdString();
+        ASSERT_TRUE(process.waitForStarted(kPatienceMilliseconds)) << process.errorString().toStdString();
     }
 
     void startScreen()
     {
         start(screen, QStringLiteral("Xvfb"),
               {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-nolisten"), QStringLiteral("tcp")});
-        ASSERT_TRUE(screen.waitForReadyRead(kPatience)) << screen.readAllStandardError().toStdString();
+        ASSERT_TRUE(screen.waitForReadyRead(kPatienceMilliseconds)) << screen.readAllStandardError().toStdString();
         environment.insert(QStringLiteral("DISPLAY"),
                            QLatin1Char(':') + QString::fromLatin1(screen.readLine().trimmed()));
     }

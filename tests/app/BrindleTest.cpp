@@ -1,3 +1,5 @@
+#include "support/Patience.h"
+
 #include <QDir>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -15,8 +17,6 @@ namespace {
 using testing::HasSubstr;
 using testing::StartsWith;
 
-constexpr int kPatience = 60'000; // milliseconds; nothing waits for so long but a failing test
-
 /// The program as a process without a screen, with a home and temporary files of its own.
 class BrindleTest : public testing::Test {
 protected:
@@ -24,7 +24,7 @@ protected:
     {
         if (process.state() != QProcess::NotRunning)
             process.kill();
-        process.waitForFinished(kPatience);
+        process.waitForFinished(kPatienceMilliseconds);
     }
 
     void start(const QStringList &arguments)
@@ -45,12 +45,12 @@ protected:
 
     void waitForLine(const char *line)
     {
-        while (!output.contains(line) && process.waitForReadyRead(kPatience))
+        while (!output.contains(line) && process.waitForReadyRead(kPatienceMilliseconds))
             output += process.readAllStandardOutput();
         ASSERT_THAT(output.toStdString(), HasSubstr(line));
     }
 
-    void waitForEnd() { ASSERT_TRUE(process.waitForFinished(kPatience)); }
+    void waitForEnd() { ASSERT_TRUE(process.waitForFinished(kPatienceMilliseconds)); }
 
     [[nodiscard]] QStringList demoMachines() const
     {

@@ -5,12 +5,12 @@
 #include "platform/MemorySecretStore.h"
 #include "support/FakeUserNotifications.h"
 #include "support/FakeWorkspace.h"
+#include "support/Patience.h"
 #include "support/SimulatedMachine.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -19,8 +19,6 @@
 
 namespace brindle {
 namespace {
-
-using namespace std::chrono_literals;
 
 TEST(Assembly, StoresThePasswordUnderTheIdentifierOfItsBundle)
 {
@@ -48,7 +46,7 @@ TEST(Assembly, TellsOfAMountByTheDesktopsNotifications)
     platform.userNotifications = std::move(owned);
     Assembly assembly(std::move(platform));
 
-    blockOn(assembly.diskManager().mountEFI("disk2s1", "Stick"), 10s);
+    blockOn(assembly.diskManager().mountEFI("disk2s1", "Stick"), kPatience);
 
     ASSERT_EQ(notifications.added.size(), 1U);
     EXPECT_EQ(notifications.added[0].body, "Successfully mounted EFI partition for Stick");
@@ -70,7 +68,7 @@ TEST(Assembly, MountsAndShowsTheFolderWhereNotificationsAreSwitchedOff)
     Assembly assembly(std::move(platform));
     assembly.userDefaults().set(DefaultsKeys::kShowNotifications, false);
 
-    blockOn(assembly.diskManager().mountEFI("disk2s1", "Stick"), 10s);
+    blockOn(assembly.diskManager().mountEFI("disk2s1", "Stick"), kPatience);
 
     EXPECT_THAT(notifications.added, testing::IsEmpty());
     EXPECT_THAT(journal, testing::ElementsAre("open " + folder));

@@ -1,6 +1,7 @@
 #include "assembly/DemoMachine.h"
 
 #include "base/Error.h"
+#include "support/Patience.h"
 
 #include <QProcess>
 
@@ -24,7 +25,7 @@ int statusOfSudo(const std::string &root, std::string_view password)
     sudo.start(QString::fromStdString(root + "/usr/bin/sudo"), {QStringLiteral("-S"), QStringLiteral("-v")});
     sudo.write(QByteArray(password.data(), static_cast<qsizetype>(password.size())) + '\n');
     sudo.closeWriteChannel();
-    EXPECT_TRUE(sudo.waitForFinished());
+    EXPECT_TRUE(sudo.waitForFinished(kPatienceMilliseconds));
     return sudo.exitCode();
 }
 

@@ -7,6 +7,7 @@
 #include "support/Fixtures.h"
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
+#include "support/Patience.h"
 
 #include <QCoreApplication>
 #include <QThreadPool>
@@ -80,7 +81,7 @@ TEST(DemoScan, LogsEachStepAsReviewed)
     {
         const LogCapture capture;
         Assembly assembly(std::move(platform));
-        blockOn(assembly.diskManager().startScan(false), std::chrono::seconds(60));
+        blockOn(assembly.diskManager().startScan(false), kPatience);
         for (const std::string &line : capture.lines())
             log += replacedAll(line, changes.toolRoot.value(), "DEMO") + '\n';
     }

@@ -2,6 +2,7 @@
 #include "base/BlockOn.h"
 #include "platform/linux/PlistUserDefaults.h"
 #include "support/LogCapture.h"
+#include "support/Patience.h"
 #include "support/SimulatedMachine.h"
 
 #include <QCoreApplication>
@@ -66,7 +67,7 @@ TEST(StoreWrites, AreOneForEachPublish)
     EXPECT_EQ(replacements.sinceLastAsked(), 1);
 
     for (int scan = 0; scan < 3; ++scan) {
-        blockOn(assembly.diskManager().startScan(false), std::chrono::seconds(60));
+        blockOn(assembly.diskManager().startScan(false), kPatience);
         QCoreApplication::processEvents();
 
         EXPECT_EQ(replacements.sinceLastAsked(), 1) << "scan " << scan;

@@ -1,6 +1,7 @@
 #include "base/OnWorker.h"
 #include "base/BlockOn.h"
 #include "base/Error.h"
+#include "support/Patience.h"
 
 #include <gtest/gtest.h>
 
@@ -22,8 +23,8 @@ QCoro::Task<std::thread::id> threadAfterWork()
 
 TEST(OnWorker, WorksOnAnotherThreadAndComesBack)
 {
-    const auto workedOn = blockOn(onWorker([] { return std::this_thread::get_id(); }), 10s);
-    const auto wentOnOn = blockOn(threadAfterWork(), 10s);
+    const auto workedOn = blockOn(onWorker([] { return std::this_thread::get_id(); }), kPatience);
+    const auto wentOnOn = blockOn(threadAfterWork(), kPatience);
 
     EXPECT_NE(workedOn, std::this_thread::get_id());
     EXPECT_EQ(wentOnOn, std::this_thread::get_id());
@@ -34,7 +35,7 @@ TEST(OnWorker, ThrowsWhatTheWorkThrew)
     auto task = onWorker([]() -> int { throw Error("Test", 7, "no"); });
 
     try {
-        blockOn(std::move(task), 10s);
+        blockOn(std::move(task), kPatience);
         FAIL() << "nothing was thrown";
     } catch (const Error &error) {
         EXPECT_EQ(error.code(), 7);

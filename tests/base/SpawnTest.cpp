@@ -3,6 +3,7 @@
 #include "base/Completion.h"
 #include "base/Error.h"
 #include "base/Log.h"
+#include "support/Patience.h"
 
 #include <QCoreApplication>
 
@@ -40,7 +41,7 @@ TEST(Spawn, BeginsAtTheNextTurnAndNotInsideTheCaller)
 
     auto task = spawn([&] { return note(&notes, "task"); });
     notes.emplace_back("caller");
-    blockOn(std::move(task), 1s);
+    blockOn(std::move(task), kPatience);
 
     EXPECT_EQ(notes, (std::vector<std::string>{"caller", "task"}));
 }
@@ -50,7 +51,7 @@ TEST(Spawn, LogsWhatTheTaskThrows)
     std::vector<std::string> lines;
     auto before = Log::setSink([&](std::string_view line) { lines.emplace_back(line); });
 
-    blockOn(spawn([] { return fail("no luck"); }), 1s);
+    blockOn(spawn([] { return fail("no luck"); }), kPatience);
 
     Log::setSink(before);
     EXPECT_EQ(lines, (std::vector<std::string>{"❌ A background task failed: no luck"}));
@@ -67,7 +68,7 @@ TEST(JoinAll, AwaitsTheRestBeforeItThrowsTheFirstError)
     completion.complete(7);
 
     try {
-        blockOn(joinAll(std::move(tasks)), 1s);
+        blockOn(joinAll(std::move(tasks)), kPatience);
         FAIL() << "the error was lost";
     } catch (const Error &error) {
         EXPECT_EQ(error.localizedDescription(), "first");
@@ -84,14 +85,14 @@ TEST(Completion, TakesTheFirstResultAndBringsItOutsideComplete)
     completion.complete(1);
     completion.complete(2);
     EXPECT_TRUE(results.empty());
-    blockOn(std::move(task), 1s);
+    blockOn(std::move(task), kPatience);
 
     EXPECT_EQ(results, (std::vector<int>{1}));
 }
 
 TEST(BlockOn, ThrowsAgainWhatTheTaskThrew)
 {
-    EXPECT_THROW(blockOn(fail("bad"), 1s), Error);
+    EXPECT_THROW(blockOn(fail("bad"), kPatience), Error);
 }
 
 TEST(BlockOn, GivesUpAfterItsTimeLimit)

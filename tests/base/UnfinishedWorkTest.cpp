@@ -1,6 +1,7 @@
 #include "base/UnfinishedWork.h"
 
 #include "base/BlockOn.h"
+#include "support/Patience.h"
 
 #include <QTimer>
 
@@ -57,14 +58,14 @@ TEST_F(UnfinishedWorkTest, HasAnEndThatCanBeAwaited)
     std::optional<Piece> piece(std::in_place, work);
     QTimer::singleShot(0, [&] { piece.reset(); });
 
-    blockOn(work.end(), std::chrono::seconds(30));
+    blockOn(work.end(), kPatience);
 
     EXPECT_FALSE(work.isThere());
 }
 
 TEST_F(UnfinishedWorkTest, HasEndedWhereThereIsNone)
 {
-    blockOn(work.end(), std::chrono::seconds(30));
+    blockOn(work.end(), kPatience);
 
     EXPECT_EQ(changes, 0);
 }

@@ -4,6 +4,7 @@
 
 #include "support/FileTree.h"
 #include "support/Fixtures.h"
+#include "support/Patience.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -29,7 +30,7 @@ protected:
     {
         QProcess maker;
         maker.start(QStringLiteral(BRINDLE_MACHINE), {QStringLiteral("new"), QString::fromStdString(root())});
-        EXPECT_TRUE(maker.waitForFinished(60'000) && maker.exitCode() == 0)
+        EXPECT_TRUE(maker.waitForFinished(kPatienceMilliseconds) && maker.exitCode() == 0)
             << maker.readAllStandardError().toStdString();
         std::string machine = contentsOf(root() + "/machine.json");
         const std::string shipped = "\"password\": \"brindle\"";
@@ -85,7 +86,7 @@ protected:
         process.start(QString::fromStdString(program), list);
         process.write(QByteArray::fromStdString(input));
         process.closeWriteChannel();
-        EXPECT_TRUE(process.waitForFinished(60'000));
+        EXPECT_TRUE(process.waitForFinished(kPatienceMilliseconds));
         EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
         return {process.exitCode(), process.readAllStandardOutput().toStdString(),
                 process.readAllStandardError().toStdString()};

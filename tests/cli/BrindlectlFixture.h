@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/Patience.h"
 #include "support/SimulatedMachine.h"
 
 #include <QProcess>
@@ -104,7 +105,7 @@ protected:
         if (!standardOutput.isEmpty())
             process.setStandardOutputFile(standardOutput);
         start(process, arguments);
-        EXPECT_TRUE(process.waitForFinished(60'000));
+        EXPECT_TRUE(process.waitForFinished(kPatienceMilliseconds));
         EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
         return {process.exitCode(), process.readAllStandardOutput().toStdString(),
                 process.readAllStandardError().toStdString()};

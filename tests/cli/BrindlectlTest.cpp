@@ -2,6 +2,8 @@
 
 #include "cli/BrindlectlFixture.h"
 
+#include "support/Patience.h"
+
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
@@ -198,7 +200,7 @@ TEST_F(Brindlectl, LeavesNothingOfTheDemoMachineWhenItIsInterrupted)
         while (process.state() != QProcess::NotRunning && std::filesystem::is_empty(temporary))
             process.waitForFinished(1);
         process.terminate();
-        ASSERT_TRUE(process.waitForFinished(10'000));
+        ASSERT_TRUE(process.waitForFinished(kPatienceMilliseconds));
 
         interrupted += process.exitStatus() == QProcess::CrashExit ? 1 : 0;
         EXPECT_TRUE(std::filesystem::is_empty(temporary));
@@ -367,7 +369,7 @@ TEST_F(Brindlectl, DoesAllItsWorkWhenItsReaderHasGone)
     reader.go();
     start(process, {"list", "--json"});
 
-    ASSERT_TRUE(process.waitForFinished(60'000));
+    ASSERT_TRUE(process.waitForFinished(kPatienceMilliseconds));
 
     EXPECT_EQ(process.exitStatus(), QProcess::CrashExit);
     EXPECT_EQ(process.exitCode(), SIGPIPE);
@@ -381,7 +383,7 @@ TEST_F(Brindlectl, LeavesNothingOfTheDemoMachineWhenItsReaderHasGone)
     reader.go();
     start(process, {"list", "--json", "--demo"});
 
-    ASSERT_TRUE(process.waitForFinished(60'000));
+    ASSERT_TRUE(process.waitForFinished(kPatienceMilliseconds));
 
     EXPECT_EQ(process.exitCode(), SIGPIPE);
     EXPECT_TRUE(std::filesystem::is_empty(temporary));
@@ -398,7 +400,7 @@ TEST_F(Brindlectl, EndsWithItsStatusAlsoWhereNobodyReadsWhatItComplainsOf)
         reader.go();
         start(process, arguments);
 
-        ASSERT_TRUE(process.waitForFinished(60'000));
+        ASSERT_TRUE(process.waitForFinished(kPatienceMilliseconds));
 
         EXPECT_EQ(process.exitStatus(), QProcess::NormalExit) << arguments[0];
         EXPECT_EQ(process.exitCode(), status) << arguments[0];

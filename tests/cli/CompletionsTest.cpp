@@ -2,6 +2,8 @@
 
 #include "cli/BrindlectlFixture.h"
 
+#include "support/Patience.h"
+
 #include <QStandardPaths>
 
 #include <fmt/format.h>
@@ -59,7 +61,7 @@ protected:
             script += fmt::format("complete_line {}\n", line.words);
         QProcess process;
         start(process, {"-c", script}, machine.root().string(), shell);
-        ASSERT_TRUE(process.waitForFinished(30'000));
+        ASSERT_TRUE(process.waitForFinished(kPatienceMilliseconds));
 
         EXPECT_THAT(process.readAllStandardError().toStdString(), IsEmpty());
         const QStringList answers = QString::fromUtf8(process.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts);

@@ -2,6 +2,7 @@
 
 #include "cli/BrindlectlFixture.h"
 #include "support/Fixtures.h"
+#include "support/Patience.h"
 
 #include <nlohmann/json.hpp>
 
@@ -43,7 +44,7 @@ protected:
     {
         QProcess process;
         startThere(process, std::move(arguments), password);
-        EXPECT_TRUE(process.waitForFinished(60'000));
+        EXPECT_TRUE(process.waitForFinished(kPatienceMilliseconds));
         return {process.exitCode(), process.readAllStandardOutput().toStdString(),
                 process.readAllStandardError().toStdString()};
     }

@@ -3,11 +3,11 @@
 #include "cli/BrindlectlFixture.h"
 #include "cli/TerminalProgram.h"
 #include "support/FileTree.h"
+#include "support/Patience.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 
-#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -20,7 +20,6 @@ namespace brindle {
 namespace {
 
 namespace fs = std::filesystem;
-using namespace std::chrono_literals;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
@@ -89,7 +88,7 @@ TEST_F(CopyCommands, SaveTheBackupBesideTheCurrentFolderForARelativePath)
 
     start(process, {"copy", "disk1s1", "disk2s1", "--backup", "backup"});
 
-    ASSERT_TRUE(process.waitForFinished(60'000));
+    ASSERT_TRUE(process.waitForFinished(kPatienceMilliseconds));
     EXPECT_EQ(process.exitCode(), 0);
     EXPECT_EQ(treeOf(backup()), old);
 }
@@ -244,7 +243,7 @@ protected:
     {
         start(process, {"copy", "disk1s1", "disk2s1"});
         while (!output.contains("Copying files...")) {
-            ASSERT_TRUE(process.waitForReadyRead(60'000));
+            ASSERT_TRUE(process.waitForReadyRead(kPatienceMilliseconds));
             output += process.readAllStandardOutput();
         }
     }
@@ -258,7 +257,7 @@ protected:
     /// Waits until the copy has ended well by itself, and is whole.
     void expectWhole(QProcess &process)
     {
-        ASSERT_TRUE(process.waitForFinished(60'000));
+        ASSERT_TRUE(process.waitForFinished(kPatienceMilliseconds));
         EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
         EXPECT_EQ(process.exitCode(), 0);
         EXPECT_EQ(treeOf(destination()), treeOf(source()));
@@ -297,7 +296,7 @@ TEST_F(InterruptedCopy, GoesOnWhenNobodyReadsWhatItTells)
     QProcess process;
     Reader reader(process);
     start(process, {"copy", "disk1s1", "disk2s1"});
-    ASSERT_TRUE(process.waitForStarted(60'000));
+    ASSERT_TRUE(process.waitForStarted(kPatienceMilliseconds));
     reader.readUntil("Copying files...");
 
     reader.go();

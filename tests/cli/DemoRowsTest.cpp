@@ -9,8 +9,8 @@
 #include "cli/BrindlectlFixture.h"
 #include "support/Fixtures.h"
 #include "support/LogCapture.h"
+#include "support/Patience.h"
 
-#include <chrono>
 #include <vector>
 
 namespace brindle {
@@ -32,7 +32,7 @@ TEST(DemoRows, TellSpaceAndHealthAsReviewedWhereTheSettingsAreOn)
     Assembly assembly(makePlatform(demo.platformChanges()));
     assembly.userDefaults().set(DefaultsKeys::kShowDiskSpaceIndicator, true);
     assembly.userDefaults().set(DefaultsKeys::kShowSMARTStatus, true);
-    blockOn(assembly.diskManager().startScan(false), std::chrono::seconds(60));
+    blockOn(assembly.diskManager().startScan(false), kPatience);
 
     DiskRowContent row;
     row.readSettings(assembly.userDefaults());

@@ -3,6 +3,7 @@
 #include "cli/ComputerFixture.h"
 #include "support/FileTree.h"
 #include "support/Fixtures.h"
+#include "support/Patience.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -242,13 +243,13 @@ TEST_F(EraseCommands, GoOnToTheEndWhenTheyAreInterrupted)
     process.write("brindle\n");
     QByteArray output;
     while (!output.contains("Erasing and reformatting...")) {
-        ASSERT_TRUE(process.waitForReadyRead(60'000));
+        ASSERT_TRUE(process.waitForReadyRead(kPatienceMilliseconds));
         output += process.readAllStandardOutput();
     }
 
     ::kill(static_cast<pid_t>(process.processId()), SIGINT);
 
-    ASSERT_TRUE(process.waitForFinished(60'000));
+    ASSERT_TRUE(process.waitForFinished(kPatienceMilliseconds));
     EXPECT_EQ(process.exitCode(), 0);
     EXPECT_EQ(process.readAllStandardError().toStdString(),
               "brindlectl: An erase can't be stopped: waiting for the end. Interrupt again to leave at once.\n");
@@ -261,14 +262,14 @@ TEST_F(EraseCommands, GoOnToTheEndWhenTheirTerminalHangsUpTwiceAndNobodyReads)
     Reader reader(process);
     start(process, {"erase-efi", "disk3s1", "--confirm", "OPENCORE", "--password-stdin"}, root());
     process.write("brindle\n");
-    ASSERT_TRUE(process.waitForBytesWritten(60'000));
+    ASSERT_TRUE(process.waitForBytesWritten(kPatienceMilliseconds));
     reader.readUntil("Erasing and reformatting...");
     reader.go();
 
     for (int i = 0; i < 2; ++i)
         ::kill(static_cast<pid_t>(process.processId()), SIGHUP);
 
-    ASSERT_TRUE(process.waitForFinished(60'000));
+    ASSERT_TRUE(process.waitForFinished(kPatienceMilliseconds));
     EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(process.exitCode(), 0);
 }
@@ -282,19 +283,19 @@ TEST_F(EraseCommands, EndAtOnceAtTheSecondInterruption)
     QProcess process;
     start(process, {"erase-efi", "disk3s1", "--confirm", "OPENCORE", "--password-stdin"}, root());
     process.write("brindle\n");
-    ASSERT_TRUE(process.waitForReadyRead(60'000)); // it has begun
+    ASSERT_TRUE(process.waitForReadyRead(kPatienceMilliseconds)); // it has begun
     const auto program = static_cast<pid_t>(process.processId());
     ::kill(program, SIGINT);
     QByteArray complaint;
     process.setReadChannel(QProcess::StandardError);
     while (!complaint.contains("Interrupt again")) {
-        ASSERT_TRUE(process.waitForReadyRead(60'000));
+        ASSERT_TRUE(process.waitForReadyRead(kPatienceMilliseconds));
         complaint += process.readAllStandardError();
     }
 
     ASSERT_EQ(::kill(program, SIGINT), 0);
 
-    ASSERT_TRUE(process.waitForFinished(60'000));
+    ASSERT_TRUE(process.waitForFinished(kPatienceMilliseconds));
     EXPECT_EQ(process.exitStatus(), QProcess::CrashExit);
     EXPECT_EQ(process.exitCode(), SIGINT);
 }

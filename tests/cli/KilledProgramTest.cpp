@@ -2,6 +2,7 @@
 
 #include "cli/ComputerFixture.h"
 #include "support/FileTree.h"
+#include "support/Patience.h"
 #include "support/Sanitizer.h"
 #include "support/ToolGate.h"
 
@@ -80,12 +81,12 @@ protected:
                 if (counted < count)
                     continue;
                 program.kill();
-                EXPECT_TRUE(program.waitForFinished(60'000));
+                EXPECT_TRUE(program.waitForFinished(kPatienceMilliseconds));
                 action.held = tool->pid;
                 break;
             }
         }
-        EXPECT_TRUE(program.state() == QProcess::NotRunning || program.waitForFinished(60'000));
+        EXPECT_TRUE(program.state() == QProcess::NotRunning || program.waitForFinished(kPatienceMilliseconds));
         int status = 0;
         for (pid_t tool = 0; (tool = ::waitpid(-1, &status, 0)) > 0;)
             action.toolEnds[tool] = status;

@@ -4,6 +4,7 @@
 
 #include "platform/linux/PlistUserDefaults.h"
 #include "records/Preferences.h"
+#include "support/Patience.h"
 
 #include <QStandardPaths>
 
@@ -45,7 +46,7 @@ protected:
         shell.insert(shell.end(), {"-c", script, "sh", BRINDLECTL});
         QProcess process;
         start(process, shell, machine.root().string(), executable);
-        EXPECT_TRUE(process.waitForFinished(60'000));
+        EXPECT_TRUE(process.waitForFinished(kPatienceMilliseconds));
         error = process.readAllStandardError().toStdString();
         return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
     }
@@ -209,8 +210,8 @@ TEST_F(SettingsCommand, LosesNothingOfTwoProcessesThatWriteInTurn)
             QProcess other;
             start(one, {"settings", "set", keys[i], value});
             start(other, {"settings", "set", keys[i + 1], value});
-            ASSERT_TRUE(one.waitForFinished(60'000));
-            ASSERT_TRUE(other.waitForFinished(60'000));
+            ASSERT_TRUE(one.waitForFinished(kPatienceMilliseconds));
+            ASSERT_TRUE(other.waitForFinished(kPatienceMilliseconds));
             EXPECT_EQ(one.exitCode() + other.exitCode(), 0);
         }
         for (const std::string &key : keys)

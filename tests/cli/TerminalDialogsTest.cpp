@@ -3,13 +3,13 @@
 #include "assembly/Interruption.h"
 #include "base/BlockOn.h"
 #include "support/MaskedPassword.h"
+#include "support/Patience.h"
 
 #include <QCoreApplication>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <optional>
@@ -24,7 +24,6 @@
 namespace brindle {
 namespace {
 
-using namespace std::chrono_literals;
 using testing::EndsWith;
 using testing::HasSubstr;
 
@@ -43,7 +42,7 @@ protected:
     T answerTo(QCoro::Task<T> dialog, std::string_view keys)
     {
         type(keys);
-        return blockOn(std::move(dialog), 30s);
+        return blockOn(std::move(dialog), kPatience);
     }
 
     void type(std::string_view keys) const
@@ -166,7 +165,7 @@ TEST_F(TerminalDialogsTest, AskOneAfterTheOther)
     EXPECT_THAT(shown(), EndsWith("Second\r\n\r\nPassword: "));
 
     EXPECT_EQ(answerTo(std::move(second), "secret\n"), Secret("secret"));
-    EXPECT_EQ(blockOn(std::move(third), 30s), 0U);
+    EXPECT_EQ(blockOn(std::move(third), kPatience), 0U);
     EXPECT_THAT(shown(), HasSubstr("Third\r\n"));
 }
 
@@ -179,9 +178,9 @@ TEST_F(TerminalDialogsTest, AreAllCancelledWhenTheyAreClosed)
 
     dialogs->close();
 
-    EXPECT_EQ(blockOn(std::move(open), 30s), std::nullopt);
-    EXPECT_EQ(blockOn(std::move(waiting), 30s), std::nullopt);
-    EXPECT_EQ(blockOn(dialogs->alert(kQuestion), 30s), 1U);
+    EXPECT_EQ(blockOn(std::move(open), kPatience), std::nullopt);
+    EXPECT_EQ(blockOn(std::move(waiting), kPatience), std::nullopt);
+    EXPECT_EQ(blockOn(dialogs->alert(kQuestion), kPatience), 1U);
     EXPECT_EQ(shown(), "Open\r\n\r\nPassword: \r\n");
     EXPECT_FALSE(hasInput()) << "the shell would show what was typed of the password";
 }
@@ -195,7 +194,7 @@ TEST_F(TerminalDialogsTest, AreCancelledByASignalThatTheProgramOutlives)
 
     ASSERT_EQ(raise(SIGTERM), 0);
 
-    EXPECT_EQ(blockOn(std::move(prompt), 30s), std::nullopt);
+    EXPECT_EQ(blockOn(std::move(prompt), kPatience), std::nullopt);
     EXPECT_TRUE(isInterrupted);
     EXPECT_TRUE(echoes());
 }
@@ -205,10 +204,10 @@ TEST_F(TerminalDialogsTest, AreCancelledAtOnceWithoutATerminal)
     TerminalDialogs nobody(-1);
 
     EXPECT_FALSE(nobody.hasTerminal());
-    EXPECT_EQ(blockOn(nobody.alert(kQuestion), 30s), 1U);
-    EXPECT_EQ(blockOn(nobody.securePrompt({}), 30s), std::nullopt);
-    EXPECT_EQ(blockOn(nobody.textPrompt({}), 30s), std::nullopt);
-    EXPECT_EQ(blockOn(nobody.savePanel({}), 30s), std::nullopt);
+    EXPECT_EQ(blockOn(nobody.alert(kQuestion), kPatience), 1U);
+    EXPECT_EQ(blockOn(nobody.securePrompt({}), kPatience), std::nullopt);
+    EXPECT_EQ(blockOn(nobody.textPrompt({}), kPatience), std::nullopt);
+    EXPECT_EQ(blockOn(nobody.savePanel({}), kPatience), std::nullopt);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "cli/TerminalProgram.h"
 
 #include "support/ChildOfTest.h"
+#include "support/Patience.h"
 
 #include <gtest/gtest.h>
 
@@ -15,8 +16,6 @@
 namespace brindle {
 
 namespace {
-
-constexpr int kPatience = 60'000; // milliseconds
 
 /// Texts as exec takes them; they stand in \a texts.
 std::vector<char *> pointersTo(std::vector<std::string> &texts)
@@ -109,7 +108,8 @@ bool TerminalProgram::readMore()
 {
     pollfd waiting{.fd = m_terminal, .events = POLLIN, .revents = 0};
     std::array<char, 4096> bytes{};
-    const ssize_t count = poll(&waiting, 1, kPatience) == 1 ? read(m_terminal, bytes.data(), bytes.size()) : 0;
+    const ssize_t count =
+        poll(&waiting, 1, kPatienceMilliseconds) == 1 ? read(m_terminal, bytes.data(), bytes.size()) : 0;
     if (count <= 0)
         return false;
     m_shown.append(bytes.data(), static_cast<std::size_t>(count));

@@ -4,6 +4,7 @@
 
 #include "support/FakeNotificationDaemon.h"
 #include "support/FileTree.h"
+#include "support/Patience.h"
 #include "support/PrivateBus.h"
 #include "support/WaitUntil.h"
 
@@ -41,7 +42,7 @@ protected:
     {
         QProcess process;
         start(process, arguments, root);
-        EXPECT_TRUE(process.waitForFinished(kPatience));
+        EXPECT_TRUE(process.waitForFinished(kPatienceMilliseconds));
         return process.exitCode();
     }
 
@@ -226,7 +227,7 @@ TEST_F(WatchNotify, IsThereForASingleMountTooWhichOffersNothingToClickOn)
 
     expectNotification("EFI Mounted", "Successfully mounted EFI partition for Samsung SSD 980 PRO 1TB");
     EXPECT_THAT(daemon->shown.at(0).actions, IsEmpty());
-    EXPECT_TRUE(watch.waitForFinished(kPatience));
+    EXPECT_TRUE(watch.waitForFinished(kPatienceMilliseconds));
     EXPECT_EQ(watch.exitCode(), 0);
 }
 
@@ -236,7 +237,7 @@ TEST_F(WatchNotify, IsThereForAMountThatFails)
     watch.write("wrong\n");
 
     expectNotification("Mount Failed", "Failed to mount EFI partition for Samsung SSD 980 PRO 1TB");
-    EXPECT_TRUE(watch.waitForFinished(kPatience));
+    EXPECT_TRUE(watch.waitForFinished(kPatienceMilliseconds));
     EXPECT_EQ(watch.exitCode(), 1);
 }
 
@@ -247,7 +248,7 @@ TEST_F(WatchNotify, HoldsNothingUpWhereThereIsNoDaemon)
     start(watch, {"mount", "disk0s1", "--password-stdin", "--notify", "--verbose"}, root);
     watch.write("brindle\n");
 
-    EXPECT_TRUE(watch.waitForFinished(kPatience));
+    EXPECT_TRUE(watch.waitForFinished(kPatienceMilliseconds));
     EXPECT_EQ(watch.exitCode(), 0);
     EXPECT_THAT(log(), HasSubstr("Failed to show notification: "));
 }

@@ -2,6 +2,8 @@
 
 #include "cli/WatchFixture.h"
 
+#include "support/Patience.h"
+
 #include <QDeadlineTimer>
 
 #include <gmock/gmock.h>
@@ -138,7 +140,7 @@ TEST_P(WatchOfAHangingTool, LeavesNoToolBehind)
     machine.addDisk("disk0");
     letHang(GetParam());
     start(watch, {"watch", "--json"});
-    const QDeadlineTimer deadline(kPatience);
+    const QDeadlineTimer deadline(kPatienceMilliseconds);
     while (hangingTools().empty() && !deadline.hasExpired())
         watch.waitForFinished(10);
     ASSERT_FALSE(hangingTools().empty());
@@ -160,7 +162,7 @@ TEST_F(Watch, EndsWithoutAWordWhenItsReaderHasGone)
     QProcess bash;
     start(bash, {"-c", R"("$0" watch --json | head -n 1; echo "${PIPESTATUS[0]}")", BRINDLECTL},
           machine.root().string(), "bash");
-    ASSERT_TRUE(bash.waitForFinished(kPatience));
+    ASSERT_TRUE(bash.waitForFinished(kPatienceMilliseconds));
 
     EXPECT_THAT(bash.readAllStandardOutput().toStdString(), MatchesRegex("[{].*[}]\n0\n"));
     EXPECT_THAT(bash.readAllStandardError().toStdString(), IsEmpty());

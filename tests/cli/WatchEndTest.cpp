@@ -5,6 +5,7 @@
 #include "state/AutoMountMarks.h"
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
+#include "support/Patience.h"
 #include "support/SimulatedMachine.h"
 #include "support/WaitUntil.h"
 
@@ -88,7 +89,7 @@ protected:
     TerminalDialogs dialogs{-1};
 
 private:
-    void scan() { blockOn(assembly->diskManager().startScan(false), 60s); }
+    void scan() { blockOn(assembly->diskManager().startScan(false), kPatience); }
 
     static bool isOfAFailure(const std::string &line) { return line.starts_with("   🏎️ ❌ Auto-mount failed: "); }
 

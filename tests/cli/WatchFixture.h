@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/BrindlectlFixture.h"
+#include "support/Patience.h"
 
 #include <QDeadlineTimer>
 
@@ -15,21 +16,19 @@ namespace brindle {
 
 using Identifiers = std::vector<std::string>;
 
-inline constexpr int kPatience = 60'000; // a hanging test fails; none waits for this
-
 /// `brindlectl watch` as a process that a test follows.
 class Watch : public Brindlectl {
 protected:
     ~Watch() override
     {
         watch.kill();
-        watch.waitForFinished(kPatience);
+        watch.waitForFinished(kPatienceMilliseconds);
     }
 
     /// The next line of standard output without its newline; empty where none comes.
     std::string nextLine()
     {
-        const QDeadlineTimer deadline(kPatience);
+        const QDeadlineTimer deadline(kPatienceMilliseconds);
         while (!watch.canReadLine() && watch.state() != QProcess::NotRunning && !deadline.hasExpired())
             watch.waitForReadyRead(100);
         return watch.readLine().trimmed().toStdString();
@@ -65,7 +64,7 @@ protected:
     int end(int signalNumber = SIGTERM)
     {
         signal(signalNumber);
-        EXPECT_TRUE(watch.state() == QProcess::NotRunning || watch.waitForFinished(kPatience));
+        EXPECT_TRUE(watch.state() == QProcess::NotRunning || watch.waitForFinished(kPatienceMilliseconds));
         EXPECT_EQ(watch.exitStatus(), QProcess::NormalExit);
         return watch.exitCode();
     }
@@ -77,7 +76,7 @@ protected:
             list << QString::fromStdString(argument);
         QProcess process;
         process.start(QStringLiteral(BRINDLE_MACHINE), list);
-        EXPECT_TRUE(process.waitForFinished(kPatience));
+        EXPECT_TRUE(process.waitForFinished(kPatienceMilliseconds));
         EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
         return process.readAllStandardOutput().trimmed().toStdString();
     }

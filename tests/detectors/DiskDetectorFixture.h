@@ -6,10 +6,10 @@
 #include "support/FakeToolRunner.h"
 #include "support/LogCapture.h"
 #include "support/MemoryUserDefaults.h"
+#include "support/Patience.h"
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <utility>
 
 namespace brindle {
@@ -19,7 +19,7 @@ protected:
     template <typename T>
     static T resultOf(QCoro::Task<T> task)
     {
-        return blockOn(std::move(task), std::chrono::seconds(10));
+        return blockOn(std::move(task), kPatience);
     }
 
     LogCapture log;

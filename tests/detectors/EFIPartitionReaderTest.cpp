@@ -3,11 +3,11 @@
 #include "base/BlockOn.h"
 #include "support/FakeToolRunner.h"
 #include "support/Fixtures.h"
+#include "support/Patience.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -151,7 +151,7 @@ protected:
     template <typename T>
     static T resultOf(QCoro::Task<T> task)
     {
-        return blockOn(std::move(task), std::chrono::seconds(10));
+        return blockOn(std::move(task), kPatience);
     }
 
     FakeToolRunner tools;
@@ -232,7 +232,7 @@ TEST_P(EFIMounted, WhereItWasOnlyAsTheSamePartition)
                                              .mediaUUID = GetParam().uuid,
                                              .isMounted = true,
                                              .mountPoint = "/Volumes/EFI"}),
-                      std::chrono::seconds(60)),
+                      kPatience),
               GetParam().isThere);
 }
 

@@ -4,10 +4,10 @@
 #include "detectors/FilesystemDetectorFixture.h"
 #include "support/FakeToolRunner.h"
 #include "support/Fixtures.h"
+#include "support/Patience.h"
 
 #include <gmock/gmock.h>
 
-#include <chrono>
 #include <string>
 
 namespace brindle {
@@ -22,7 +22,7 @@ protected:
     FilesystemFlags detect(std::string mainInfo, std::string section, CancellationToken token = {})
     {
         auto detection = detector.detectFilesystems("disk0", std::move(mainInfo), std::move(section), std::move(token));
-        return blockOn(std::move(detection), std::chrono::seconds(10));
+        return blockOn(std::move(detection), kPatience);
     }
 
     LogCapture log;
@@ -125,7 +125,7 @@ TEST_F(FilesystemDetectorTest, HandsItsTokenToTheTool)
     auto detection = detector.detectFilesystems("disk0", "", "1: A B 1 GB disk0s1\n", token);
     token.cancel();
 
-    EXPECT_EQ(blockOn(std::move(detection), std::chrono::seconds(10)), kNoSystem);
+    EXPECT_EQ(blockOn(std::move(detection), kPatience), kNoSystem);
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "EFICopyManagerFixture.h"
 
+#include "support/Patience.h"
+
 namespace brindle {
 namespace {
 
@@ -193,7 +195,7 @@ TEST_P(MismatchTest, FailsTheVerification)
     if (GetParam().added)
         writeFile(destinationEFI() / GetParam().added, "x");
 
-    EXPECT_THROW(blockOn(manager.verifyEFICopy(sourceEFI(), destinationEFI()), 30s), Error);
+    EXPECT_THROW(blockOn(manager.verifyEFICopy(sourceEFI(), destinationEFI()), kPatience), Error);
 
     EXPECT_EQ(manager.operationStatus(), "Verification failed - file mismatch");
 }

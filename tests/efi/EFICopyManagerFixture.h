@@ -10,6 +10,7 @@
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
 #include "support/MountedPlaces.h"
+#include "support/Patience.h"
 #include "support/WaitUntil.h"
 
 #include <QTemporaryDir>
@@ -18,7 +19,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -110,7 +110,7 @@ private:
     static std::optional<Error> errorOf(QCoro::Task<> task)
     {
         try {
-            blockOn(std::move(task), std::chrono::seconds(30));
+            blockOn(std::move(task), kPatience);
         } catch (const Error &error) {
             return error;
         }

@@ -1,5 +1,7 @@
 #include "EFICopyManagerFixture.h"
 
+#include "support/Patience.h"
+
 namespace brindle {
 namespace {
 
@@ -264,7 +266,7 @@ TEST_F(EFICopyManagerTest, VerifiesADestinationThatDiffersOnlyDeepInside)
     writeFile(destinationEFI() / ".hidden", "other bytes");
     forget();
 
-    EXPECT_NO_THROW(blockOn(manager.verifyEFICopy(sourceEFI(), destinationEFI()), 30s));
+    EXPECT_NO_THROW(blockOn(manager.verifyEFICopy(sourceEFI(), destinationEFI()), kPatience));
 
     EXPECT_THAT(statuses, ElementsAre("Verifying copied files...", "Verification completed successfully"));
 }
@@ -275,10 +277,10 @@ TEST_F(EFICopyManagerTest, VerifiesNamesThatTheFileSystemsListInAnotherOrder)
         writeFile(sourceEFI() / name, "");
     for (const char *name : {"c", "a", "b"})
         writeFile(destinationEFI() / name, "");
-    ASSERT_NE(blockOn(files.contentsOfDirectory(sourceEFI()), 30s),
-              blockOn(files.contentsOfDirectory(destinationEFI()), 30s));
+    ASSERT_NE(blockOn(files.contentsOfDirectory(sourceEFI()), kPatience),
+              blockOn(files.contentsOfDirectory(destinationEFI()), kPatience));
 
-    EXPECT_NO_THROW(blockOn(manager.verifyEFICopy(sourceEFI(), destinationEFI()), 30s));
+    EXPECT_NO_THROW(blockOn(manager.verifyEFICopy(sourceEFI(), destinationEFI()), kPatience));
 }
 
 TEST(EFICopyManager, OffersEveryOtherMountedPartitionInTheOrderOfTheList)

@@ -4,6 +4,7 @@
 #include "support/FakeMountNotifier.h"
 #include "support/FakeToolRunner.h"
 #include "support/FakeWorkspace.h"
+#include "support/Patience.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>

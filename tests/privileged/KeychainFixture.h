@@ -10,16 +10,14 @@
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
 #include "support/MemoryUserDefaults.h"
+#include "support/Patience.h"
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <optional>
 #include <utility>
 
 namespace brindle {
-
-constexpr auto kPatience = std::chrono::seconds(60); // a hanging test fails; none waits for this
 
 inline const SecretKey kPasswordKey{"com.orlane.Brindle", "admin-password"};
 inline const SecretKey kFirstLegacyKey{"com.orlane.Tansy", "admin-password"};

@@ -1,5 +1,7 @@
 #include "records/ToolRunnerFixture.h"
 
+#include "support/Patience.h"
+
 #include <gmock/gmock.h>
 
 #include <cstdlib>

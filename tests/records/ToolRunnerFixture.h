@@ -4,11 +4,11 @@
 #include "platform/linux/LinuxChildProcess.h"
 #include "records/ToolRunner.h"
 #include "support/ManualClock.h"
+#include "support/Patience.h"
 
 #include <QTemporaryDir>
 
 #include <cerrno>
-#include <chrono>
 #include <fstream>
 #include <map>
 #include <memory>
@@ -19,8 +19,6 @@
 #include <sys/stat.h>
 
 namespace brindle {
-
-inline constexpr std::chrono::seconds kPatience{30}; // of the machine: a hanging test fails, and none waits for this
 
 /// Hands everything on to the real launcher and counts the calls of terminate() that reach a running child.
 class CountingLauncher : public ChildProcessLauncher {

@@ -5,6 +5,7 @@
 #include "support/FileTree.h"
 #include "support/ManualClock.h"
 #include "support/MountedPlaces.h"
+#include "support/Patience.h"
 
 #include "base/BlockOn.h"
 
@@ -12,13 +13,10 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <filesystem>
 
 namespace brindle {
 namespace {
-
-using namespace std::chrono_literals;
 
 struct HeightCase {
     const char *name;
@@ -57,7 +55,7 @@ protected:
     {
         const EFIPartition a{.identifier = "disk1s1", .mountPoint = (folder() / "a").string()};
         const EFIPartition b{.identifier = "disk2s1", .mountPoint = (folder() / "b").string()};
-        blockOn(copyManager.copyEFI({.identifier = "disk1"}, a, {.identifier = "disk2"}, b, false), 30s);
+        blockOn(copyManager.copyEFI({.identifier = "disk1"}, a, {.identifier = "disk2"}, b, false), kPatience);
     }
 
     [[nodiscard]] std::optional<EFICopyState> state(bool showingDestinationSelection) const
@@ -104,7 +102,7 @@ TEST_F(EFICopyStateTest, IsTheProgressWhileACopyRuns)
                                                  {.identifier = "disk1s1", .mountPoint = (folder() / "a").string()});
 
     EXPECT_EQ(state(true), EFICopyState::inProgress());
-    EXPECT_THROW(blockOn(std::move(copying), 30s), Error); // its panel is cancelled
+    EXPECT_THROW(blockOn(std::move(copying), kPatience), Error); // its panel is cancelled
 }
 
 TEST_F(EFICopyStateTest, FollowsTheEraseDialogFirst)

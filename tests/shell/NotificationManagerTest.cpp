@@ -8,10 +8,10 @@
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
 #include "support/MemoryUserDefaults.h"
+#include "support/Patience.h"
 
 #include <gmock/gmock.h>
 
-#include <chrono>
 #include <memory>
 #include <string>
 #include <vector>
@@ -19,7 +19,6 @@
 namespace brindle {
 namespace {
 
-using namespace std::chrono_literals;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -36,7 +35,7 @@ protected:
     void send(const std::function<void(NotificationManager &)> &send)
     {
         send(manager);
-        blockOn(manager.allSent(), 1s);
+        blockOn(manager.allSent(), kPatience);
     }
     void mountWorks()
     {

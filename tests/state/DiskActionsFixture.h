@@ -4,6 +4,7 @@
 
 #include "base/DefaultsKeys.h"
 #include "support/FileTree.h"
+#include "support/Patience.h"
 
 #include <QTemporaryDir>
 
@@ -92,7 +93,7 @@ protected:
     {
         for (int i = 0; i < 100 && !task.isReady(); ++i)
             clock.advance(std::chrono::milliseconds(100));
-        return blockOn(std::move(task), std::chrono::seconds(5));
+        return blockOn(std::move(task), kPatience);
     }
 
     /// The description of the error that \a task throws; empty where it throws none.

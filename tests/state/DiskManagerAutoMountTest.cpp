@@ -4,6 +4,7 @@
 #include "state/AutoMountMarks.h"
 #include "state/DiskManagerFixture.h"
 #include "support/FileTree.h"
+#include "support/Patience.h"
 
 #include <QTemporaryDir>
 
@@ -227,7 +228,7 @@ TEST_F(AutoMountTest, MountsADiskAgainThatWasEjectedAndComesBackBeforeAnyScan)
     tools.answer(diskutil("eject disk2"), "Disk disk2 ejected\n");
     auto ejecting = manager().ejectDisk("disk2");
     clock.advance(1s); // the refresh behind it is passed over: the last scan was just now
-    blockOn(std::move(ejecting), 1s);
+    blockOn(std::move(ejecting), kPatience);
 
     scanWith({internalDisk(), stick()});
 
@@ -272,11 +273,11 @@ TEST_F(AutoMountTest, MountsNothingInAProgramThatShallNot)
     around.mountsMarkedDisks = false;
     DiskManager other(around);
     tools.answer(diskutil("list physical"), "");
-    blockOn(other.startScan(false), 1s);
+    blockOn(other.startScan(false), kPatience);
     ASSERT_TRUE(other.hasCompletedInitialScan());
     scanWith({stick()}); // prepares the answers
 
-    blockOn(other.startScan(false), 1s);
+    blockOn(other.startScan(false), kPatience);
     drainEventLoop();
 
     EXPECT_THAT(other.disks(), testing::SizeIs(1));

@@ -12,6 +12,7 @@
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
 #include "support/MemoryUserDefaults.h"
+#include "support/Patience.h"
 #include "sysinfo/SystemInfoDetector.h"
 
 #include <QCoreApplication>
@@ -19,7 +20,6 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
@@ -29,7 +29,7 @@ namespace brindle {
 /// A manager whose tools answer by the test's word and whose boot information is known: that there is none.
 class DiskManagerFixture : public testing::Test {
 protected:
-    DiskManagerFixture() { blockOn(systemInfo.refreshBootInfo(), std::chrono::seconds(1)); }
+    DiskManagerFixture() { blockOn(systemInfo.refreshBootInfo(), kPatience); }
 
     /// Made at the first call, so that a test can fill the user defaults before.
     DiskManager &manager()
@@ -82,7 +82,7 @@ protected:
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
 
-    void scan() { blockOn(manager().startScan(false), std::chrono::seconds(1)); }
+    void scan() { blockOn(manager().startScan(false), kPatience); }
 
     /// Answers the questions of a scan for whole disks without partitions.
     void plugIn(const std::vector<std::string> &identifiers)

@@ -1,6 +1,7 @@
 #include "state/DiskManagerFixture.h"
 
 #include "records/SerializablePhysicalDisk.h"
+#include "support/Patience.h"
 #include "support/SampleDisks.h"
 
 #include <array>
@@ -296,7 +297,7 @@ protected:
     bool refreshScans()
     {
         const std::size_t before = tools.calls().size();
-        blockOn(manager().refresh(false), 1s);
+        blockOn(manager().refresh(false), kPatience);
         return tools.calls().size() > before;
     }
 };
@@ -354,7 +355,7 @@ TEST_F(Throttle, DoesNotApplyToAForcedRefresh)
     EXPECT_TRUE(refreshScans());
     const std::size_t before = tools.calls().size();
 
-    blockOn(manager().refresh(true), 1s);
+    blockOn(manager().refresh(true), kPatience);
 
     EXPECT_GT(tools.calls().size(), before);
 }

@@ -1,6 +1,7 @@
 #include "state/DiskManagerFixture.h"
 
 #include "base/DefaultsKeys.h"
+#include "support/Patience.h"
 
 #include <string>
 #include <vector>
@@ -115,7 +116,7 @@ TEST_F(DiskManagerTest, EndsAScanWithoutDisksAtOnce)
 {
     tools.answer("/usr/sbin/diskutil list physical", "");
 
-    blockOn(manager().startScan(false), 1s);
+    blockOn(manager().startScan(false), kPatience);
 
     EXPECT_TRUE(manager().disks().empty());
     EXPECT_FALSE(manager().isLoadingDisks());
@@ -147,8 +148,8 @@ TEST_F(DiskManagerTest, LeavesTheFlagSetWhenACancelledScanMakesWayForOneWithoutF
     awaitCall("/usr/sbin/diskutil list physical");
 
     auto second = manager().startScan(false);
-    blockOn(std::move(second), 1s);
-    blockOn(std::move(first), 1s);
+    blockOn(std::move(second), kPatience);
+    blockOn(std::move(first), kPatience);
 
     EXPECT_TRUE(manager().isLoadingDisks());
     EXPECT_FALSE(manager().hasCompletedInitialScan());
@@ -163,8 +164,8 @@ TEST_F(DiskManagerTest, SkipsEveryScanWithoutForceWhileTheFlagIsLeftSet)
     auto first = manager().startScan(false);
     awaitCall("/usr/sbin/diskutil list physical");
     auto second = manager().startScan(false);
-    blockOn(std::move(second), 1s);
-    blockOn(std::move(first), 1s);
+    blockOn(std::move(second), kPatience);
+    blockOn(std::move(first), kPatience);
     tools.release("/usr/sbin/diskutil list physical");
 
     scan();
@@ -173,7 +174,7 @@ TEST_F(DiskManagerTest, SkipsEveryScanWithoutForceWhileTheFlagIsLeftSet)
 
     auto forced = manager().startScan(true);
     clock.advance(200ms);
-    blockOn(std::move(forced), 1s);
+    blockOn(std::move(forced), kPatience);
     EXPECT_FALSE(manager().isLoadingDisks());
     EXPECT_EQ(manager().disks().size(), 1U);
 }
@@ -187,11 +188,11 @@ TEST_F(DiskManagerTest, MendsTheFlagByAForcedScanThatWaitsForTheCancelledOnesToo
 
     auto second = manager().startScan(true);
     tools.release("/usr/sbin/diskutil list physical");
-    blockOn(std::move(first), 1s);
+    blockOn(std::move(first), kPatience);
     clock.advance(199ms);
     EXPECT_EQ(tools.calls().size(), 1U);
     clock.advance(1ms);
-    blockOn(std::move(second), 1s);
+    blockOn(std::move(second), kPatience);
 
     EXPECT_EQ(tools.calls().size(), 2U);
     EXPECT_FALSE(manager().isLoadingDisks());
@@ -205,8 +206,8 @@ TEST_F(DiskManagerTest, ScansWithoutForceAlsoForAForcedRefresh)
     auto running = manager().startScan(false);
     awaitCall("/usr/sbin/diskutil list physical");
 
-    blockOn(manager().refresh(true), 1s);
-    blockOn(std::move(running), 1s);
+    blockOn(manager().refresh(true), kPatience);
+    blockOn(std::move(running), kPatience);
 
     EXPECT_THAT(log.lines(), Contains("   ⏸️ Scan already in progress, skipping"));
     EXPECT_TRUE(manager().isLoadingDisks());
@@ -220,8 +221,8 @@ TEST_F(DiskManagerTest, DropsTheResultOfAScanThatIsCancelledWhileItReadsDisks)
     awaitCall("/usr/sbin/diskutil info disk0");
 
     auto second = manager().startScan(false);
-    blockOn(std::move(first), 1s);
-    blockOn(std::move(second), 1s);
+    blockOn(std::move(first), kPatience);
+    blockOn(std::move(second), kPatience);
 
     EXPECT_TRUE(manager().disks().empty());
     EXPECT_TRUE(manager().isLoadingDisks());
@@ -235,7 +236,7 @@ TEST_F(DiskManagerTest, StopsItsScanByEndingTheToolThatRuns)
     auto scanning = manager().startScan(false);
     awaitCall("/usr/sbin/diskutil info disk0");
 
-    blockOn(manager().stopScan(), 1s);
+    blockOn(manager().stopScan(), kPatience);
 
     EXPECT_TRUE(manager().disks().empty());
     EXPECT_THAT(log.lines(), Contains("   ❌ Task cancelled after processing disks"));
@@ -246,7 +247,7 @@ TEST_F(DiskManagerTest, HasNothingToStopWhenNoScanIsUnderWay)
     plugIn({"disk0"});
     scan();
 
-    blockOn(manager().stopScan(), 1s);
+    blockOn(manager().stopScan(), kPatience);
 
     EXPECT_EQ(manager().disks().size(), 1U);
 }
@@ -257,8 +258,8 @@ TEST_F(DiskManagerTest, GivesWayToTheSecondOfTwoScansOfOneTurn)
 
     auto first = manager().startScan(false);
     auto second = manager().startScan(false);
-    blockOn(std::move(first), 1s);
-    blockOn(std::move(second), 1s);
+    blockOn(std::move(first), kPatience);
+    blockOn(std::move(second), kPatience);
 
     EXPECT_THAT(tools.calls(), ElementsAre("/usr/sbin/diskutil list physical"));
     EXPECT_TRUE(manager().hasCompletedInitialScan());

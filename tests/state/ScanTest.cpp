@@ -2,6 +2,7 @@
 
 #include "assembly/Assembly.h"
 #include "base/DefaultsKeys.h"
+#include "support/Patience.h"
 #include "support/SimulatedMachine.h"
 
 #include <QTemporaryDir>
@@ -146,7 +147,7 @@ protected:
         bootTools.answer("/usr/sbin/diskutil info /", "   Part of Whole:   " + bootDisk + "\n");
         bootTools.answer("/usr/sbin/nvram 4D1FDA02-38C7-4A6A-9CC6-4BCCA8B30102:opencore-version",
                          "4D1FDA02-38C7-4A6A-9CC6-4BCCA8B30102:opencore-version\t" + openCoreVersion + "\n");
-        blockOn(systemInfo.refreshBootInfo(), 1s);
+        blockOn(systemInfo.refreshBootInfo(), kPatience);
     }
 
     const PhysicalDisk &disk() { return manager().disks().at(0); }
@@ -296,9 +297,9 @@ TEST_F(ScanOfOneDisk, AwaitsTheBootInformationOnceAndBeforeTheDiskList)
     EXPECT_THAT(tools.calls(), IsEmpty());
     EXPECT_EQ(log.lines().back(), "   ➡️ Starting system info detection");
     slow.release("/usr/sbin/diskutil info /");
-    blockOn(std::move(first), 1s);
+    blockOn(std::move(first), kPatience);
     const std::size_t asked = slow.calls().size();
-    blockOn(fresh.startScan(false), 1s);
+    blockOn(fresh.startScan(false), kPatience);
 
     EXPECT_EQ(slow.calls().size(), asked);
     EXPECT_THAT(log.lines(), Contains("   ✅ System info detection finished").Times(1));

@@ -1,4 +1,5 @@
 #include "support/ManualClock.h"
+#include "support/Patience.h"
 
 #include "base/BlockOn.h"
 #include "base/Completion.h"
@@ -212,7 +213,7 @@ TEST(ManualClock, NeverSleepsWithACancelledToken)
     token.cancel();
     std::vector<Scheduler::Date> wokenAt;
 
-    blockOn(sleepThenNote(&clock, 10s, token, &wokenAt), 5s);
+    blockOn(sleepThenNote(&clock, 10s, token, &wokenAt), kPatience);
 
     EXPECT_EQ(wokenAt.size(), 1U);
 }

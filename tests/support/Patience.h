@@ -4,8 +4,9 @@
 
 namespace brindle {
 
-/// How long a test waits for what comes at once on any machine that isn't overloaded: one that hangs fails in the end,
-/// and none waits for this.
+/// How long a test waits for what comes soon even on a busy machine: one that hangs fails in the end, and none waits
+/// for this.
 inline constexpr std::chrono::seconds kPatience{60};
+inline constexpr int kPatienceMilliseconds = static_cast<int>(std::chrono::milliseconds(kPatience).count());
 
 } // namespace brindle

@@ -1,4 +1,5 @@
 #include "support/PrivateBus.h"
+#include "support/Patience.h"
 
 #include <gtest/gtest.h>
 
@@ -9,8 +10,6 @@
 namespace brindle {
 
 namespace {
-
-constexpr int kPatience = 20'000; // milliseconds; nothing waits for so long but a failing test
 
 constexpr const char *kConfiguration =
     R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
@@ -52,7 +51,7 @@ void PrivateBus::start()
     configure({});
     m_daemon.start(QStringLiteral("dbus-daemon"), {QStringLiteral("--nofork"), QStringLiteral("--print-address"),
                                                    QStringLiteral("--config-file=") + configurationPath()});
-    EXPECT_TRUE(m_daemon.waitForReadyRead(kPatience)) << m_daemon.readAllStandardError().toStdString();
+    EXPECT_TRUE(m_daemon.waitForReadyRead(kPatienceMilliseconds)) << m_daemon.readAllStandardError().toStdString();
 }
 
 void PrivateBus::refuse(const char *interface, const char *member)
@@ -64,7 +63,7 @@ void PrivateBus::refuse(const char *interface, const char *member)
                  {QStringLiteral("--session"), QStringLiteral("--print-reply"),
                   QStringLiteral("--dest=org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
                   QStringLiteral("org.freedesktop.DBus.ReloadConfig")});
-    EXPECT_TRUE(reload.waitForFinished(kPatience) && reload.exitCode() == 0)
+    EXPECT_TRUE(reload.waitForFinished(kPatienceMilliseconds) && reload.exitCode() == 0)
         << reload.readAllStandardError().toStdString();
 }
 
@@ -85,7 +84,7 @@ PrivateBus::~PrivateBus()
 void PrivateBus::end()
 {
     m_daemon.terminate();
-    EXPECT_TRUE(m_daemon.waitForFinished(kPatience));
+    EXPECT_TRUE(m_daemon.waitForFinished(kPatienceMilliseconds));
 }
 
 } // namespace brindle

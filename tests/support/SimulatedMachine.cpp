@@ -16,6 +16,7 @@
 #include "platform/qt/QtScheduler.h"
 #include "support/LogCapture.h"
 #include "support/MemoryUserDefaults.h"
+#include "support/Patience.h"
 
 #include <fmt/format.h>
 
@@ -250,7 +251,7 @@ SimulatedScan SimulatedMachine::scan()
 {
     LogCapture capture;
     Assembly assembly(platform());
-    blockOn(assembly.diskManager().startScan(false), std::chrono::seconds(60));
+    blockOn(assembly.diskManager().startScan(false), kPatience);
     m_log.insert(m_log.end(), capture.lines().begin(), capture.lines().end());
     return {assembly.diskManager().disks()};
 }

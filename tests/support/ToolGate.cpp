@@ -1,4 +1,5 @@
 #include "support/ToolGate.h"
+#include "support/Patience.h"
 
 #include <poll.h>
 #include <sys/socket.h>
@@ -17,8 +18,6 @@ namespace brindle {
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr int kPatienceMilliseconds = 60'000; // a hanging test fails; none waits for this
 
 void require(bool isDone, const char *what)
 {

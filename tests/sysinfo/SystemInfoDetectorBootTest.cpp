@@ -1,6 +1,7 @@
 #include "sysinfo/SystemInfoDetectorFixture.h"
 
 #include "base/Text.h"
+#include "support/Patience.h"
 
 #include <fmt/format.h>
 
@@ -104,7 +105,7 @@ TEST_F(SystemInfoDetectorTest, AsksForTheBootPathOnlyOnceTheVersionOfOpenCoreIsT
     drainEventLoop();
     EXPECT_THAT(tools.calls(), Not(Contains(bootPath)));
     tools.release(openCoreVersion);
-    blockOn(std::move(pass), std::chrono::seconds(10));
+    blockOn(std::move(pass), kPatience);
 
     EXPECT_THAT(tools.calls(), Contains(bootPath));
 }
@@ -201,7 +202,7 @@ TEST_F(SystemInfoDetectorTest, AsksAllDisksAtOnceWithoutABound)
         EXPECT_THAT(tools.calls(), Not(Contains(info(disk + "s2"))));
         tools.release(info(disk + "s1"));
     }
-    blockOn(std::move(pass), std::chrono::seconds(10));
+    blockOn(std::move(pass), kPatience);
 }
 
 TEST_F(SystemInfoDetectorTest, EndsTheToolsOfAllOtherDisksOnceOneHasTheUUID)

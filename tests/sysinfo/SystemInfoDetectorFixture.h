@@ -4,11 +4,11 @@
 #include "support/FakeToolRunner.h"
 #include "support/LogCapture.h"
 #include "support/ManualClock.h"
+#include "support/Patience.h"
 #include "sysinfo/SystemInfoDetector.h"
 
 #include <gmock/gmock.h>
 
-#include <chrono>
 #include <memory>
 #include <string>
 #include <utility>
@@ -50,8 +50,8 @@ protected:
 
     static std::string infoWith(const std::string &uuid) { return "   Disk / Partition UUID:   " + uuid + "\n"; }
 
-    void refresh() { blockOn(detector->refreshBootInfo(), std::chrono::seconds(10)); }
-    void detect() { blockOn(detector->detectSystemInfo(), std::chrono::seconds(10)); }
+    void refresh() { blockOn(detector->refreshBootInfo(), kPatience); }
+    void detect() { blockOn(detector->detectSystemInfo(), kPatience); }
 
     LogCapture log;
     FakeToolRunner tools;

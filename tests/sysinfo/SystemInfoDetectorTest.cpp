@@ -1,19 +1,18 @@
 #include "sysinfo/SystemInfoDetectorFixture.h"
 
+#include "support/Patience.h"
+
 #include <algorithm>
 #include <map>
 
 namespace brindle {
 namespace {
 
-using namespace std::chrono_literals;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
 using testing::Pair;
-
-constexpr auto kPatience = 10s; // of the machine: a hanging test fails, and none waits for this
 
 TEST_F(SystemInfoDetectorTest, KnowsNothingBeforeItsFirstPass)
 {

@@ -6,6 +6,7 @@
 
 #include "base/BlockOn.h"
 #include "support/LogCapture.h"
+#include "support/Patience.h"
 #include "support/WaitUntil.h"
 
 #include <QApplication>
@@ -20,7 +21,6 @@
 namespace brindle {
 namespace {
 
-using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -103,7 +103,7 @@ TEST_F(QtDialogsTest, ShowsAnAlertOverTheWindowInFront)
     EXPECT_FALSE(answer.isReady());
     click(window, QStringLiteral("button1"));
 
-    EXPECT_EQ(blockOn(std::move(answer), 5s), 1U);
+    EXPECT_EQ(blockOn(std::move(answer), kPatience), 1U);
     EXPECT_THAT(alertWindows(), IsEmpty());
 }
 
@@ -120,7 +120,7 @@ TEST_F(QtDialogsTest, AsksTheDesktopForTheFrameOfADialogThatCanOnlyBeClosed)
     EXPECT_EQ(window.minimumSize(), window.maximumSize());
 
     window.close();
-    EXPECT_EQ(blockOn(std::move(answer), 5s), 2U);
+    EXPECT_EQ(blockOn(std::move(answer), kPatience), 2U);
 }
 
 struct AnswerCase {
@@ -150,7 +150,7 @@ TEST_P(AlertAnswer, IsTheButtonThatItStandsFor)
 
     GetParam().answer(alertWindow());
 
-    EXPECT_EQ(blockOn(std::move(answer), 5s), GetParam().button);
+    EXPECT_EQ(blockOn(std::move(answer), kPatience), GetParam().button);
     EXPECT_THAT(alertWindows(), IsEmpty());
 }
 
@@ -163,12 +163,12 @@ TEST_F(QtDialogsTest, ShowsOneDialogAtATimeInTheirOrder)
     EXPECT_EQ(alertWindows().size(), 1U);
 
     press(alertWindow(), Qt::Key_Return);
-    EXPECT_EQ(blockOn(std::move(first), 5s), 0U);
+    EXPECT_EQ(blockOn(std::move(first), kPatience), 0U);
 
     EXPECT_EQ(alertWindow().title(), u"Second");
     EXPECT_EQ(alertWindow().transientParent(), &main.window());
     press(alertWindow(), Qt::Key_Return);
-    EXPECT_EQ(blockOn(std::move(second), 5s), 0U);
+    EXPECT_EQ(blockOn(std::move(second), kPatience), 0U);
 }
 
 TEST_F(QtDialogsTest, GivesTheTextThatWasTypedOverTheProposal)
@@ -183,7 +183,7 @@ TEST_F(QtDialogsTest, GivesTheTextThatWasTypedOverTheProposal)
     type(window, QStringLiteral("NEW"));
     press(window, Qt::Key_Return);
 
-    EXPECT_EQ(blockOn(std::move(answer), 5s), "NEW");
+    EXPECT_EQ(blockOn(std::move(answer), kPatience), "NEW");
 }
 
 TEST_F(QtDialogsTest, GivesNoTextWhereThePromptIsCancelled)
@@ -192,7 +192,7 @@ TEST_F(QtDialogsTest, GivesNoTextWhereThePromptIsCancelled)
 
     press(alertWindow(), Qt::Key_Escape);
 
-    EXPECT_EQ(blockOn(std::move(answer), 5s), std::nullopt);
+    EXPECT_EQ(blockOn(std::move(answer), kPatience), std::nullopt);
 }
 
 TEST_F(QtDialogsTest, GivesThePasswordThatWasTypedAndShowsAndLogsItNowhere)
@@ -209,7 +209,7 @@ TEST_F(QtDialogsTest, GivesThePasswordThatWasTypedAndShowsAndLogsItNowhere)
     EXPECT_FALSE(field->property("text").toString().contains(u'o'));
     EXPECT_FALSE(field->property("displayText").toString().contains(u'o'));
     press(window, Qt::Key_Return);
-    const std::optional<Secret> password = blockOn(std::move(answer), 5s);
+    const std::optional<Secret> password = blockOn(std::move(answer), kPatience);
 
     ASSERT_TRUE(password);
     EXPECT_EQ(password->view(), "open sesame");
@@ -222,7 +222,7 @@ TEST_F(QtDialogsTest, GivesAnEmptyPasswordWhereNothingWasTyped)
 
     click(alertWindow(), QStringLiteral("button0"));
 
-    EXPECT_EQ(blockOn(std::move(answer), 5s), Secret());
+    EXPECT_EQ(blockOn(std::move(answer), kPatience), Secret());
 }
 
 TEST_F(QtDialogsTest, GivesNoPasswordWhereThePromptIsCancelled)
@@ -232,7 +232,7 @@ TEST_F(QtDialogsTest, GivesNoPasswordWhereThePromptIsCancelled)
 
     click(alertWindow(), QStringLiteral("button1"));
 
-    EXPECT_EQ(blockOn(std::move(answer), 5s), std::nullopt);
+    EXPECT_EQ(blockOn(std::move(answer), kPatience), std::nullopt);
 }
 
 class DialogPictures : public QtDialogsTest, public testing::WithParamInterface<ColorScheme> {
@@ -269,7 +269,7 @@ TEST_P(DialogPictures, ShowASecurePrompt)
 
     expectPicture("prompt-password");
 
-    EXPECT_EQ(blockOn(std::move(answer), 5s), std::nullopt);
+    EXPECT_EQ(blockOn(std::move(answer), kPatience), std::nullopt);
 }
 
 TEST_P(DialogPictures, ShowATextPromptWithALongName)
@@ -285,7 +285,7 @@ TEST_P(DialogPictures, ShowATextPromptWithALongName)
 
     expectPicture("prompt-rename");
 
-    EXPECT_EQ(blockOn(std::move(answer), 5s), std::nullopt);
+    EXPECT_EQ(blockOn(std::move(answer), kPatience), std::nullopt);
 }
 
 TEST_P(DialogPictures, ShowAWarning)
@@ -299,7 +299,7 @@ TEST_P(DialogPictures, ShowAWarning)
 
     expectPicture("alert-warning");
 
-    EXPECT_EQ(blockOn(std::move(answer), 5s), 0U);
+    EXPECT_EQ(blockOn(std::move(answer), kPatience), 0U);
 }
 
 TEST_P(DialogPictures, ShowAnAlertLongerThanTheScreen)
@@ -311,7 +311,7 @@ TEST_P(DialogPictures, ShowAnAlertLongerThanTheScreen)
 
     expectPicture("alert-long");
 
-    EXPECT_EQ(blockOn(std::move(answer), 5s), 1U);
+    EXPECT_EQ(blockOn(std::move(answer), kPatience), 1U);
 }
 
 class SavePanelTest : public QtDialogsTest {
@@ -351,7 +351,7 @@ TEST_F(SavePanelTest, ProposesTheNameInTheFolder)
 
     QMetaObject::invokeMethod(&shown, "accept");
 
-    EXPECT_EQ(blockOn(std::move(answer), 5s), request.startFolder + "/EFI_Stick_disk2s1");
+    EXPECT_EQ(blockOn(std::move(answer), kPatience), request.startFolder + "/EFI_Stick_disk2s1");
 }
 
 TEST_F(SavePanelTest, GivesNothingWhereItIsCancelled)
@@ -360,7 +360,7 @@ TEST_F(SavePanelTest, GivesNothingWhereItIsCancelled)
 
     panel().reject();
 
-    EXPECT_EQ(blockOn(std::move(answer), 5s), std::nullopt);
+    EXPECT_EQ(blockOn(std::move(answer), kPatience), std::nullopt);
 }
 
 TEST_F(SavePanelTest, GivesNothingWhereTheWindowBeneathIsClosed)
@@ -370,7 +370,7 @@ TEST_F(SavePanelTest, GivesNothingWhereTheWindowBeneathIsClosed)
 
     main.window().close();
 
-    EXPECT_EQ(blockOn(std::move(answer), 5s), std::nullopt);
+    EXPECT_EQ(blockOn(std::move(answer), kPatience), std::nullopt);
 }
 
 TEST_F(SavePanelTest, BeginsAtHomeWhereTheFolderIsNotThere)
@@ -381,7 +381,7 @@ TEST_F(SavePanelTest, BeginsAtHomeWhereTheFolderIsNotThere)
     EXPECT_EQ(panel().directory().path(), QDir::homePath());
 
     panel().reject();
-    EXPECT_EQ(blockOn(std::move(answer), 5s), std::nullopt);
+    EXPECT_EQ(blockOn(std::move(answer), kPatience), std::nullopt);
 }
 
 } // namespace

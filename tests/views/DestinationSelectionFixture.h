@@ -2,6 +2,7 @@
 
 #include "EFICopyViewFixture.h"
 #include "base/BlockOn.h"
+#include "support/Patience.h"
 
 #include <memory>
 #include <string>
@@ -48,7 +49,7 @@ protected:
         try {
             blockOn(manager.copyEFI(source, source.efiPartitions[0], destination, destination.efiPartitions[0],
                                     overwriteWithoutBackup),
-                    std::chrono::seconds(30));
+                    kPatience);
         } catch (const Error &) { // told by the manager's fields
         }
     }

@@ -1,5 +1,6 @@
 #include "platform/linux/Compositor.h"
 
+#include "support/Patience.h"
 #include "support/WaitUntil.h"
 
 #include <QAbstractEventDispatcher>
@@ -18,8 +19,6 @@
 namespace brindle {
 namespace {
 
-constexpr int kPatience = 20'000; // milliseconds; nothing waits for so long but a failing test
-
 /// A process without X11 until a screen is started.
 class CompositorTest : public testing::Test {
 protected:
@@ -34,14 +33,14 @@ protected:
     {
         screen.start(QStringLiteral("Xvfb"), {QStringLiteral("-displayfd"), QStringLiteral("1"),
                                               QStringLiteral("-nolisten"), QStringLiteral("tcp")});
-        ASSERT_TRUE(screen.waitForReadyRead(kPatience)) << screen.readAllStandardError().toStdString();
+        ASSERT_TRUE(screen.waitForReadyRead(kPatienceMilliseconds)) << screen.readAllStandardError().toStdString();
         qputenv("DISPLAY", ":" + screen.readLine().trimmed());
     }
 
     void endScreen()
     {
         screen.terminate();
-        EXPECT_TRUE(screen.state() == QProcess::NotRunning || screen.waitForFinished(kPatience));
+        EXPECT_TRUE(screen.state() == QProcess::NotRunning || screen.waitForFinished(kPatienceMilliseconds));
     }
 
     QProcess screen;

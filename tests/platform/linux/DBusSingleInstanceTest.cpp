@@ -1,6 +1,7 @@
 #include "platform/linux/DBusSingleInstance.h"
 
 #include "base/BlockOn.h"
+#include "support/Patience.h"
 #include "support/PrivateBus.h"
 #include "support/WaitUntil.h"
 
@@ -64,7 +65,7 @@ protected:
 
     ~DBusSingleInstanceTest() override { qunsetenv(kActivationToken); }
 
-    static bool claim(DBusSingleInstance &instance) { return blockOn(instance.claim(), 20s); }
+    static bool claim(DBusSingleInstance &instance) { return blockOn(instance.claim(), kPatience); }
 
     /// Counts how often \a instance was started again.
     void watch(DBusSingleInstance &instance)
@@ -117,7 +118,7 @@ TEST_F(DBusSingleInstanceTest, WaitsForNothing)
     auto claiming = first.claim();
     EXPECT_FALSE(claiming.isReady());
 
-    EXPECT_TRUE(blockOn(std::move(claiming), 20s));
+    EXPECT_TRUE(blockOn(std::move(claiming), kPatience));
 }
 
 TEST_F(DBusSingleInstanceTest, GivesTheNameBackAtItsEnd)

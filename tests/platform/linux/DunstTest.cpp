@@ -3,6 +3,7 @@
 #include "platform/linux/DBusNotificationDaemon.h"
 #include "platform/linux/FreedesktopNotifications.h"
 
+#include "support/Patience.h"
 #include "support/PrivateBus.h"
 #include "support/WaitUntil.h"
 
@@ -26,8 +27,6 @@ namespace brindle {
 namespace {
 
 using testing::ElementsAre;
-
-constexpr int kPatience = 20'000; // milliseconds; nothing waits for so long but a failing test
 
 const QString kSession = QStringLiteral("the test's own");
 
@@ -60,7 +59,7 @@ protected:
         QDBusConnection::disconnectFromBus(kSession);
         for (QProcess *process : {&dunst, &screen}) {
             process->terminate();
-            EXPECT_TRUE(process->state() == QProcess::NotRunning || process->waitForFinished(kPatience));
+            EXPECT_TRUE(process->state() == QProcess::NotRunning || process->waitForFinished(kPatienceMilliseconds));
         }
     }
 
@@ -77,7 +76,7 @@ protected:
     {
         screen.start(QStringLiteral("Xvfb"), {QStringLiteral("-displayfd"), QStringLiteral("1"),
                                               QStringLiteral("-nolisten"), QStringLiteral("tcp")});
-        ASSERT_TRUE(screen.waitForReadyRead(kPatience)) << screen.readAllStandardError().toStdString();
+        ASSERT_TRUE(screen.waitForReadyRead(kPatienceMilliseconds)) << screen.readAllStandardError().toStdString();
         display = QStringLiteral(":") + QString::fromLatin1(screen.readLine().trimmed());
     }
 
@@ -170,7 +169,7 @@ TEST_F(DunstTest, GetsAStrangersNameEscapedWhereItKnowsMarkup)
 TEST_F(DunstTest, GetsAStrangersNameAsItIsWhereItShowsMarkup)
 {
     dunst.terminate();
-    ASSERT_TRUE(dunst.waitForFinished(kPatience));
+    ASSERT_TRUE(dunst.waitForFinished(kPatienceMilliseconds));
     startDunst("no");
     send("<b>A</b> & <i>B");
 
@@ -183,7 +182,7 @@ TEST_F(DunstTest, MayBeStartedAnewMeanwhile)
 {
     send("One");
     dunst.terminate();
-    ASSERT_TRUE(dunst.waitForFinished(kPatience));
+    ASSERT_TRUE(dunst.waitForFinished(kPatienceMilliseconds));
     startDunst();
     send("Two");
 

@@ -2,6 +2,7 @@
 
 #include "platform/linux/OutputPipe.h"
 #include "platform/linux/RealChild.h"
+#include "support/Patience.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

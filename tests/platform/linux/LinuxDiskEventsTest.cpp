@@ -3,6 +3,7 @@
 #include "platform/linux/LinuxDiskEvents.h"
 
 #include "platform/linux/UdevDiskSession.h"
+#include "support/Patience.h"
 #include "support/Sanitizer.h"
 
 #include <QCoreApplication>
@@ -32,8 +33,6 @@ namespace fs = std::filesystem;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;
-
-constexpr int kPatience = 20'000; // a hanging test fails; none waits for this
 constexpr auto kMounted = DiskEvents::VolumeChange::mounted;
 constexpr auto kUnmounted = DiskEvents::VolumeChange::unmounted;
 
@@ -47,7 +46,7 @@ std::string shell(const std::string &line)
 {
     QProcess process;
     process.start(QStringLiteral("/bin/sh"), {QStringLiteral("-ec"), QString::fromStdString(line)});
-    const bool isDone = process.waitForFinished(kPatience) && process.exitCode() == 0;
+    const bool isDone = process.waitForFinished(kPatienceMilliseconds) && process.exitCode() == 0;
     EXPECT_TRUE(isDone) << line << ": " << process.readAllStandardError().toStdString();
     return process.readAllStandardOutput().trimmed().toStdString();
 }
@@ -55,7 +54,7 @@ std::string shell(const std::string &line)
 /// Runs the event loop until \a isDone, or until patience ends.
 void waitUntil(const std::function<bool()> &isDone)
 {
-    const QDeadlineTimer deadline(kPatience);
+    const QDeadlineTimer deadline(kPatienceMilliseconds);
     while (!isDone() && !deadline.hasExpired())
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
     EXPECT_TRUE(isDone());

@@ -3,6 +3,7 @@
 #include "base/BlockOn.h"
 #include "support/FileTree.h"
 #include "support/Fixtures.h"
+#include "support/Patience.h"
 
 #include <QProcess>
 #include <QTemporaryDir>
@@ -12,7 +13,6 @@
 
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -26,7 +26,6 @@ namespace brindle {
 namespace {
 
 namespace fs = std::filesystem;
-using namespace std::chrono_literals;
 using testing::HasSubstr;
 
 bool runs(const char *program, const QStringList &arguments)
@@ -70,7 +69,7 @@ protected:
     [[nodiscard]] fs::path source() const { return folder() / "EFI"; }
     [[nodiscard]] fs::path target() const { return fat() / "EFI"; }
 
-    void copy(const fs::path &from, const fs::path &to) { blockOn(files.copyItem(from, to), 60s); }
+    void copy(const fs::path &from, const fs::path &to) { blockOn(files.copyItem(from, to), kPatience); }
 
     Error errorOfCopy()
     {

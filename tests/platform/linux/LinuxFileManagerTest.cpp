@@ -5,6 +5,7 @@
 #include "support/ChildOfTest.h"
 #include "support/FileTree.h"
 #include "support/Fixtures.h"
+#include "support/Patience.h"
 
 #include <QTemporaryDir>
 
@@ -13,7 +14,6 @@
 
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <filesystem>
 #include <string>
 
@@ -26,7 +26,6 @@ namespace brindle {
 namespace {
 
 namespace fs = std::filesystem;
-using namespace std::chrono_literals;
 using testing::HasSubstr;
 using testing::UnorderedElementsAre;
 
@@ -56,12 +55,12 @@ protected:
     [[nodiscard]] fs::path source() const { return fs::path(m_source.path().toStdString()) / "EFI"; }
     [[nodiscard]] fs::path target() const { return fs::path(m_target.path().toStdString()) / "copy"; }
 
-    void copy() { blockOn(files.copyItem(source(), target()), 60s); }
+    void copy() { blockOn(files.copyItem(source(), target()), kPatience); }
 
     Error errorOfCopy(CancellationToken token = {})
     {
         try {
-            blockOn(files.copyItem(source(), target(), token), 60s);
+            blockOn(files.copyItem(source(), target(), token), kPatience);
         } catch (const Error &error) {
             return error;
         }
@@ -246,7 +245,7 @@ TEST_P(LinuxFileManagerTest, RefusesAFolderAsTargetOfItself)
 
     for (const fs::path &inside : {source() / "copy", source() / "OC/copy", source().parent_path() / "alias/copy"}) {
         try {
-            blockOn(files.copyItem(source(), inside), 60s);
+            blockOn(files.copyItem(source(), inside), kPatience);
             ADD_FAILURE() << inside << " was taken";
         } catch (const Error &error) {
             EXPECT_EQ(error.code(), static_cast<int>(CopyError::intoItself)) << error.what();
@@ -260,7 +259,7 @@ TEST_P(LinuxFileManagerTest, CopiesToAFolderBesideWhoseNameBeginsAlike)
 {
     writeSampleEFI(source());
 
-    blockOn(files.copyItem(source(), source().string() + "2"), 60s);
+    blockOn(files.copyItem(source(), source().string() + "2"), kPatience);
 
     EXPECT_EQ(treeOf(source().string() + "2"), treeOf(source()));
 }
@@ -287,7 +286,7 @@ TEST_P(LinuxFileManagerTest, StopsAmidACopyThatIsCancelled)
 
     token.cancel();
 
-    EXPECT_THROW(blockOn(std::move(copying), 60s), Error);
+    EXPECT_THROW(blockOn(std::move(copying), kPatience), Error);
     EXPECT_LT(treeOf(target()).size(), 3000U);
 }
 
@@ -297,7 +296,7 @@ TEST_P(LinuxFileManagerTest, RemovesAFolderWithAllThatIsBeneathItAndNothingElse)
     writeFile(target() / "kept", "kept");
     fs::create_directory_symlink(target(), source() / "OC/link");
 
-    blockOn(files.removeItem(source().string() + "/"), 60s);
+    blockOn(files.removeItem(source().string() + "/"), kPatience);
 
     EXPECT_FALSE(fs::exists(source()));
     EXPECT_EQ(contentsOf(target() / "kept"), "kept");
@@ -308,7 +307,7 @@ TEST_P(LinuxFileManagerTest, RemovesALinkAndNotWhatItLeadsTo)
     writeFile(target() / "kept", "kept");
     fs::create_directory_symlink(target(), source());
 
-    blockOn(files.removeItem(source()), 60s);
+    blockOn(files.removeItem(source()), kPatience);
 
     EXPECT_FALSE(fs::is_symlink(source()));
     EXPECT_EQ(contentsOf(target() / "kept"), "kept");
@@ -321,7 +320,7 @@ TEST_P(LinuxFileManagerTest, NamesWhatCannotBeRemoved)
     ::chmod((source() / "OC").c_str(), 0555);
 
     try {
-        blockOn(files.removeItem(source()), 60s);
+        blockOn(files.removeItem(source()), kPatience);
         ADD_FAILURE() << "it was removed";
     } catch (const Error &error) {
         EXPECT_EQ(error.code(), EACCES);
@@ -335,7 +334,7 @@ TEST_P(LinuxFileManagerTest, ListsHiddenEntriesTooAndOneLevelAlone)
     writeFile(source() / ".hidden", "");
     writeFile(source() / "OC/config.plist", "");
 
-    EXPECT_THAT(blockOn(files.contentsOfDirectory(source()), 60s), UnorderedElementsAre(".hidden", "OC"));
+    EXPECT_THAT(blockOn(files.contentsOfDirectory(source()), kPatience), UnorderedElementsAre(".hidden", "OC"));
 }
 
 TEST_P(LinuxFileManagerTest, ListsMoreThanOneCallOfTheKernelGives)
@@ -343,14 +342,14 @@ TEST_P(LinuxFileManagerTest, ListsMoreThanOneCallOfTheKernelGives)
     for (int i = 0; i < 3000; ++i)
         writeFile(source() / ("a name of some length " + std::to_string(i)), "");
 
-    EXPECT_EQ(blockOn(files.contentsOfDirectory(source()), 60s).size(), 3000U);
+    EXPECT_EQ(blockOn(files.contentsOfDirectory(source()), kPatience).size(), 3000U);
 }
 
 TEST_P(LinuxFileManagerTest, CannotListAFile)
 {
     writeFile(source(), "x");
 
-    EXPECT_THROW(blockOn(files.contentsOfDirectory(source()), 60s), Error);
+    EXPECT_THROW(blockOn(files.contentsOfDirectory(source()), kPatience), Error);
 }
 
 TEST_P(LinuxFileManagerTest, TakesALinkToNothingForNothing)

@@ -3,6 +3,7 @@
 #include "platform/linux/FileDescriptor.h"
 #include "platform/linux/PlistUserDefaultsFixture.h"
 #include "support/ChildOfTest.h"
+#include "support/Patience.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -13,14 +14,12 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <csignal>
 
 namespace brindle {
 namespace {
 
 namespace fs = std::filesystem;
-using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -34,12 +33,12 @@ std::string keyOf(int writer, int number)
     return std::to_string(writer) + "." + std::to_string(number);
 }
 
-/// Runs the event loop until \a store has told of a change, for 10 seconds at most.
+/// Runs the event loop until \a store has told of a change, as long as tests wait.
 void waitForChange(UserDefaults &store)
 {
     QEventLoop loop;
     QObject::connect(&store, &UserDefaults::valueChanged, &loop, &QEventLoop::quit);
-    QTimer::singleShot(10s, &loop, &QEventLoop::quit);
+    QTimer::singleShot(kPatience, &loop, &QEventLoop::quit);
     loop.exec();
 }
 

@@ -1,6 +1,7 @@
 #include "platform/linux/PrivateSession.h"
 
 #include "platform/linux/SecretServiceStore.h"
+#include "support/Patience.h"
 
 #include <gtest/gtest.h>
 
@@ -12,8 +13,6 @@
 namespace brindle {
 
 namespace {
-
-constexpr int kPatience = 20'000; // milliseconds; nothing waits for so long but a failing test
 
 } // namespace
 
@@ -47,9 +46,9 @@ void PrivateSession::startKeyring()
     m_keyring.start(QStringLiteral("gnome-keyring-daemon"), {QStringLiteral("--unlock"), QStringLiteral("--foreground"),
                                                              QStringLiteral("--components=secrets")});
     m_keyring.write("password of the keyring");
-    ASSERT_TRUE(m_keyring.waitForBytesWritten(kPatience));
+    ASSERT_TRUE(m_keyring.waitForBytesWritten(kPatienceMilliseconds));
     m_keyring.closeWriteChannel();
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kPatience);
+    const auto deadline = std::chrono::steady_clock::now() + kPatience;
     while (!SecretServiceStore::isAvailable()) {
         ASSERT_LT(std::chrono::steady_clock::now(), deadline) << m_keyring.readAllStandardError().toStdString();
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
@@ -64,7 +63,7 @@ void PrivateSession::lockKeyring()
 void PrivateSession::endKeyring()
 {
     m_keyring.terminate();
-    EXPECT_TRUE(m_keyring.waitForFinished(kPatience));
+    EXPECT_TRUE(m_keyring.waitForFinished(kPatienceMilliseconds));
 }
 
 void PrivateSession::endBus()
@@ -86,7 +85,7 @@ std::string PrivateSession::secretTool(const std::vector<std::string> &arguments
         list << QString::fromStdString(argument);
     tool.setProcessChannelMode(QProcess::MergedChannels); // attributes go to standard error
     tool.start(QStringLiteral("secret-tool"), list);
-    EXPECT_TRUE(tool.waitForFinished(kPatience));
+    EXPECT_TRUE(tool.waitForFinished(kPatienceMilliseconds));
     return tool.readAll().toStdString();
 }
 

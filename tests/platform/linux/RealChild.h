@@ -4,9 +4,9 @@
 
 #include "base/BlockOn.h"
 #include "base/Completion.h"
+#include "support/Patience.h"
 
 #include <cerrno>
-#include <chrono>
 #include <memory>
 #include <string>
 #include <utility>
@@ -14,8 +14,6 @@
 #include <sys/wait.h>
 
 namespace brindle {
-
-constexpr auto kPatience = std::chrono::seconds(30); // a hanging test fails; none waits for this
 
 inline QCoro::Task<ChildProcessEnd> await(Completion<ChildProcessEnd> completion)
 {

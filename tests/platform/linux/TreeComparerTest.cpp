@@ -5,6 +5,7 @@
 #include "base/Error.h"
 #include "support/FileTree.h"
 #include "support/LogCapture.h"
+#include "support/Patience.h"
 
 #include <QTemporaryDir>
 
@@ -12,7 +13,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <filesystem>
 #include <string>
 
@@ -23,7 +23,6 @@ namespace brindle {
 namespace {
 
 namespace fs = std::filesystem;
-using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::StartsWith;
@@ -40,7 +39,7 @@ protected:
     [[nodiscard]] fs::path first() const { return fs::path(m_folder.path().toStdString()) / "first"; }
     [[nodiscard]] fs::path second() const { return fs::path(m_folder.path().toStdString()) / "second"; }
 
-    [[nodiscard]] TreeComparison compare() { return blockOn(files.compareItems(first(), second()), 60s); }
+    [[nodiscard]] TreeComparison compare() { return blockOn(files.compareItems(first(), second()), kPatience); }
 
     LinuxFileManager files{TREE_COMPARER_MODULE};
 
@@ -159,7 +158,7 @@ TEST_F(TreeComparerTest, IsNotThereWithoutItsModule)
     LinuxFileManager withoutModule("/nonexistent/module.so");
 
     try {
-        (void)blockOn(withoutModule.compareItems(first(), second()), 60s);
+        (void)blockOn(withoutModule.compareItems(first(), second()), kPatience);
         ADD_FAILURE() << "nothing was thrown";
     } catch (const Error &error) {
         EXPECT_EQ(error.localizedDescription(), "Folders can't be compared: a module of the program can't be loaded.");

@@ -1,5 +1,7 @@
 #include "platform/qt/MachineFileEvents.h"
 
+#include "support/Patience.h"
+
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 
@@ -55,7 +57,7 @@ protected:
     /// Runs the event loop until \a count events were seen; a hanging test fails, none waits for the time.
     void waitFor(std::size_t count)
     {
-        const QDeadlineTimer deadline(20'000);
+        const QDeadlineTimer deadline(kPatienceMilliseconds);
         while (seen.size() < count && !deadline.hasExpired())
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
         EXPECT_THAT(seen, SizeIs(count));

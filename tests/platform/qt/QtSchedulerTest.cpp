@@ -2,6 +2,7 @@
 
 #include "base/BlockOn.h"
 #include "base/Completion.h"
+#include "support/Patience.h"
 
 #include <gtest/gtest.h>
 
@@ -21,7 +22,7 @@ QCoro::Task<> await(Completion<bool> completion)
 
 void runUntil(const Completion<bool> &completion)
 {
-    blockOn(await(completion), 10s);
+    blockOn(await(completion), kPatience);
 }
 
 TEST(QtScheduler, FiresFromTheEventLoopAndNotInsideTheCall)
