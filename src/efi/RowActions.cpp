@@ -194,7 +194,11 @@ QCoro::Task<> RowActions::renameVolume(PhysicalDisk disk, std::string newName)
 
 QCoro::Task<std::string> RowActions::eject(PhysicalDisk disk)
 {
-    return logged("Eject failed: ", m_model.diskManager.ejectDisk(disk.identifier));
+    if (isLoading())
+        co_return {};
+    const Operation operation(*this, fmt::format("Ejecting {}", disk.name));
+    auto ejecting = logged("Eject failed: ", m_model.diskManager.ejectDisk(disk.identifier));
+    co_return co_await ejecting;
 }
 
 QCoro::Task<> RowActions::updateState(std::string identifier)

@@ -55,7 +55,7 @@ public:
     [[nodiscard]] static bool canEraseEFI(const PhysicalDisk &disk) { return !disk.isBootDisk; }
 
     /// Unmounts the partition where it is mounted, else mounts it. Nothing while an action of this row is under way,
-    /// which holds for mount() and unmount() too.
+    /// which holds for mount(), unmount() and eject() too.
     QCoro::Task<> toggle(PhysicalDisk disk, EFIPartition partition);
 
     QCoro::Task<> mount(PhysicalDisk disk, EFIPartition partition);
@@ -76,7 +76,7 @@ public:
     QCoro::Task<> askToRenameVolume(PhysicalDisk disk);
     QCoro::Task<> renameVolume(PhysicalDisk disk, std::string newName);
 
-    /// DiskManager::ejectDisk(), of which the container is told nothing.
+    /// DiskManager::ejectDisk(): what the tool says.
     QCoro::Task<std::string> eject(PhysicalDisk disk);
 
 private:

@@ -346,7 +346,7 @@ TEST_F(RowActionsTest, RenamesNoVolumeWhereTheLabelStandsForSeveral)
 
 // --- eject
 
-TEST_F(RowActionsTest, EjectsWithoutAWordToTheContainer)
+TEST_F(RowActionsTest, EjectsADisk)
 {
     defaults.set(DefaultsKeys::kLastRefreshTime, clock.date());
     tools.answer(diskutil("eject disk2"), "Disk disk2 ejected\n");
@@ -354,7 +354,24 @@ TEST_F(RowActionsTest, EjectsWithoutAWordToTheContainer)
 
     EXPECT_EQ(finished(actions.eject(disk)), "Disk disk2 ejected\n");
 
-    EXPECT_THAT(journal, ElementsAre(diskutil("eject disk2"), "disks changed"));
+    EXPECT_THAT(journal, ElementsAre("start Ejecting Stick", diskutil("eject disk2"), "disks changed", "end"));
+}
+
+TEST_F(RowActionsTest, EjectsNothingWhileAnActionOfTheRowIsUnderWay)
+{
+    defaults.set(DefaultsKeys::kLastRefreshTime, clock.date());
+    tools.answer(diskutil("eject disk2"), "Disk disk2 ejected\n");
+    tools.hold(diskutil("eject disk2"));
+    RowActions actions = row();
+    auto first = actions.eject(disk);
+
+    EXPECT_TRUE(actions.isLoading());
+    EXPECT_EQ(finished(actions.eject(disk)), "");
+
+    tools.release(diskutil("eject disk2"));
+    EXPECT_EQ(finished(std::move(first)), "Disk disk2 ejected\n");
+    EXPECT_FALSE(actions.isLoading());
+    EXPECT_THAT(journal, ElementsAre("start Ejecting Stick", diskutil("eject disk2"), "disks changed", "end"));
 }
 
 TEST_F(RowActionsTest, LogsWhyADiskWasNotEjectedAndLeavesItInTheList)
@@ -365,7 +382,8 @@ TEST_F(RowActionsTest, LogsWhyADiskWasNotEjectedAndLeavesItInTheList)
     EXPECT_EQ(failureOf(actions.eject(disk)), "disk2 is busy");
 
     EXPECT_EQ(log.lines().back(), "Eject failed: disk2 is busy");
-    EXPECT_THAT(journal, ElementsAre(diskutil("eject disk2")));
+    EXPECT_THAT(journal, ElementsAre("start Ejecting Stick", diskutil("eject disk2"), "end"));
+    EXPECT_FALSE(actions.isLoading());
 }
 
 TEST_F(RowActionsTest, OffersNoEjectForABuiltInDiskAndForTheBootDisk)

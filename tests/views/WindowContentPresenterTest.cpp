@@ -118,6 +118,27 @@ TEST_F(WindowContentPresenterTest, TellsOfAnActionWhileItRuns)
     EXPECT_FALSE(row().isLoading());
 }
 
+TEST_F(WindowContentPresenterTest, TellsOfAnEjectWhileItRunsAndStartsNoSecondOne)
+{
+    hold({externalDisk("disk2")});
+    const std::string eject = diskutil("eject disk2");
+    tools.answer(eject, "Disk disk2 ejected\n");
+    tools.hold(eject);
+    for (int time = 0; time < 2; ++time) {
+        row().perform(RowAction::eject);
+        clock.advance(0ms);
+    }
+
+    EXPECT_EQ(content().statusText(), QStringLiteral("Ejecting Disk disk2"));
+    EXPECT_TRUE(row().isLoading());
+    tools.release(eject);
+    settle();
+    EXPECT_EQ(content().rows()->rowCount(), 0);
+    EXPECT_EQ(content().statusText(), QStringLiteral("Ready"));
+    EXPECT_THAT(tools.calls(), Contains(eject).Times(1));
+    EXPECT_THAT(dialogs.alerts, IsEmpty());
+}
+
 TEST_F(WindowContentPresenterTest, ShowsTheMountedPartitionInItsRow)
 {
     hold({externalDisk("disk2", {{.identifier = "disk2s1"}})});
