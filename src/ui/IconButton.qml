@@ -10,6 +10,7 @@ Item {
     property color color: Theme.secondary
     property real size: 13
     property real frame: 24
+    property real reach: 0 // by which the place to press and to light up is larger than the frame, on each side
     readonly property bool hovered: hover.hovered
     signal clicked
 
@@ -28,17 +29,17 @@ Item {
         clicked();
     }
 
-    TapHandler {
-        id: pointer
-        gesturePolicy: TapHandler.ReleaseWithinBounds
-        onTapped: root.clicked()
-    }
-    ToolTipArea { id: hover; tip: root.tip }
-
     Rectangle {
         anchors.fill: parent
+        anchors.margins: -root.reach
         radius: 5
         color: pointer.pressed ? Theme.controlPressed : root.hovered ? Theme.controlHover : "transparent"
+        TapHandler {
+            id: pointer
+            gesturePolicy: TapHandler.ReleaseWithinBounds
+            onTapped: root.clicked()
+        }
+        ToolTipArea { id: hover; tip: root.tip }
         FocusRing { control: root; anchors.margins: 0; radius: 5 }
     }
     Symbol {

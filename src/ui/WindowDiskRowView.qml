@@ -56,15 +56,18 @@ Column {
             presenter: root.row
             list: root.list
             anchors.right: chevron.left
+            anchors.rightMargin: chevron.reach
             anchors.verticalCenter: parent.verticalCenter
         }
         IconButton { // its place stays free in other rows, so that their buttons stand beneath one another
             id: chevron
             objectName: "chevron"
             anchors.right: parent.right
+            anchors.rightMargin: reach
             anchors.verticalCenter: parent.verticalCenter
             visible: root.row.hasChevron
-            frame: 20
+            frame: 12
+            reach: 4
             size: 10
             symbol: root.row.chevron
             tip: root.row.isExpanded ? "Collapse EFI List" : "Expand EFI List"

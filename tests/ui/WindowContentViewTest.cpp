@@ -292,6 +292,18 @@ TEST_F(WindowContentViewTest, OpensTheListOfPartitionsByTheChevron)
     EXPECT_FALSE(shows("disk2s1"));
 }
 
+TEST_F(WindowContentViewTest, HasASmallChevronThatIsEasyToHit)
+{
+    QQuickItem &chevron = window().item(QStringLiteral("disk2/chevron"));
+    EXPECT_EQ(chevron.size(), QSizeF(12, 12));
+
+    (void)window().picture();
+    const QPointF beside = chevron.mapToScene({-3, 15});
+    QTest::mouseClick(&window().window(), Qt::LeftButton, Qt::NoModifier, beside.toPoint());
+
+    EXPECT_THAT(manager().expandedDisks(), ElementsAre("disk2"));
+}
+
 TEST_F(WindowContentViewTest, ShowsTheMenuOfARowByTheRightButton)
 {
     holdOneStick();
