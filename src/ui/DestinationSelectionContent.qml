@@ -8,6 +8,7 @@ FocusScope {
     required property EFIDestinationSelectionPresenter dialog
 
     Component.onCompleted: Qt.callLater(takeFocus) // once it is enabled
+    onEnabledChanged: if (enabled) Qt.callLater(takeFocus) // again, before it has faded
 
     // On the chosen row, else the first one, unless the footer has it.
     function takeFocus(): void {

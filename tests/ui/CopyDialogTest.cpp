@@ -171,6 +171,23 @@ TEST_F(CopyDialogTest, GivesNoButtonTheKeyboardWhileItCopies)
     EXPECT_EQ(window().focused(), "closeButton");
 }
 
+TEST_F(CopyDialogTest, GivesTheKeyboardBackToTheChoiceAfterACopyThatFailsAtOnce)
+{
+    open();
+    window().press(Qt::Key_Space);
+    std::filesystem::remove_all(folder() / "source/EFI");
+    window().tabTo("copyButton");
+
+    window().press(Qt::Key_Return);
+    waitUntil([this] { return manager.operationStatus() == "Source EFI folder not found"; });
+    waitForStillness(window());
+    QmlWindow::settle();
+
+    EXPECT_EQ(window().focused(), "destination0");
+    window().press(Qt::Key_Tab);
+    EXPECT_EQ(window().focused(), "overwriteCheckBox");
+}
+
 TEST_F(CopyDialogTest, ShowsTheAlertWhereThereIsNothingToPick)
 {
     EFIDestinationSelectionPresenter empty(
