@@ -59,6 +59,26 @@ private:
     std::optional<QmlWindow> m_window;
 };
 
+TEST_F(ContextMenuTest, ObeysNothingInANameOfADisk)
+{
+    PhysicalDisk disk = externalDisk("disk2");
+    disk.name = "<b>x</b>";
+    disk.size = "R&amp;D";
+    disk.volumeName = "&Mount";
+    hold({disk});
+
+    openMenuOf("disk2");
+
+    ASSERT_TRUE(openMenu());
+    std::vector<std::string> read; // an action's text for a button is without marks
+    for (const QAction *action : openMenu()->actions().last(3)) {
+        read.push_back(action->iconText().toStdString());
+        EXPECT_TRUE(QKeySequence::mnemonic(action->text()).isEmpty()) << action->text().toStdString();
+    }
+    EXPECT_THAT(read, ElementsAre("<b>x</b>", "R&amp;D", "&Mount"));
+    openMenu()->close();
+}
+
 struct MountEntry {
     const char *name;
     const char *entry;

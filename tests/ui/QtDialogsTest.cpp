@@ -14,6 +14,7 @@
 #include <QFileDialog>
 #include <QGuiApplication>
 #include <QLabel>
+#include <QLineEdit>
 #include <QTemporaryDir>
 
 #include <gmock/gmock.h>
@@ -352,6 +353,24 @@ TEST_F(SavePanelTest, ProposesTheNameInTheFolder)
     QMetaObject::invokeMethod(&shown, "accept");
 
     EXPECT_EQ(blockOn(std::move(answer), kPatience), request.startFolder + "/EFI_Stick_disk2s1");
+}
+
+TEST_F(SavePanelTest, ObeysNothingInANameOfADisk)
+{
+    const QString name = QStringLiteral("<b>x<b> R&amp;D &Mount");
+    request.title = request.message = request.proposedName = name.toStdString();
+    auto answer = dialogs.savePanel(request);
+    QFileDialog &shown = panel();
+
+    EXPECT_EQ(shown.windowTitle(), name);
+    const auto *message = shown.findChild<QLabel *>(QStringLiteral("message"));
+    EXPECT_EQ(message->text(), name);
+    EXPECT_EQ(message->textFormat(), Qt::PlainText);
+    EXPECT_FALSE(message->buddy()) << "a mark would be its shortcut";
+    EXPECT_EQ(shown.findChild<QLineEdit *>()->text(), name);
+
+    QMetaObject::invokeMethod(&shown, "accept");
+    EXPECT_EQ(blockOn(std::move(answer), 5s), request.startFolder + "/" + name.toStdString());
 }
 
 TEST_F(SavePanelTest, GivesNothingWhereItIsCancelled)

@@ -4,6 +4,7 @@
 #include "ui/ToolTips.h"
 
 #include <QMenu>
+#include <QTextDocumentFragment>
 #include <QToolTip>
 
 namespace brindle {
@@ -24,6 +25,9 @@ INSTANTIATE_TEST_SUITE_P(
     Of, ToolTipsTest,
     testing::Values(TipCase{"AWord", "Eject disk", "Eject disk"},
                     TipCase{"Markup", "<b>Stick</b>", "<p>&lt;b&gt;Stick&lt;/b&gt;</p>"},
+                    TipCase{"AnEntity", "R&amp;D", "R&amp;D"},
+                    TipCase{"MarkupInEntities", "&lt;b&gt;Stick", "<p>&amp;lt;b&amp;gt;Stick</p>"},
+                    TipCase{"AMarkOfAShortcut", "&Mount", "&Mount"},
                     TipCase{"ALongLine",
                             "Operation failed: the file EFI/OC/OpenCore.efi of the source & that of the copy differ",
                             "<p>Operation failed: the file EFI/OC/OpenCore.efi of the source &amp; that of the copy "
@@ -34,7 +38,10 @@ TEST_P(ToolTipsTest, ShowTheTextAndObeyNoneOfIt)
 {
     ToolTips().show(QString::fromUtf8(GetParam().text));
 
-    EXPECT_EQ(QToolTip::text().toStdString(), GetParam().shown);
+    const QString tip = QToolTip::text();
+    EXPECT_EQ(tip.toStdString(), GetParam().shown);
+    const QString read = Qt::mightBeRichText(tip) ? QTextDocumentFragment::fromHtml(tip).toPlainText() : tip;
+    EXPECT_EQ(read.toStdString(), GetParam().text);
 }
 
 TEST_F(ToolTipsTest, StayAwayWhileAMenuIsOpen)

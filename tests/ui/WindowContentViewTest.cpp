@@ -267,6 +267,24 @@ TEST_F(WindowContentViewTest, MountsByADoubleClickOnce)
     EXPECT_EQ(std::ranges::count(journal, sudo("mount disk2s1")), 1);
 }
 
+TEST_F(WindowContentViewTest, MountsAndUnmountsAPartitionByADoubleClickOnItsRow)
+{
+    manager().toggleExpanded("disk2");
+    answerInfo("disk2s3", false);
+    answerSudo("mount disk2s3");
+    answerSudo("unmount disk2s3");
+
+    window().doubleClick(QStringLiteral("disk2s3/partitionIdentifier"));
+    settle();
+    EXPECT_THAT(launcher.commandLines(), ElementsAre(sudo("mount disk2s3")));
+
+    answerInfo("disk2s3", true);
+    finished(manager().updateEFIPartitionState("disk2s3"));
+    window().doubleClick(QStringLiteral("disk2s3/partitionIdentifier"));
+    settle();
+    EXPECT_THAT(launcher.commandLines(), ElementsAre(sudo("mount disk2s3"), sudo("unmount disk2s3")));
+}
+
 TEST_F(WindowContentViewTest, DoesNotMountByADoubleClickOnAButton)
 {
     holdOneStick();

@@ -189,6 +189,7 @@ INSTANTIATE_TEST_SUITE_P(
                     BodyCase{"Image", "<img src='file:///etc/passwd'/>", "&lt;img src='file:///etc/passwd'/&gt;",
                              "<img src='file:///etc/passwd'/>"},
                     BodyCase{"Entity", "&lt;", "&amp;lt;", "&lt;"},
+                    BodyCase{"MarkOfAShortcut", "&Mount", "&amp;Mount", "&Mount"},
                     BodyCase{"Newline", "A\nB", "A&lt;U+000A&gt;B", "A<U+000A>B"},
                     BodyCase{"Direction", "A\u202EB", "A&lt;U+202E&gt;B", "A<U+202E>B"},
                     BodyCase{"NoUtf8", "A\xff", "A\uFFFD", "A\uFFFD"}),
