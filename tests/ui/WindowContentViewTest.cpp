@@ -169,10 +169,7 @@ TEST_F(WindowContentViewTest, SaysThatItScansForTheFirstTime)
 
 TEST_F(WindowContentViewTest, SaysThatThereAreNoDisks)
 {
-    defaults.set(DefaultsKeys::kIsModeSwitchRelaunch, false);
-    paths = ToolPaths::system();
-    plugIn({});
-    scan();
+    findNoDisks();
 
     EXPECT_EQ(textOf("noDisks/noticeTitle"), "No disks found");
     EXPECT_EQ(heightOf("noDisks"), 120);

@@ -47,6 +47,15 @@ protected:
 
     DiskRowPresenter &row(int index = 0) { return content().rows()->row(index); }
 
+    /// The first scan is over; it has found nothing.
+    void findNoDisks()
+    {
+        defaults.set(DefaultsKeys::kIsModeSwitchRelaunch, false);
+        paths = ToolPaths::system();
+        plugIn({});
+        scan();
+    }
+
     /// Lets everything that was begun end.
     void settle() { clock.advance(std::chrono::milliseconds(700)); }
 

@@ -89,12 +89,23 @@ TEST_F(WindowContentPresenterTest, ShowsTheRowsOfTheDisksInTheirOrder)
 
 TEST_F(WindowContentPresenterTest, SaysThatThereAreNoDisks)
 {
-    defaults.set(DefaultsKeys::kIsModeSwitchRelaunch, false);
-    paths = ToolPaths::system();
-    plugIn({});
-    scan();
+    findNoDisks();
 
     EXPECT_EQ(content().listState(), QStringLiteral("empty"));
+}
+
+TEST_F(WindowContentPresenterTest, SaysThatItScansWhileItLooksForDisksAnewAndHasNone)
+{
+    findNoDisks();
+    std::vector<QString> states;
+    QObject::connect(&content(), &WindowContentPresenter::listStateChanged,
+                     [&] { states.push_back(content().listState()); });
+
+    scan();
+
+    ASSERT_THAT(states, Not(IsEmpty()));
+    EXPECT_EQ(states.front(), QStringLiteral("scanning"));
+    EXPECT_EQ(states.back(), QStringLiteral("empty"));
 }
 
 TEST_F(WindowContentPresenterTest, SaysThatItIsReadyWhereNothingGoesOn)
