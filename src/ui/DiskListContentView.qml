@@ -104,6 +104,7 @@ Item {
         width: parent.width
         visible: root.listState === "firstScan"
         title: "Scanning disks..."
+        titleSize: Theme.subheadline
         note: "Verifying current state"
     }
     ListNotice {
@@ -118,5 +119,6 @@ Item {
         visible: root.listState === "empty"
         symbol: "externaldrive.badge.questionmark"
         title: "No disks found"
+        titleSize: Theme.subheadline
     }
 }

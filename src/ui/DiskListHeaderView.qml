@@ -23,6 +23,7 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         spacing: 6
         Symbol {
+            objectName: "titleSymbol"
             anchors.verticalCenter: parent.verticalCenter
             name: "externaldrive.fill"
             size: 14

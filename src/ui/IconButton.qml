@@ -43,6 +43,7 @@ Item {
         FocusRing { control: root; anchors.margins: 0; radius: 5 }
     }
     Symbol {
+        objectName: "buttonSymbol"
         anchors.centerIn: parent
         name: root.symbol
         color: root.hovered && root.color === Theme.secondary ? Theme.primary : root.color

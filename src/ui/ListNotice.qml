@@ -5,6 +5,7 @@ Item {
     id: root
     property string symbol: "" // a spinner where there is none
     required property string title
+    property int titleSize: Theme.body
     property string note: ""
 
     height: 120
@@ -13,11 +14,13 @@ Item {
         anchors.centerIn: parent
         spacing: 12
         Spinner {
+            objectName: "noticeSpinner"
             anchors.horizontalCenter: parent.horizontalCenter
             visible: root.symbol === ""
             size: 24
         }
         Symbol {
+            objectName: "noticeSymbol"
             anchors.horizontalCenter: parent.horizontalCenter
             visible: root.symbol !== ""
             name: root.symbol
@@ -28,7 +31,7 @@ Item {
             objectName: "noticeTitle"
             anchors.horizontalCenter: parent.horizontalCenter
             text: root.title
-            font.pixelSize: Theme.subheadline
+            font.pixelSize: root.titleSize
             color: Theme.secondary
         }
         PlainText {
