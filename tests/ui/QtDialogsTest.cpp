@@ -370,7 +370,7 @@ TEST_F(SavePanelTest, ObeysNothingInANameOfADisk)
     EXPECT_EQ(shown.findChild<QLineEdit *>()->text(), name);
 
     QMetaObject::invokeMethod(&shown, "accept");
-    EXPECT_EQ(blockOn(std::move(answer), 5s), request.startFolder + "/" + name.toStdString());
+    EXPECT_EQ(blockOn(std::move(answer), kPatience), request.startFolder + "/" + name.toStdString());
 }
 
 TEST_F(SavePanelTest, GivesNothingWhereItIsCancelled)
