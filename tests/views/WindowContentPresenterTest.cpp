@@ -19,25 +19,6 @@ using testing::StartsWith;
 
 class WindowContentPresenterTest : public WindowContentFixture {
 protected:
-    /// The heights that the window was given.
-    [[nodiscard]] std::vector<std::string> heights() const
-    {
-        std::vector<std::string> result;
-        for (const std::string &line : windowJournal) {
-            if (line.starts_with("height "))
-                result.push_back(line);
-        }
-        return result;
-    }
-
-    void appear()
-    {
-        content();
-        openWindow();
-        content().appear();
-        clock.advance(0ms);
-    }
-
     /// Mounts the one EFI partition of disk2, which lasts until the launcher lets it go on.
     void beginAMountThatWaits()
     {
