@@ -11,8 +11,6 @@
 
 #include <gmock/gmock.h>
 
-#include <deque>
-
 namespace brindle {
 namespace {
 
@@ -104,7 +102,6 @@ TEST_F(QtWindowHostTest, ShowsAWindowAndLetsItsContentAppear)
 
 TEST_F(QtWindowHostTest, KeepsTheUserFromResizingInEveryState)
 {
-    holdSourceAndDestinations(1);
     MainWindow &window = open(222);
     const auto expectFixed = [&](int height) {
         clock.advance(std::chrono::milliseconds(50));
@@ -114,12 +111,6 @@ TEST_F(QtWindowHostTest, KeepsTheUserFromResizingInEveryState)
         EXPECT_EQ(window.maximumSize(), size);
     };
     expectFixed(222);
-
-    std::deque<int> heights{428, 428, 578, 428, 428, 222};
-    walkThroughACopy(window.content(), [&] {
-        expectFixed(heights.front());
-        heights.pop_front();
-    });
 
     window.content().rows()->row(0).perform(RowAction::eraseDisk);
     expectFixed(578);
