@@ -80,6 +80,25 @@ TEST_F(ApplicationMenuTest, ShowsNothingWithoutEntries)
     EXPECT_THAT(chosen, IsEmpty());
 }
 
+TEST(QtApplicationHost, GivesTheKeyboardToItsWindow)
+{
+    QWindow window;
+    window.show();
+    {
+        QWindow other;
+        other.show();
+        other.requestActivate();
+        QCoreApplication::processEvents();
+    }
+    QCoreApplication::processEvents();
+    ASSERT_NE(QGuiApplication::focusWindow(), &window);
+
+    QtApplicationHost().activate();
+    QCoreApplication::processEvents();
+
+    EXPECT_EQ(QGuiApplication::focusWindow(), &window);
+}
+
 TEST(QtApplicationHost, GivesTheKeyboardToTheDialogInFrontRatherThanToItsParent)
 {
     QWindow dialog;

@@ -1,5 +1,6 @@
 #include "ui/QtWindowHost.h"
 
+#include "ui/QmlWindow.h"
 #include "ui/UserInterface.h"
 #include "views/WindowContentFixture.h"
 
@@ -10,6 +11,8 @@
 #include <QScreen>
 
 #include <gmock/gmock.h>
+
+#include <deque>
 
 namespace brindle {
 namespace {
@@ -102,8 +105,10 @@ TEST_F(QtWindowHostTest, ShowsAWindowAndLetsItsContentAppear)
 
 TEST_F(QtWindowHostTest, KeepsTheUserFromResizingInEveryState)
 {
+    holdSourceAndDestinations(1);
     MainWindow &window = open(222);
     const auto expectFixed = [&](int height) {
+        (void)window.grabWindow(); // draws the frame that comes before the next height
         clock.advance(std::chrono::milliseconds(50));
         const QSize size(500, std::min(height, window.screen()->availableGeometry().height() * 9 / 10));
         EXPECT_EQ(window.size(), size);
@@ -111,6 +116,12 @@ TEST_F(QtWindowHostTest, KeepsTheUserFromResizingInEveryState)
         EXPECT_EQ(window.maximumSize(), size);
     };
     expectFixed(222);
+
+    std::deque<int> heights{428, 428, 578, 428, 428, 222};
+    walkThroughACopy(window.content(), [&] {
+        expectFixed(heights.front());
+        heights.pop_front();
+    });
 
     window.content().rows()->row(0).perform(RowAction::eraseDisk);
     expectFixed(578);
@@ -208,6 +219,32 @@ TEST_F(QtWindowHostTest, PaintsAllWindowsAndThoseToComeInTheScheme)
 
     EXPECT_EQ(colorOfName(before), u"white");
     EXPECT_EQ(colorOfName(open()), u"white");
+}
+
+TEST_F(QtWindowHostTest, DrawsAWindowAgainOnceItIsToldTo)
+{
+    MainWindow &window = open();
+    (void)window.grabWindow();
+    QmlWindow::settle();
+    int frames = 0;
+    QObject::connect(&window, &QQuickWindow::frameSwapped, &window, [&frames] { ++frames; });
+
+    host.redraw(lastID());
+
+    waitUntil([&frames] { return frames > 0; });
+}
+
+TEST_F(QtWindowHostTest, GivesTheKeyboardToTheWindowThatIsPutInFront)
+{
+    MainWindow &first = open();
+    const WindowID id = lastID();
+    const MainWindow &second = open();
+    ASSERT_EQ(QGuiApplication::focusWindow(), &second);
+
+    host.makeKeyAndOrderFront(id);
+    QCoreApplication::processEvents();
+
+    EXPECT_EQ(QGuiApplication::focusWindow(), &first);
 }
 
 TEST_F(QtWindowHostTest, TellsOfChangesOfTheScreens)
