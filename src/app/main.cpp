@@ -149,7 +149,7 @@ int run(const Arguments &options, const std::vector<std::string> &arguments)
     // While the first tools run: the window comes a while after the start, and is whole by then.
     QMetaObject::invokeMethod(&windows, &QtWindowHost::prepare, Qt::QueuedConnection);
     const int status = QApplication::exec();
-    instance.reset(); // who starts it from now on gets a window of their own: the end can take a while
+    instance.reset();           // who starts it from now on gets a window of their own: the end can take a while
     windows.setMakeContent({}); // what was prepared refers to the shell
     return status;
 }

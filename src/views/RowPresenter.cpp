@@ -171,6 +171,7 @@ bool RowPresenter::isAutoMount() const
 {
     return disk().mediaUUID && autoMountMarks(m_surroundings.userDefaults).contains(*disk().mediaUUID);
 }
+
 void RowPresenter::begin(Work work)
 {
     spawn([actions = m_actions, work = std::move(work)] { return run(actions, work); });
