@@ -45,9 +45,9 @@ FocusScope {
                 visible: root.dialog.progressEnds.length > 0
                 columns: 2
                 Repeater {
-                    model: root.dialog.progressEnds
+                    model: 4 // that stay: Qt 6.4's layouts touch items that are gone when they are resized in between
                     PlainText {
-                        required property string modelData
+                        readonly property string modelData: root.dialog.progressEnds[index] ?? ""
                         required property int index
                         objectName: "progressEnd" + index
                         Layout.fillWidth: index % 2 === 1
