@@ -69,17 +69,18 @@ QCoro::Task<> EFICopyManager::copyEFI(PhysicalDisk sourceDisk, EFIPartition sour
     begin("Preparing EFI copy operation...");
     const std::string sourcePath = efiFolderOf(sourceEFI);
     const std::string destPath = efiFolderOf(destinationEFI);
-    throwIfCancelled();
+    const auto isCancelled = m_isLastCancelled; // another operation may begin meanwhile
+    throwIfCancelled(isCancelled);
     auto telling = m_fileManager.volumeAt(*destinationEFI.mountPoint);
     const std::string volume = co_await telling;
-    auto requiring = requireMountedAtStart({sourceEFI, destinationEFI});
+    auto requiring = requireMountedOrEnd({sourceEFI, destinationEFI});
     co_await requiring;
     auto check = checkSource(sourcePath);
     co_await check;
     publish("Checking destination...", 0.1);
     auto looking = m_fileManager.fileExists(destPath);
     const bool isThere = co_await looking;
-    if (isThere && !m_isCancelled) {
+    if (isThere && !*isCancelled) {
         if (!overwriteWithoutBackup) {
             raiseConfirmation(sourceDisk, sourceEFI, destinationDisk, destinationEFI, volume);
             co_return;
@@ -88,7 +89,7 @@ QCoro::Task<> EFICopyManager::copyEFI(PhysicalDisk sourceDisk, EFIPartition sour
     } else {
         publish("Destination is ready...", 0.2);
     }
-    throwIfCancelled(); // the last look: what begins now changes the destination
+    throwIfCancelled(isCancelled); // the last look: what begins now changes the destination
     auto replacement = replaceAndVerify(sourcePath, destPath, sourceEFI, destinationEFI);
     co_await replacement;
 }
@@ -100,7 +101,7 @@ QCoro::Task<> EFICopyManager::copyEFIToLocation(PhysicalDisk disk, EFIPartition 
 
     begin("Preparing to copy EFI folder...");
     const std::string sourcePath = efiFolderOf(efiPartition);
-    auto requiring = requireMountedAtStart({efiPartition});
+    auto requiring = requireMountedOrEnd({efiPartition});
     co_await requiring;
     auto check = checkSource(sourcePath);
     co_await check;
@@ -111,6 +112,8 @@ QCoro::Task<> EFICopyManager::copyEFIToLocation(PhysicalDisk disk, EFIPartition 
         setOperationStatus("Operation cancelled");
         throw EFICopyError(EFICopyError::Case::userCancelled);
     }
+    auto requiringStill = requireMountedOrEnd({efiPartition});
+    co_await requiringStill;
     const UnfinishedWork::Piece piece(m_unfinishedWork);
     publish(fmt::format("Copying EFI folder from {}...", efiPartition.displayName()), 0.3);
     auto copy = copyDirectory(sourcePath, *location, "EFI folder");
@@ -126,6 +129,7 @@ QCoro::Task<> EFICopyManager::copyEFIToLocation(PhysicalDisk disk, EFIPartition 
 
 void EFICopyManager::cancelOperation()
 {
+    *m_isLastCancelled = true;
     setIsCancelled(true);
     setIsOperationInProgress(false);
     publish("Operation cancelled", 0);
@@ -139,16 +143,19 @@ void EFICopyManager::begin(std::string status)
     setIsOperationInProgress(true);
     setOperationProgress(0);
     setOperationStatus(std::move(status));
+    m_isLastCancelled = std::make_shared<bool>(false);
     setIsCancelled(false);
     setShowConfirmationDialog(false);
 }
 
-void EFICopyManager::throwIfCancelled()
+void EFICopyManager::throwIfCancelled(const std::shared_ptr<bool> &isCancelled)
 {
-    if (!m_isCancelled)
+    if (!*isCancelled)
         return;
-    setIsOperationInProgress(false);
-    setOperationStatus("Operation cancelled");
+    if (isCancelled == m_isLastCancelled) {
+        setIsOperationInProgress(false);
+        setOperationStatus("Operation cancelled");
+    }
     throw EFICopyError(EFICopyError::Case::userCancelled);
 }
 
@@ -164,7 +171,7 @@ QCoro::Task<> EFICopyManager::requireMounted(std::vector<EFIPartition> partition
     }
 }
 
-QCoro::Task<> EFICopyManager::requireMountedAtStart(std::vector<EFIPartition> partitions)
+QCoro::Task<> EFICopyManager::requireMountedOrEnd(std::vector<EFIPartition> partitions)
 {
     auto requiring = requireMounted(std::move(partitions));
     try {

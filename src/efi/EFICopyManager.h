@@ -11,6 +11,7 @@
 #include <QObject>
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -113,9 +114,9 @@ Q_SIGNALS:
 
 private:
     void begin(std::string status);
-    void throwIfCancelled();
+    void throwIfCancelled(const std::shared_ptr<bool> &isCancelled);
     QCoro::Task<> requireMounted(std::vector<EFIPartition> partitions);
-    QCoro::Task<> requireMountedAtStart(std::vector<EFIPartition> partitions);
+    QCoro::Task<> requireMountedOrEnd(std::vector<EFIPartition> partitions);
     QCoro::Task<> requireUnchanged(EFIPartition sourceEFI, EFIPartition destinationEFI, std::string destinationVolume);
     QCoro::Task<> checkSource(std::string sourcePath);
     void raiseConfirmation(PhysicalDisk sourceDisk, EFIPartition sourceEFI, PhysicalDisk destinationDisk,
@@ -150,6 +151,7 @@ private:
     double m_operationProgress = 0;
     std::string m_operationStatus;
     bool m_isCancelled = false;
+    std::shared_ptr<bool> m_isLastCancelled = std::make_shared<bool>(false); ///< Of the operation that began last.
     bool m_showConfirmationDialog = false;
     std::optional<ConfirmationData> m_confirmationData;
     DelayedCalls m_delayedCalls;

@@ -69,8 +69,10 @@ void EFICopyFlow::begin(std::function<QCoro::Task<>()> copy)
 
 void EFICopyFlow::cancelUnseenQuestion()
 {
-    if (m_manager.showConfirmationDialog() && !m_showingDestinationSelection)
-        m_manager.cancelOperation();
+    if (!m_manager.showConfirmationDialog() || m_showingDestinationSelection)
+        return;
+    const auto onCancel = m_manager.confirmationData().value().onCancel; // a copy: it ends the question
+    onCancel();
 }
 
 QCoro::Task<> EFICopyFlow::copy(PhysicalDisk sourceDisk, EFIPartition sourceEFI,

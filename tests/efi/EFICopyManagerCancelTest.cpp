@@ -187,5 +187,31 @@ TEST_F(EFICopyManagerCancelTest, IsForgottenByTheNextStart)
     EXPECT_EQ(treeOf(destinationEFI()), treeOf(sourceEFI()));
 }
 
+TEST_F(EFICopyManagerCancelTest, LeavesACancelledCopyCancelledWhenAnotherOneBegins)
+{
+    const auto old = treeOf(destinationEFI());
+    PhysicalDisk other = destination;
+    other.identifier = "disk3";
+    other.efiPartitions.front().identifier = "disk3s1";
+    other.efiPartitions.front().mountPoint = (folder() / "other").string();
+    std::filesystem::create_directories(folder() / "other");
+    const auto copyTo = [this](const PhysicalDisk &disk) {
+        return manager.copyEFI(source, source.efiPartitions.front(), disk, disk.efiPartitions.front(), true);
+    };
+    places.hold();
+    auto first = copyTo(destination);
+    waitUntil([this] { return places.isHolding(); });
+    manager.cancelOperation();
+
+    auto second = copyTo(other);
+    places.release();
+
+    EXPECT_THROW(blockOn(std::move(first), kPatience), EFICopyError);
+    blockOn(std::move(second), kPatience);
+    EXPECT_EQ(treeOf(destinationEFI()), old);
+    EXPECT_EQ(treeOf(folder() / "other/EFI"), treeOf(sourceEFI()));
+    EXPECT_EQ(manager.operationStatus(), "EFI copy completed successfully");
+}
+
 } // namespace
 } // namespace brindle

@@ -385,5 +385,23 @@ TEST_F(EFICopyManagerFailureTest, LeavesAFailedOperationByCancelling)
     EXPECT_EQ(manager.operationProgress(), 0.0);
 }
 
+TEST_F(EFICopyManagerFailureTest, SavesNothingOfAnotherPartitionThatCameWhileItAskedForAPlace)
+{
+    writeSampleEFI(sourceEFI());
+    dialogs.savePaths = {backup().string()};
+    places.hold();
+    auto copy = manager.copyEFIToLocation(source, source.efiPartitions.front());
+    waitUntil([this] { return places.isHolding(); });
+    places.release();
+    places.gone = {"disk1s1"}; // by the next look
+
+    EXPECT_THROW(blockOn(std::move(copy), kPatience), EFICopyError);
+
+    EXPECT_THAT(dialogs.savePanels, SizeIs(1));
+    EXPECT_FALSE(fs::exists(backup()));
+    EXPECT_THAT(manager.operationStatus(), EndsWith(" any more"));
+    EXPECT_FALSE(manager.isOperationInProgress());
+}
+
 } // namespace
 } // namespace brindle

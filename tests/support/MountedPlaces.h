@@ -18,6 +18,8 @@ public:
     /// From now on nothing is told until release(): copies stand still.
     void hold() { m_isHeld = true; }
 
+    [[nodiscard]] bool isHolding() const { return !m_heldAnswers.empty(); } ///< Somebody has asked.
+
     /// Tells all that was asked meanwhile, and later questions at once.
     void release()
     {

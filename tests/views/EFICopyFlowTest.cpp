@@ -199,8 +199,8 @@ TEST_F(EFICopyFlowTest, CancelsTheQuestionOfADialogThatIsClosed)
     waitUntil([this] { return manager.showConfirmationDialog(); });
 
     flow.onCancel();
+    waitUntil([this] { return !manager.showConfirmationDialog(); });
 
-    EXPECT_FALSE(manager.showConfirmationDialog());
     EXPECT_FALSE(manager.isOperationInProgress());
     EXPECT_EQ(manager.operationStatus(), "Operation cancelled");
     EXPECT_TRUE(fs::exists(folder() / "destination/EFI/old"));
