@@ -39,7 +39,8 @@ Item {
     // A row that is out of sight is shown before it obeys a key.
     function handleKey(event: KeyEvent): void {
         const isOfRow = [Qt.Key_Space, Qt.Key_Return, Qt.Key_Enter, Qt.Key_Left, Qt.Key_Right, Qt.Key_Menu]
-                        .includes(event.key) || event.matches(StandardKey.Copy);
+                        .includes(event.key) || event.matches(StandardKey.Copy)
+                        || event.key === Qt.Key_F10 && event.modifiers & Qt.ShiftModifier;
         keyboard.isByKeyboard = true;
         if (isOfRow)
             takeFocus();

@@ -74,8 +74,10 @@ MainWindow::~MainWindow()
 void MainWindow::setFixedSize(QSize size)
 {
     QPoint topLeft = position();
-    if (screen() && size.height() > height()) // what a dialog ends with are its buttons
-        topLeft.setY(std::min(topLeft.y(), std::max(0, screen()->availableGeometry().bottom() + 1 - size.height())));
+    if (screen() && size.height() > height()) { // what a dialog ends with are its buttons
+        const QRect available = screen()->availableGeometry();
+        topLeft.setY(std::min(topLeft.y(), std::max(available.top(), available.bottom() + 1 - size.height())));
+    }
     setMinimumSize(size);
     setMaximumSize(size);
     resize(size);
@@ -111,7 +113,8 @@ bool MainWindow::mouseEvent(QMouseEvent &event)
     const bool isRelease = event.type() == QEvent::MouseButtonRelease;
     const bool wasPressedBefore = (event.buttons() & ~Qt::MouseButtons(event.button())) != Qt::NoButton;
     // The desktop that has moved the window has kept the release for itself, and the next click would be lost.
-    if (m_isPressed && !isRelease && !wasPressedBefore)
+    const bool isSecondClick = event.type() == QEvent::MouseButtonDblClick; // comes right behind its press
+    if (m_isPressed && !isRelease && !isSecondClick && !wasPressedBefore)
         deliver(event, QEvent::MouseButtonRelease, Qt::LeftButton, Qt::NoButton);
     m_isPressed = event.buttons() != Qt::NoButton;
     return deliver(event, event.type(), event.button(), event.buttons());

@@ -103,10 +103,14 @@ void RowPresenter::activate()
 std::function<void()> RowPresenter::prepare(RowAction action)
 {
     switch (action) {
-    case RowAction::toggleMount:
     case RowAction::open:
-    case RowAction::copyEFI:
     case RowAction::quickEdit:
+        return [this, action] { // where it is mounted by then
+            if (const EFIPartition *partition = partitionFor(action))
+                performOnPartition(action, disk(), *partition);
+        };
+    case RowAction::toggleMount:
+    case RowAction::copyEFI:
     case RowAction::renameEFI:
     case RowAction::eraseEFI:
         if (const EFIPartition *partition = partitionFor(action))

@@ -191,5 +191,20 @@ TEST_F(MainWindowTest, HasRoundCornersOverNothingAsLongAsTheDesktopBlendsWindows
     }
 }
 
+TEST_F(MainWindowTest, LeavesTheSecondClickOfTwoAlone)
+{
+    const QPointF place = middleOf("disk2");
+    click(place, Qt::LeftButton);
+    mouse(QEvent::MouseButtonPress, place, Qt::LeftButton, Qt::LeftButton);
+    mouse(QEvent::MouseButtonDblClick, place, Qt::LeftButton, Qt::LeftButton);
+    settle();
+    EXPECT_THAT(journal, Not(Contains(sudo("mount disk2s1")))) << "as long as the button is down";
+
+    mouse(QEvent::MouseButtonRelease, place, Qt::LeftButton, Qt::NoButton);
+    settle();
+
+    EXPECT_THAT(journal, Contains(sudo("mount disk2s1")));
+}
+
 } // namespace
 } // namespace brindle

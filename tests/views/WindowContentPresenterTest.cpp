@@ -6,6 +6,8 @@
 
 #include <fmt/format.h>
 
+#include <filesystem>
+
 namespace brindle {
 namespace {
 
@@ -399,6 +401,22 @@ TEST_F(WindowContentPresenterTest, DoesNothingWithoutAWindow)
     clock.advance(1s);
 
     EXPECT_THAT(windowJournal, IsEmpty());
+}
+
+TEST_F(WindowContentPresenterTest, OpensThePlaceWhereThePartitionIsMountedWhenItsEntryIsChosen)
+{
+    PhysicalDisk disk = externalDisk("disk2", {{.identifier = "disk2s1", .isMounted = true, .mountPoint = "/old"}});
+    hold({disk});
+    const auto chosen = row().prepare(RowAction::open);
+    disk.efiPartitions.front().mountPoint = mountPoint();
+    content().rows()->setDisks({disk}, {});
+
+    std::filesystem::create_directories(mountPoint());
+
+    chosen();
+    waitUntil([this] { return !journal.empty(); });
+
+    EXPECT_THAT(journal, ElementsAre("open " + mountPoint()));
 }
 
 } // namespace
