@@ -1,6 +1,6 @@
 #pragma once
 
-/// The names that are posted at the NotificationCenter.
+/// The names by which parts of the application tell one another something through the NotificationCenter.
 namespace brindle::NotificationNames {
 
 /// What the list is high for has changed by something that no model tells of: the height is to be found anew.

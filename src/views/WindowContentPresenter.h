@@ -43,8 +43,8 @@ public:
     /// A change of the height up to this, in points, leaves the window alone.
     static constexpr double kHeightTolerance = 2;
 
-    /// How long the rows take no key after the dialog of a copy that succeeded: it closes by itself, and a key that was
-    /// meant for its "Close" comes when the list has the keyboard.
+    /// How long the rows can't be pressed by a key after the dialog of a copy that succeeded: it closes by itself, and
+    /// a key that was meant for its "Close" comes when the list has the keyboard.
     static constexpr std::chrono::milliseconds kRestAfterCopy{500};
 
     /// What the window shows and acts on; all of it outlives the window.

@@ -58,11 +58,6 @@ Compositor::Compositor(std::string_view platform)
         watchSelection();
 }
 
-Compositor::~Compositor()
-{
-    m_notifier.reset(); // before the file that it watches
-}
-
 void Compositor::watchSelection()
 {
     const xcb_atom_t watched = selection(m_connection.get());

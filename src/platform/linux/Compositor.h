@@ -21,7 +21,6 @@ public:
     /// \a platform is what the program's windows are on, as Qt names it: "wayland" and what begins with it, "xcb", or
     /// another, on which nothing is blended.
     explicit Compositor(std::string_view platform);
-    ~Compositor() override;
 
     [[nodiscard]] bool isRunning() const { return m_isRunning; }
 
@@ -36,7 +35,7 @@ private:
     bool m_isRunning;
     std::unique_ptr<xcb_connection_t, void (*)(xcb_connection_t *)> m_connection;
     std::uint8_t m_selectionEvent = 0;
-    std::optional<QSocketNotifier> m_notifier; ///< Of the connection.
+    std::optional<QSocketNotifier> m_notifier; ///< Of the connection, and ends before that.
 };
 
 } // namespace brindle
