@@ -1,6 +1,7 @@
 #include "platform/linux/DBusNotificationDaemon.h"
 
 #include "support/FakeNotificationDaemon.h"
+#include "support/ManualClock.h"
 #include "support/PrivateBus.h"
 #include "support/WaitUntil.h"
 
@@ -39,6 +40,8 @@ protected:
             .closed = [this](const NotificationDaemon::Key &key) { closed.push_back(key.id); },
         });
     }
+
+    void TearDown() override { drainEventLoop(); } // one may still connect
 
     Capabilities capabilities()
     {

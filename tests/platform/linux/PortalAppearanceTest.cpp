@@ -2,6 +2,7 @@
 
 #include "support/FakeAppearance.h"
 #include "support/FakePortal.h"
+#include "support/ManualClock.h"
 #include "support/PrivateBus.h"
 #include "support/WaitUntil.h"
 
@@ -27,6 +28,8 @@ protected:
             GTEST_SKIP() << obstacle;
         bus.emplace();
     }
+
+    void TearDown() override { drainEventLoop(); } // one may still connect
 
     void make()
     {
